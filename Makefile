@@ -1,0 +1,49 @@
+# Two commands to begin with: "make demo" and "make test".
+.DEFAULT_GOAL := help
+BUILD := build/release
+DEV := build/dev
+export CCACHE_DIR ?= $(HOME)/.cache/ccache
+
+.PHONY: help setup build demo test run bench asan tsan fuzz format lint clean
+
+help: ## this list
+	@awk -F':.*## ' '/^[a-z-]+:.*## /{printf "  make %-8s %s\n", $$1, $$2}' $(MAKEFILE_LIST)
+
+setup: ## install what is missing, from Debian's packages
+	@tools/setup
+
+build: setup ## build everything (release) into build/release/bin
+	@tools/build release
+
+demo: build ## record a real screen, zoom, export, and look at the result
+	@tools/demo
+
+test: setup ## build and run every test
+	@tools/build dev
+	@tools/test dev
+
+run: build ## open the application
+	@$(BUILD)/bin/tavlin
+
+bench: build ## run the benchmarks
+	@tools/bench
+
+asan: setup ## every test under the address and undefined-behaviour sanitizers
+	@tools/build asan
+	@tools/test asan
+
+tsan: setup ## every test under the thread sanitizer
+	@tools/build tsan
+	@tools/test tsan
+
+fuzz: setup ## a minute of libFuzzer on each parser
+	@tools/fuzz
+
+format: ## put every source file into the house format
+	@git ls-files '*.h' '*.cpp' | xargs clang-format -i
+
+lint: setup ## clang-tidy over the sources of build/dev
+	@tools/lint
+
+clean: ## remove everything that was built
+	@rm -rf build

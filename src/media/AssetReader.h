@@ -1,0 +1,62 @@
+#pragma once
+
+#include "base/Geometry.h"
+#include "base/MediaTime.h"
+#include "base/PixelBuffer.h"
+
+#include <filesystem>
+#include <optional>
+#include <vector>
+
+namespace tavi {
+
+/// The first facts of one track of pictures.
+struct VideoTrack {
+    int index = 0;    ///< Position among the file's streams.
+    Size naturalSize; ///< Coded size in pixels, before any rotation tag.
+};
+
+struct AudioTrack {
+    int index = 0;
+    int sampleRate = 0; ///< Hz.
+    int channels = 0;
+};
+
+/// A media file that was opened and looked at.
+struct Asset {
+    std::filesystem::path path;
+    MediaTime duration; ///< The container's duration, at the container's own timescale.
+    std::vector<VideoTrack> videoTracks;
+    std::vector<AudioTrack> audioTracks;
+};
+
+/// One decoded picture of a track.
+struct VideoSample {
+    MediaTime presentationTime; ///< On the movie's timeline, edit lists applied.
+    PixelBufferPtr image;       ///< Absent for a sample that has a time but no picture.
+};
+
+enum class AssetReaderStatus { unknown = 0, reading = 1, completed = 2, failed = 3, cancelled = 4 };
+
+/// Decodes one video track over one stretch of time, one picture at a time, in
+/// order of presentation.
+///
+/// The first sample is the picture in force at the start of the range: the
+/// latest one whose time is at or before it, else the first after it. Samples
+/// at or after the end of the range are not given.
+/// Threads: one caller at a time; the adapter may decode ahead on its own.
+class VideoReader {
+public:
+    virtual ~VideoReader() = default;
+
+    /// The next picture, absent at the end of the range, after a failure and
+    /// after cancelReading(); status() tells which.
+    virtual std::optional<VideoSample> copyNextSample() = 0;
+
+    virtual AssetReaderStatus status() const = 0;
+
+    /// Ends reading early.
+    virtual void cancelReading() = 0;
+};
+
+} // namespace tavi
