@@ -13,8 +13,8 @@ Date SystemClock::now() const {
 MediaTime SystemClock::hostTime() const {
     timespec t{};
     clock_gettime(CLOCK_MONOTONIC, &t);
-    return MediaTime::fromNanoseconds(static_cast<std::int64_t>(t.tv_sec) * MediaTime::kNanoseconds +
-                                      t.tv_nsec);
+    return MediaTime::fromNanoseconds(
+        static_cast<std::int64_t>(t.tv_sec) * MediaTime::kNanoseconds + t.tv_nsec);
 }
 
 } // namespace tavi

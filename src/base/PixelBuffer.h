@@ -23,7 +23,8 @@ public:
 
     /// A transparent picture. Width and height are not negative; either may be 0.
     PixelBuffer(int width, int height)
-        : m_width(width), m_height(height),
+        : m_width(width),
+          m_height(height),
           m_stride((static_cast<std::size_t>(width) * kBytesPerPixel + kAlignment - 1) /
                    kAlignment * kAlignment) {
         assert(width >= 0 && height >= 0);

@@ -21,10 +21,10 @@ enum class VideoCodec { hevc, h264 };
 /// What one encoded video track is to be.
 struct VideoSettings {
     VideoCodec codec = VideoCodec::hevc;
-    int width = 0;               ///< Pixels, even.
-    int height = 0;              ///< Pixels, even.
-    std::int64_t bitRate = 0;    ///< Average, bits per second.
-    int expectedFrameRate = 60;  ///< Frames per second.
+    int width = 0;              ///< Pixels, even.
+    int height = 0;             ///< Pixels, even.
+    std::int64_t bitRate = 0;   ///< Average, bits per second.
+    int expectedFrameRate = 60; ///< Frames per second.
     /// True for a live source: lowest delay, and an input that says "not ready"
     /// rather than wait.
     bool realTime = false;

@@ -17,8 +17,8 @@ public:
 
     /// The picture in force at `time`, with the rotation tag applied, reduced to
     /// fit `maximumSize` (never enlarged). An error where the file ends before `time`.
-    virtual Result<PixelBufferPtr, MediaError>
-    copyImage(const std::filesystem::path& path, MediaTime time, Size maximumSize) = 0;
+    virtual Result<PixelBufferPtr, MediaError> copyImage(const std::filesystem::path& path,
+                                                         MediaTime time, Size maximumSize) = 0;
 };
 
 /// Still picture files. Any thread.

@@ -7,14 +7,14 @@ namespace tavi {
 /// Why a piece of media could not be read or written.
 struct MediaError {
     enum class Kind {
-        notFound,      ///< No such file, or one that may not be read.
-        notMedia,      ///< The file holds no media that can be read.
-        noVideoTrack,  ///< Media, but without a picture.
-        cannotDecode,  ///< No decoder, or the data is damaged beyond use.
-        cannotWrite,   ///< The file or its folder can't be written.
-        diskFull,      ///< No space left where the file lies.
-        noEncoder,     ///< No encoder of the machine takes these settings.
-        cannotEncode,  ///< The encoder gave up.
+        notFound,     ///< No such file, or one that may not be read.
+        notMedia,     ///< The file holds no media that can be read.
+        noVideoTrack, ///< Media, but without a picture.
+        cannotDecode, ///< No decoder, or the data is damaged beyond use.
+        cannotWrite,  ///< The file or its folder can't be written.
+        diskFull,     ///< No space left where the file lies.
+        noEncoder,    ///< No encoder of the machine takes these settings.
+        cannotEncode, ///< The encoder gave up.
     };
 
     Kind kind = Kind::notMedia;
