@@ -1,0 +1,34 @@
+#include "capture/CaptureError.h"
+
+namespace tavi {
+
+namespace {
+
+std::string withDetail(std::string sentence, const std::string& detail) {
+    return detail.empty() ? sentence : sentence + " (" + detail + ").";
+}
+
+} // namespace
+
+std::string CaptureError::description() const {
+    switch (kind) {
+    case Kind::noWindowSystem:
+        return withDetail("No display server could be reached; start this from a graphical session "
+                          "or set DISPLAY",
+                          detail);
+    case Kind::missingExtension:
+        return withDetail("The display server lacks an extension that recording needs", detail);
+    case Kind::unsupportedFormat:
+        return withDetail("The display's pixel format can't be recorded; set it to 24-bit colour",
+                          detail);
+    case Kind::sourceGone:
+        return withDetail("The chosen source is not there; `tavi sources` lists what is", detail);
+    case Kind::connectionLost:
+        return withDetail("The display server ended the connection", detail);
+    case Kind::writer:
+        return detail;
+    }
+    return detail;
+}
+
+} // namespace tavi

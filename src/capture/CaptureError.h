@@ -1,0 +1,27 @@
+#pragma once
+
+#include <string>
+
+namespace tavi {
+
+/// Why a take could not start, or why it ended by itself.
+struct CaptureError {
+    enum class Kind {
+        noWindowSystem,    ///< No display server answers.
+        missingExtension,  ///< The server lacks something that capture needs.
+        unsupportedFormat, ///< The server's pixels are of a kind that isn't read.
+        sourceGone,        ///< The chosen display or window is not there (any more).
+        connectionLost,    ///< The display server went away during the take.
+        writer,            ///< The file can't be made or written; `detail` is a whole sentence.
+    };
+
+    Kind kind = Kind::noWindowSystem;
+    std::string detail; ///< What it was about: a display's name, an extension; may be empty.
+
+    /// One line for the user: what happened and what to do.
+    std::string description() const;
+
+    bool operator==(const CaptureError&) const = default;
+};
+
+} // namespace tavi

@@ -1,0 +1,187 @@
+#include "capture/ScreenCaptureService.h"
+
+#include <limits>
+
+namespace tavi {
+
+namespace {
+
+constexpr std::int64_t kNoTime = std::numeric_limits<std::int64_t>::min();
+
+int roundedUpToEven(int length) {
+    return length + length % 2;
+}
+
+CaptureError writerError(const MediaError& error) {
+    return {CaptureError::Kind::writer, error.description()};
+}
+
+} // namespace
+
+ScreenCaptureService::ScreenCaptureService(ScreenStreams& streams, MediaLibrary& media,
+                                           const Clock& clock)
+    : m_streams(streams),
+      m_media(media),
+      m_clock(clock),
+      m_sessionStartTime(kNoTime) {}
+
+ScreenCaptureService::~ScreenCaptureService() {
+    m_isCapturing = false;
+    abandonStart();
+}
+
+Result<void, CaptureError>
+ScreenCaptureService::startCapture(const ScreenFilter& filter, int width, int height,
+                                   const std::filesystem::path& outputURL) {
+    width = roundedUpToEven(width);
+    height = roundedUpToEven(height);
+    auto started = startWriter(width, height, outputURL);
+    if (started) {
+        started = startStream(filter, width, height);
+    }
+    if (!started) {
+        m_isCapturing = false;
+        abandonStart();
+    }
+    return started;
+}
+
+Result<void, CaptureError>
+ScreenCaptureService::startWriter(int width, int height, const std::filesystem::path& outputURL) {
+    auto writer = m_media.makeWriter(outputURL, FileType::quickTimeMovie);
+    if (!writer) {
+        return fail(writerError(writer.error()));
+    }
+    const VideoSettings settings{.codec = VideoCodec::hevc,
+                                 .width = width,
+                                 .height = height,
+                                 .bitRate = kAverageBitRate,
+                                 .expectedFrameRate = kExpectedFrameRate,
+                                 .realTime = true};
+    const auto input = (*writer)->addVideoInput(settings);
+    if (!input) {
+        return fail(writerError(input.error()));
+    }
+    if (const auto writing = (*writer)->startWriting(); !writing) {
+        return fail(writerError(writing.error()));
+    }
+    m_assetWriter = std::move(*writer);
+    m_videoInput = *input;
+    return {};
+}
+
+Result<void, CaptureError> ScreenCaptureService::startStream(const ScreenFilter& filter, int width,
+                                                             int height) {
+    const ScreenStreamConfiguration configuration{.width = width,
+                                                  .height = height,
+                                                  .minimumFrameInterval = {1, kExpectedFrameRate}};
+    auto stream = m_streams.makeStream(filter, configuration);
+    if (!stream) {
+        return fail(stream.error());
+    }
+    m_stream = std::move(*stream);
+    m_queue = std::make_unique<SerialQueue>("com.tavi.capture");
+    auto output = m_stream->addStreamOutput(
+        *m_queue, [this](const ScreenSample& sample) { handleSample(sample); });
+    if (!output) {
+        return output;
+    }
+    // Frames count from here on and not only once the stream's start returned:
+    // a display on which nothing moves sends its first frame and then no other.
+    m_isCapturing = true;
+    return m_stream->startCapture();
+}
+
+void ScreenCaptureService::abandonStart() {
+    m_stream.reset();
+    m_queue.reset();
+    if (m_assetWriter) {
+        m_assetWriter->cancelWriting();
+    }
+    m_assetWriter.reset();
+    m_videoInput = nullptr;
+}
+
+void ScreenCaptureService::handleSample(const ScreenSample& sample) {
+    if (sample.type != ScreenSampleType::screen || !m_isCapturing || !sample.isValid) {
+        return;
+    }
+    if (!m_sessionStarted) {
+        startSession(sample.presentationTime);
+    }
+    if (!sample.image) {
+        return;
+    }
+    const bool taken = m_videoInput != nullptr && m_videoInput->isReadyForMoreMediaData() &&
+                       m_videoInput->append(sample.image, sample.presentationTime);
+    ++(taken ? m_appendedFrames : m_droppedFrames);
+}
+
+/// Kept on purpose: a sample without a picture starts the session as well; its
+/// time is the zero of the video either way.
+void ScreenCaptureService::startSession(MediaTime time) {
+    m_assetWriter->startSession(time);
+    m_sessionStartTime = m_clock.hostTime().rescaled(MediaTime::kNanoseconds).value;
+    m_sessionStarted = true;
+    if (onSessionStarted) {
+        onSessionStarted();
+        onSessionStarted = nullptr;
+    }
+}
+
+void ScreenCaptureService::stopCapture() {
+    if (!m_isCapturing) {
+        return;
+    }
+    const MediaTime end = m_clock.hostTime();
+    m_isCapturing = false;
+    m_failure = failure();
+    if (m_stream) {
+        // A stream that can't be stopped is no reason to lose the file.
+        static_cast<void>(m_stream->stopCapture());
+    }
+    m_stream.reset();
+    m_queue.reset();
+    finishFile(end);
+    m_sessionStartTime = kNoTime;
+}
+
+void ScreenCaptureService::finishFile(MediaTime end) {
+    if (!m_assetWriter) {
+        return;
+    }
+    if (m_sessionStarted) {
+        m_assetWriter->endSession(end);
+    }
+    m_videoInput->markAsFinished();
+    const auto finished = m_assetWriter->finishWriting();
+    if (!finished && !m_failure) {
+        m_failure = writerError(finished.error());
+    }
+    m_videoInput = nullptr;
+    m_assetWriter.reset();
+}
+
+std::optional<MediaTime> ScreenCaptureService::sessionStartTime() const {
+    const std::int64_t value = m_sessionStartTime;
+    return value == kNoTime ? std::nullopt : std::optional(MediaTime::fromNanoseconds(value));
+}
+
+std::optional<CaptureError> ScreenCaptureService::failure() const {
+    if (m_failure) {
+        return m_failure;
+    }
+    if (m_stream) {
+        if (auto error = m_stream->failure()) {
+            return error;
+        }
+    }
+    if (m_assetWriter && m_assetWriter->status() == AssetWriterStatus::failed) {
+        const auto error = m_assetWriter->error();
+        return error ? writerError(*error)
+                     : CaptureError{CaptureError::Kind::writer, "The video can't be written."};
+    }
+    return std::nullopt;
+}
+
+} // namespace tavi

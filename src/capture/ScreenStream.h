@@ -1,0 +1,74 @@
+#pragma once
+
+#include "base/MediaTime.h"
+#include "base/PixelBuffer.h"
+#include "base/Result.h"
+#include "base/SerialQueue.h"
+#include "capture/CaptureError.h"
+
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <optional>
+
+namespace tavi {
+
+/// What a screen stream shows.
+struct ScreenFilter {
+    std::uint32_t displayId = 0;
+
+    bool operator==(const ScreenFilter&) const = default;
+};
+
+struct ScreenStreamConfiguration {
+    int width = 0;  ///< Pixels; a source that is smaller is continued by its last column.
+    int height = 0; ///< Pixels; likewise by its last row.
+    MediaTime minimumFrameInterval{1, 60};
+
+    bool operator==(const ScreenStreamConfiguration&) const = default;
+};
+
+enum class ScreenSampleType { screen, audio };
+
+/// One report of a stream.
+struct ScreenSample {
+    ScreenSampleType type = ScreenSampleType::screen;
+    MediaTime presentationTime; ///< Host clock, when the picture was taken.
+    PixelBufferPtr image;       ///< Absent in a sample that reports a status only.
+    bool isValid = true;
+};
+
+/// A running view of one source.
+///
+/// The cursor is in no picture. A picture comes at once when the stream starts, and from then on only when
+/// something changed, never faster than the minimum frame interval.
+/// Threads: one controlling thread; samples arrive on the queue given.
+/// The destructor stops the stream.
+class ScreenStream {
+public:
+    using Handler = std::function<void(const ScreenSample&)>;
+
+    virtual ~ScreenStream() = default;
+
+    /// Where samples go; before startCapture(). `queue` outlives the stream.
+    virtual Result<void, CaptureError> addStreamOutput(SerialQueue& queue, Handler handler) = 0;
+
+    virtual Result<void, CaptureError> startCapture() = 0;
+
+    /// Ends the stream; no sample is queued after it returns.
+    virtual Result<void, CaptureError> stopCapture() = 0;
+
+    /// Why the stream ended by itself; absent while it runs. Any thread.
+    virtual std::optional<CaptureError> failure() const = 0;
+};
+
+/// Makes streams.
+class ScreenStreams {
+public:
+    virtual ~ScreenStreams() = default;
+
+    virtual Result<std::unique_ptr<ScreenStream>, CaptureError>
+    makeStream(const ScreenFilter& filter, const ScreenStreamConfiguration& configuration) = 0;
+};
+
+} // namespace tavi

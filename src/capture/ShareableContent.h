@@ -1,0 +1,50 @@
+#pragma once
+
+#include "base/Geometry.h"
+#include "base/Result.h"
+#include "capture/CaptureError.h"
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+namespace tavi {
+
+/// A display that can be recorded.
+struct Display {
+    std::uint32_t id =
+        0;               ///< The window system's own number; stable while the display is connected.
+    std::string name;    ///< As the system names its output ("HDMI-1").
+    int width = 0;       ///< Points.
+    int height = 0;      ///< Points.
+    Rect frame;          ///< Global space, bottom-left origin, points.
+    bool isMain = false; ///< The display that the user chose as first.
+
+    bool operator==(const Display&) const = default;
+};
+
+/// A window as the window manager lists it.
+struct Window {
+    std::uint32_t id = 0;
+    std::string title;           ///< May be empty.
+    std::string applicationName; ///< May be empty.
+    Rect frame;                  ///< Global space, bottom-left origin, points; without decoration.
+    bool isOnScreen = false;     ///< Shown and not minimized.
+
+    bool operator==(const Window&) const = default;
+};
+
+/// What can be recorded at this moment.
+struct ShareableContent {
+    std::vector<Display> displays; ///< In the system's order.
+    std::vector<Window> windows;   ///< Bottom to top.
+};
+
+/// Lists the sources. Any thread.
+class ShareableContentSource {
+public:
+    virtual ~ShareableContentSource() = default;
+    virtual Result<ShareableContent, CaptureError> content() = 0;
+};
+
+} // namespace tavi

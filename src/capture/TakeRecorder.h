@@ -1,0 +1,80 @@
+#pragma once
+
+#include "capture/CursorTrackingService.h"
+#include "capture/ScreenCaptureService.h"
+#include "capture/ShareableContent.h"
+#include "media/ImageGenerator.h"
+
+#include <atomic>
+#include <filesystem>
+#include <memory>
+#include <optional>
+
+namespace tavi {
+
+/// What one take stands on. All outlive the recorder.
+struct TakePorts {
+    ScreenStreams& streams;
+    MediaLibrary& media;
+    ImageFiles& imageFiles;
+    CursorTrackingPorts tracking;
+};
+
+/// Conducts one take of a display: its folder, the order in which the services
+/// start and stop, and the files beside the video.
+///
+/// States: idle -> recording -> stopped; a recorder serves one take.
+/// Threads: main thread. The owner calls tick() every kTickInterval seconds
+/// while the take runs, and stop() when `failure()` is there or the user asks.
+/// The destructor stops a take that runs, and saves it.
+class TakeRecorder {
+public:
+    static constexpr double kTickInterval = 0.1; ///< Seconds.
+
+    explicit TakeRecorder(TakePorts ports);
+    ~TakeRecorder();
+
+    TakeRecorder(const TakeRecorder&) = delete;
+    TakeRecorder& operator=(const TakeRecorder&) = delete;
+
+    /// Makes the take's folder in `library` and starts recording the display.
+    /// An error leaves the folder empty. Blocks while the encoder is chosen.
+    Result<void, CaptureError> start(const Display& display, const std::filesystem::path& library);
+
+    /// Brings elapsedTime() up to date.
+    void tick();
+
+    /// Ends the take and completes its files; blocks until the video is whole.
+    /// Returns its folder, absent when no take runs. A file that can't be
+    /// written is missing afterwards; failure() tells of the video only.
+    std::optional<std::filesystem::path> stop();
+
+    bool isRecording() const { return m_isRecording; }
+
+    /// Seconds since the first frame at the last tick; 0 before it.
+    double elapsedTime() const { return m_elapsedTime; }
+
+    /// What ended the take from inside: the display server or the disk. The
+    /// owner then calls stop(), which saves what there is.
+    std::optional<CaptureError> failure() const;
+
+    std::uint64_t appendedFrames() const;
+    std::uint64_t droppedFrames() const;
+
+private:
+    std::optional<Date> recordingStartDate() const;
+    void writeCursorImages() const;
+    void writeMetadata() const;
+
+    TakePorts m_ports;
+    std::unique_ptr<CursorTrackingService> m_cursorTrackingService;
+    std::unique_ptr<ScreenCaptureService> m_screenCaptureService;
+    std::filesystem::path m_folder;
+    bool m_isRecording = false;
+    double m_elapsedTime = 0;
+    int m_capturedWidth = 0;
+    int m_capturedHeight = 0;
+    std::atomic<double> m_recordingStartDate; ///< Seconds as in Date; NaN while absent.
+};
+
+} // namespace tavi
