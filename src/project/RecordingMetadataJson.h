@@ -3,6 +3,7 @@
 #include "project/Json.h"
 #include "project/RecordingMetadata.h"
 
+#include <memory>
 #include <string>
 #include <string_view>
 
@@ -15,5 +16,25 @@ Result<std::string, JsonError> encodeRecordingMetadata(const RecordingMetadata& 
 /// Reads `metadata.json`. A missing required key, a wrong type or an unknown
 /// event type fails the whole.
 Result<RecordingMetadata, JsonError> decodeRecordingMetadata(std::string_view json);
+
+/// What a list of takes shows of a sidecar.
+struct RecordingSummary {
+    Date startDate;
+    double duration = 0; ///< Seconds.
+};
+
+/// Reads many sidecars with one parser's memory. Thread: one at a time.
+class MetadataDecoder {
+public:
+    MetadataDecoder();
+    ~MetadataDecoder();
+
+    /// Checks all of a sidecar as decodeRecordingMetadata() does, but keeps no log.
+    Result<RecordingSummary, JsonError> decodeSummary(std::string_view json);
+
+private:
+    struct Impl;
+    std::unique_ptr<Impl> m_impl;
+};
 
 } // namespace tavi
