@@ -1,0 +1,147 @@
+#include "platform/ffmpeg/FfmpegAsset.h"
+
+#include "platform/ffmpeg/FfmpegErrors.h"
+#include "platform/ffmpeg/MovieHeader.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <cstring>
+#include <unistd.h>
+
+namespace tavi {
+
+namespace {
+
+namespace fs = std::filesystem;
+
+/// Demuxers by the libraries' names. A text that happens to look like a
+/// playlist must not make the program open what it lists.
+constexpr const char* kContainers = "mov,mp4,m4a,3gp,3g2,mj2,matroska,webm,avi,mpegts,apng";
+
+std::optional<MediaError> plainFileError(const fs::path& path) {
+    using Kind = MediaError::Kind;
+    std::error_code failure;
+    const fs::file_status status = fs::status(path, failure);
+    if (status.type() == fs::file_type::not_found || status.type() == fs::file_type::none) {
+        return mediaError(Kind::notFound, path,
+                          failure ? failure.message() : std::strerror(ENOENT));
+    }
+    if (fs::is_directory(status)) {
+        return mediaError(Kind::notMedia, path, "it is a folder");
+    }
+    if (::access(path.c_str(), R_OK) != 0) {
+        return mediaError(Kind::notFound, path, std::strerror(errno));
+    }
+    if (fs::is_regular_file(status) && fs::file_size(path, failure) == 0) {
+        return mediaError(Kind::notMedia, path, "it is empty");
+    }
+    return std::nullopt;
+}
+
+std::string refusalReason(const fs::path& path, int code) {
+    const MovieHeader header = readMovieHeader(path);
+    if (header.isMovie && !header.hasIndex) {
+        return "it has no index: it was cut short or is still being written";
+    }
+    return code == AVERROR(EINVAL) ? "its format is not supported" : ffmpegReason(code);
+}
+
+bool isPicture(const AVStream& stream) {
+    return stream.codecpar->codec_type == AVMEDIA_TYPE_VIDEO &&
+           !(stream.disposition & AV_DISPOSITION_ATTACHED_PIC);
+}
+
+bool isIncomplete(const AVFormatContext& input) {
+    if (input.nb_streams == 0) {
+        return true;
+    }
+    return std::any_of(input.streams, input.streams + input.nb_streams, [](const AVStream* s) {
+        const AVCodecParameters& codec = *s->codecpar;
+        return (codec.codec_type == AVMEDIA_TYPE_VIDEO &&
+                (codec.width <= 0 || codec.height <= 0)) ||
+               (codec.codec_type == AVMEDIA_TYPE_AUDIO && codec.sample_rate <= 0) ||
+               s->duration == AV_NOPTS_VALUE;
+    });
+}
+
+/// The longest track's end, exact at that track's clock; the library's
+/// microseconds where no track knows its length.
+MediaTime durationFromTracks(const AVFormatContext& input) {
+    MediaTime longest{0, MediaTime::kPreferredTimescale};
+    for (unsigned i = 0; i < input.nb_streams; ++i) {
+        const AVStream& stream = *input.streams[i];
+        if (stream.duration > 0) {
+            const std::int64_t start = stream.start_time == AV_NOPTS_VALUE
+                                           ? 0
+                                           : std::max<std::int64_t>(stream.start_time, 0);
+            longest = std::max(longest, streamTime(start + stream.duration, stream.time_base));
+        }
+    }
+    if (longest.value == 0 && input.duration > 0) {
+        longest = MediaTime{input.duration, AV_TIME_BASE};
+    }
+    return longest;
+}
+
+int channelCount(const AVCodecParameters& codec) {
+#if LIBAVCODEC_VERSION_INT >= AV_VERSION_INT(59, 24, 100)
+    return codec.ch_layout.nb_channels;
+#else
+    return codec.channels;
+#endif
+}
+
+} // namespace
+
+MediaTime streamTime(std::int64_t ticks, AVRational timeBase) {
+    return {ticks * timeBase.num, timeBase.den};
+}
+
+Result<InputHandle, MediaError> openInput(const fs::path& path) {
+    silenceFfmpegLog();
+    if (const auto error = plainFileError(path)) {
+        return fail(*error);
+    }
+    Options options;
+    options.set("protocol_whitelist", "file");
+    options.set("format_whitelist", kContainers);
+    AVFormatContext* opened = nullptr;
+    const int code =
+        avformat_open_input(&opened, fileUrl(path).c_str(), nullptr, options.address());
+    if (code < 0) {
+        return fail(mediaError(MediaError::Kind::notMedia, path, refusalReason(path, code)));
+    }
+    InputHandle input(opened);
+    if (isIncomplete(*input)) {
+        avformat_find_stream_info(input.get(), nullptr);
+    }
+    if (input->nb_streams == 0) {
+        return fail(mediaError(MediaError::Kind::notMedia, path, "it has no tracks"));
+    }
+    return input;
+}
+
+Asset describeAsset(const fs::path& path, const AVFormatContext& input) {
+    Asset asset{path, readMovieHeader(path).duration.value_or(MediaTime{}), {}, {}};
+    if (asset.duration.value == 0) {
+        asset.duration = durationFromTracks(input);
+    }
+    for (unsigned i = 0; i < input.nb_streams; ++i) {
+        const AVCodecParameters& codec = *input.streams[i]->codecpar;
+        if (isPicture(*input.streams[i])) {
+            const Size size{static_cast<double>(codec.width), static_cast<double>(codec.height)};
+            asset.videoTracks.push_back({static_cast<int>(i), size});
+        } else if (codec.codec_type == AVMEDIA_TYPE_AUDIO) {
+            asset.audioTracks.push_back(
+                {static_cast<int>(i), codec.sample_rate, channelCount(codec)});
+        }
+    }
+    return asset;
+}
+
+Result<Asset, MediaError> openFfmpegAsset(const fs::path& path) {
+    return openInput(path).map(
+        [&](const InputHandle& input) { return describeAsset(path, *input); });
+}
+
+} // namespace tavi

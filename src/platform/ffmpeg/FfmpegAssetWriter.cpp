@@ -1,0 +1,108 @@
+#include "platform/ffmpeg/FfmpegAssetWriter.h"
+
+#include "platform/ffmpeg/FfmpegErrors.h"
+
+#include <cassert>
+#include <utility>
+
+namespace tavi {
+
+FfmpegAssetWriter::FfmpegAssetWriter(std::filesystem::path path, FileType type,
+                                     EncoderChoice& encoders)
+    : m_path(std::move(path)),
+      m_timescale(MovieFile::timescale(type)),
+      m_encoders(encoders),
+      m_file(m_path, type) {}
+
+FfmpegAssetWriter::~FfmpegAssetWriter() {
+    cancelWriting();
+}
+
+Result<VideoWriterInput*, MediaError>
+FfmpegAssetWriter::addVideoInput(const VideoSettings& settings) {
+    assert(status() == AssetWriterStatus::unknown);
+    auto encoder = m_encoders.open(settings, m_timescale);
+    if (!encoder) {
+        return fail(mediaError(encoder.error().kind, m_path, encoder.error().reason));
+    }
+    m_inputs.push_back(std::make_unique<FfmpegVideoInput>(settings, std::move(*encoder), m_file,
+                                                          m_timescale, m_state, m_path));
+    return m_inputs.back().get();
+}
+
+Result<void, MediaError> FfmpegAssetWriter::startWriting() {
+    assert(status() == AssetWriterStatus::unknown && !m_inputs.empty());
+    auto opened = m_file.open();
+    if (!opened) {
+        m_state.fail(opened.error());
+        return opened;
+    }
+    m_state.set(AssetWriterStatus::writing);
+    for (const auto& input : m_inputs) {
+        input->begin();
+    }
+    return {};
+}
+
+void FfmpegAssetWriter::startSession(MediaTime time) {
+    m_sessionStart = time;
+    for (const auto& input : m_inputs) {
+        input->setSessionStart(time);
+    }
+}
+
+void FfmpegAssetWriter::endSession(MediaTime time) {
+    m_sessionEnd = time;
+}
+
+Result<void, MediaError> FfmpegAssetWriter::finishWriting() {
+    for (const auto& input : m_inputs) {
+        input->drain();
+    }
+    if (m_state.isWriting()) {
+        auto completed = completeFile();
+        if (!completed) {
+            m_state.fail(completed.error());
+            return completed;
+        }
+        m_state.set(AssetWriterStatus::completed);
+    }
+    if (status() == AssetWriterStatus::failed) {
+        m_file.salvage();
+        return fail(*error());
+    }
+    return {};
+}
+
+Result<void, MediaError> FfmpegAssetWriter::completeFile() {
+    if (!m_file.hasPictures()) {
+        m_file.abandon();
+        return {};
+    }
+    std::optional<std::int64_t> end;
+    if (m_sessionStart && m_sessionEnd) {
+        end = (*m_sessionEnd - *m_sessionStart).rescaled(m_timescale).value;
+    }
+    return m_file.finish(end);
+}
+
+void FfmpegAssetWriter::cancelWriting() {
+    const AssetWriterStatus before = status();
+    if (before == AssetWriterStatus::writing) {
+        m_state.set(AssetWriterStatus::cancelled);
+    }
+    for (const auto& input : m_inputs) {
+        input->stop();
+    }
+    if (before == AssetWriterStatus::writing) {
+        m_file.abandon();
+    } else if (before == AssetWriterStatus::failed) {
+        m_file.salvage();
+    }
+}
+
+std::string FfmpegAssetWriter::encoderName() const {
+    return m_inputs.empty() ? std::string() : m_inputs.front()->encoderName();
+}
+
+} // namespace tavi

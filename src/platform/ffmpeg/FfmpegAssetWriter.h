@@ -1,0 +1,45 @@
+#pragma once
+
+#include "media/AssetWriter.h"
+#include "platform/ffmpeg/EncoderChoice.h"
+#include "platform/ffmpeg/FfmpegVideoInput.h"
+#include "platform/ffmpeg/MovieFile.h"
+#include "platform/ffmpeg/WriterState.h"
+
+#include <filesystem>
+#include <vector>
+
+namespace tavi {
+
+/// Writes one file through the media libraries; the steps of a life are told
+/// in AssetWriter, what lies on the disk meanwhile in MovieFile.
+class FfmpegAssetWriter final : public AssetWriter {
+public:
+    FfmpegAssetWriter(std::filesystem::path path, FileType type, EncoderChoice& encoders);
+    ~FfmpegAssetWriter() override;
+
+    Result<VideoWriterInput*, MediaError> addVideoInput(const VideoSettings& settings) override;
+    Result<void, MediaError> startWriting() override;
+    void startSession(MediaTime time) override;
+    void endSession(MediaTime time) override;
+    Result<void, MediaError> finishWriting() override;
+    void cancelWriting() override;
+    AssetWriterStatus status() const override { return m_state.status(); }
+    std::optional<MediaError> error() const override { return m_state.error(); }
+    std::string encoderName() const override;
+
+private:
+    Result<void, MediaError> completeFile();
+
+    const std::filesystem::path m_path;
+    const int m_timescale;
+    EncoderChoice& m_encoders;
+    WriterState m_state;
+    MovieFile m_file;
+    std::vector<std::unique_ptr<FfmpegVideoInput>>
+        m_inputs; ///< Their threads use all of the above.
+    std::optional<MediaTime> m_sessionStart;
+    std::optional<MediaTime> m_sessionEnd;
+};
+
+} // namespace tavi

@@ -1,0 +1,51 @@
+#include "platform/ffmpeg/FfmpegMediaLibrary.h"
+
+#include "platform/ffmpeg/FfmpegAsset.h"
+#include "platform/ffmpeg/FfmpegAssetWriter.h"
+#include "platform/ffmpeg/FfmpegErrors.h"
+#include "platform/ffmpeg/FfmpegVideoReader.h"
+
+namespace tavi {
+
+namespace {
+
+/// Larger pictures are a damaged file's, or nothing that can be shown.
+constexpr double kLargestSide = 16384;
+
+bool isReasonable(Size size) {
+    return size.width >= 1 && size.height >= 1 && size.width <= kLargestSide &&
+           size.height <= kLargestSide;
+}
+
+} // namespace
+
+FfmpegMediaLibrary::FfmpegMediaLibrary() {
+    silenceFfmpegLog();
+}
+
+Result<Asset, MediaError> FfmpegMediaLibrary::openAsset(const std::filesystem::path& path) {
+    return openFfmpegAsset(path);
+}
+
+Result<std::unique_ptr<VideoReader>, MediaError>
+FfmpegMediaLibrary::makeVideoReader(const Asset& asset, const VideoTrack& track,
+                                    MediaTimeRange range) {
+    const Size size = track.naturalSize;
+    if (!isReasonable(size)) {
+        return fail(mediaError(MediaError::Kind::cannotDecode, asset.path,
+                               "its picture size is out of bounds"));
+    }
+    auto decoder = VideoDecoder::open(asset.path, track.index);
+    if (!decoder) {
+        return fail(decoder.error());
+    }
+    return std::make_unique<FfmpegVideoReader>(
+        std::move(*decoder), range, static_cast<int>(size.width), static_cast<int>(size.height));
+}
+
+Result<std::unique_ptr<AssetWriter>, MediaError>
+FfmpegMediaLibrary::makeWriter(const std::filesystem::path& path, FileType type) {
+    return std::make_unique<FfmpegAssetWriter>(path, type, EncoderChoice::shared());
+}
+
+} // namespace tavi

@@ -1,0 +1,21 @@
+#pragma once
+
+#include "media/MediaLibrary.h"
+#include "platform/ffmpeg/EncoderChoice.h"
+
+namespace tavi {
+
+/// The media stack over the FFmpeg libraries. Nothing that they print reaches
+/// standard error.
+class FfmpegMediaLibrary final : public MediaLibrary {
+public:
+    FfmpegMediaLibrary();
+
+    Result<Asset, MediaError> openAsset(const std::filesystem::path& path) override;
+    Result<std::unique_ptr<VideoReader>, MediaError>
+    makeVideoReader(const Asset& asset, const VideoTrack& track, MediaTimeRange range) override;
+    Result<std::unique_ptr<AssetWriter>, MediaError> makeWriter(const std::filesystem::path& path,
+                                                                FileType type) override;
+};
+
+} // namespace tavi

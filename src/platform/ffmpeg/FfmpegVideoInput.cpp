@@ -1,0 +1,174 @@
+#include "platform/ffmpeg/FfmpegVideoInput.h"
+
+#include "platform/ffmpeg/FfmpegErrors.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <chrono>
+#include <utility>
+
+namespace tavi {
+
+namespace {
+
+/// Memory that a queue may hold; it decides how long a hiccup of the encoder a
+/// live source can sit out.
+constexpr std::size_t kQueueBytes = std::size_t{96} << 20;
+constexpr std::size_t kShortestQueue = 3;
+constexpr std::size_t kLongestQueue = 12;
+
+/// Offline there is nothing to sit out: enough that the two sides overlap.
+constexpr std::size_t kOfflineQueue = 3;
+
+/// How often a standing picture is looked at for being due on the disk.
+constexpr std::chrono::milliseconds kFlushCheck{200};
+
+std::size_t queueCapacity(const VideoSettings& settings) {
+    if (!settings.realTime) {
+        return kOfflineQueue;
+    }
+    const std::size_t bytes = static_cast<std::size_t>(settings.width) *
+                              static_cast<std::size_t>(settings.height) *
+                              PixelBuffer::kBytesPerPixel;
+    return std::clamp(kQueueBytes / std::max<std::size_t>(bytes, 1), kShortestQueue, kLongestQueue);
+}
+
+} // namespace
+
+FfmpegVideoInput::FfmpegVideoInput(const VideoSettings& settings,
+                                   std::unique_ptr<VideoEncoder> encoder, MovieFile& file,
+                                   int timescale, WriterState& state, std::filesystem::path target)
+    : m_settings(settings),
+      m_encoder(std::move(encoder)),
+      m_file(file),
+      m_timescale(timescale),
+      m_state(state),
+      m_target(std::move(target)),
+      m_track(file.addTrack(m_encoder->context(), settings.expectedFrameRate)),
+      m_capacity(queueCapacity(settings)),
+      m_pool(settings.width, settings.height, m_capacity + 2) {}
+
+FfmpegVideoInput::~FfmpegVideoInput() {
+    stop();
+}
+
+bool FfmpegVideoInput::hasRoom() const {
+    return m_state.isWriting() && !m_isFinished && m_queue.size() < m_capacity;
+}
+
+bool FfmpegVideoInput::isReadyForMoreMediaData() const {
+    const std::lock_guard lock(m_mutex);
+    return hasRoom();
+}
+
+bool FfmpegVideoInput::append(PixelBufferPtr image, MediaTime time) {
+    {
+        const std::lock_guard lock(m_mutex);
+        const bool isOfSize =
+            image && image->width() == m_settings.width && image->height() == m_settings.height;
+        if (!isOfSize || !hasRoom() || !m_sessionStart || time < *m_sessionStart ||
+            (m_lastTime && time <= *m_lastTime)) {
+            return false;
+        }
+        // Two times that fall on one tick stay two pictures in order.
+        const std::int64_t ticks = (time - *m_sessionStart).rescaled(m_timescale).value;
+        m_lastTicks = std::max(ticks, m_lastTicks + 1);
+        m_lastTime = time;
+        m_queue.push_back({std::move(image), m_lastTicks});
+    }
+    m_changed.notify_all();
+    return true;
+}
+
+void FfmpegVideoInput::markAsFinished() {
+    {
+        const std::lock_guard lock(m_mutex);
+        m_isFinished = true;
+    }
+    m_changed.notify_all();
+}
+
+std::shared_ptr<PixelBuffer> FfmpegVideoInput::makePixelBuffer() {
+    return m_state.isWriting() ? m_pool.make() : nullptr;
+}
+
+void FfmpegVideoInput::begin() {
+    m_thread = std::thread([this] { run(); });
+}
+
+void FfmpegVideoInput::setSessionStart(MediaTime time) {
+    const std::lock_guard lock(m_mutex);
+    m_sessionStart = time;
+}
+
+void FfmpegVideoInput::drain() {
+    markAsFinished();
+    join();
+}
+
+void FfmpegVideoInput::stop() {
+    {
+        const std::lock_guard lock(m_mutex);
+        m_isStopped = true;
+        m_queue.clear();
+    }
+    m_changed.notify_all();
+    join();
+}
+
+void FfmpegVideoInput::join() {
+    if (m_thread.joinable()) {
+        m_thread.join();
+    }
+}
+
+/// False at the end of the track.
+bool FfmpegVideoInput::waitForPicture(Picture& picture) {
+    std::unique_lock lock(m_mutex);
+    const auto somethingToDo = [this] { return !m_queue.empty() || m_isFinished || m_isStopped; };
+    while (!m_changed.wait_for(lock, kFlushCheck, somethingToDo)) {
+        lock.unlock();
+        checkWrite(m_file.flushIfDue());
+        lock.lock();
+    }
+    if (m_isStopped || m_queue.empty()) {
+        return false;
+    }
+    picture = std::move(m_queue.front());
+    m_queue.pop_front();
+    return true;
+}
+
+void FfmpegVideoInput::run() {
+    const VideoEncoder::Sink sink = [this](AVPacket& packet) {
+        return checkWrite(m_file.write(m_track, packet));
+    };
+    Picture picture;
+    while (waitForPicture(picture)) {
+        if (m_state.isWriting()) {
+            checkEncode(m_encoder->encode(*picture.image, picture.ticks, sink));
+        }
+        picture.image.reset();
+    }
+    if (m_state.isWriting()) {
+        checkEncode(m_encoder->drain(sink));
+    }
+}
+
+/// Turns a failed write into the writer's failure; returns the code.
+int FfmpegVideoInput::checkWrite(int code) {
+    if (code < 0 && m_state.isWriting()) {
+        m_state.fail(writeError(m_target, code));
+    }
+    return code;
+}
+
+/// The same for the encoder; a write that failed inside it was noted before.
+void FfmpegVideoInput::checkEncode(int code) {
+    if (code < 0 && m_state.isWriting()) {
+        m_state.fail(mediaError(MediaError::Kind::cannotEncode, m_target,
+                                m_encoder->name() + ": " + ffmpegReason(code)));
+    }
+}
+
+} // namespace tavi

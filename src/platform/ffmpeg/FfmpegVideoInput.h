@@ -1,0 +1,79 @@
+#pragma once
+
+#include "media/AssetWriter.h"
+#include "platform/ffmpeg/MovieFile.h"
+#include "platform/ffmpeg/PixelBufferPool.h"
+#include "platform/ffmpeg/VideoEncoder.h"
+#include "platform/ffmpeg/WriterState.h"
+
+#include <condition_variable>
+#include <deque>
+#include <mutex>
+#include <thread>
+
+namespace tavi {
+
+/// One video track of an FfmpegAssetWriter: a bounded queue, and a thread that
+/// converts, encodes and writes.
+///
+/// Threads: as told in VideoWriterInput; begin(), setSessionStart(), drain() and
+/// stop() on the writer's controlling thread.
+class FfmpegVideoInput final : public VideoWriterInput {
+public:
+    /// `file` and `state` outlive the input. `target` is the path named in errors.
+    FfmpegVideoInput(const VideoSettings& settings, std::unique_ptr<VideoEncoder> encoder,
+                     MovieFile& file, int timescale, WriterState& state,
+                     std::filesystem::path target);
+    ~FfmpegVideoInput() override;
+
+    bool isReadyForMoreMediaData() const override;
+    bool append(PixelBufferPtr image, MediaTime time) override;
+    void markAsFinished() override;
+    std::shared_ptr<PixelBuffer> makePixelBuffer() override;
+
+    void begin();
+    void setSessionStart(MediaTime time);
+
+    /// Encodes and writes what is queued; returns when all of it is in the file's hands.
+    void drain();
+
+    /// Drops what is queued.
+    void stop();
+
+    std::string encoderName() const { return m_encoder->name(); }
+
+private:
+    struct Picture {
+        PixelBufferPtr image;
+        std::int64_t ticks = 0;
+    };
+
+    bool hasRoom() const;
+    void run();
+    bool waitForPicture(Picture& picture);
+    void join();
+    int checkWrite(int code);
+    void checkEncode(int code);
+
+    const VideoSettings m_settings;
+    const std::unique_ptr<VideoEncoder> m_encoder;
+    MovieFile& m_file;
+    const int m_timescale;
+    WriterState& m_state;
+    const std::filesystem::path m_target;
+    const int m_track;
+    const std::size_t m_capacity;
+    PixelBufferPool m_pool;
+
+    mutable std::mutex m_mutex;
+    std::condition_variable m_changed;
+    std::deque<Picture> m_queue;
+    std::optional<MediaTime> m_sessionStart;
+    std::optional<MediaTime> m_lastTime;
+    std::int64_t m_lastTicks = -1;
+    bool m_isFinished = false;
+    bool m_isStopped = false;
+    std::thread m_thread;
+};
+
+} // namespace tavi

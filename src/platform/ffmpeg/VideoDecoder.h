@@ -1,0 +1,67 @@
+#pragma once
+
+#include "base/MediaTime.h"
+#include "base/Result.h"
+#include "media/MediaError.h"
+#include "platform/ffmpeg/FfmpegHandles.h"
+
+#include <filesystem>
+#include <memory>
+#include <optional>
+
+namespace tavi {
+
+/// The pictures of one track of a file in order of presentation, from any time on.
+///
+/// Thread: one at a time; decodes on several threads of its own.
+class VideoDecoder {
+public:
+    /// `track` is the stream's index in the file.
+    /// Errors: notFound, notMedia, noVideoTrack, cannotDecode.
+    static Result<std::unique_ptr<VideoDecoder>, MediaError> open(const std::filesystem::path& path,
+                                                                  int track);
+
+    /// Goes to a key frame from which every picture from `time` on can be
+    /// decoded: the first one given is at or before `time`, unless the track
+    /// begins later.
+    void seek(MediaTime time);
+
+    /// The next picture, valid until the next call; null at the end of the
+    /// track and when the rest can't be read (error() tells). Damaged stretches
+    /// are skipped.
+    AVFrame* next();
+
+    /// Of the picture that next() gave last, on the movie's timeline.
+    MediaTime time() const { return m_time; }
+
+    /// Why nothing could be read to the end; absent after a whole reading.
+    const std::optional<MediaError>& error() const { return m_error; }
+
+    /// The track as the file describes it.
+    const AVStream& stream() const { return *m_input->streams[m_track]; }
+    const AVFormatContext& input() const { return *m_input; }
+
+private:
+    VideoDecoder(std::filesystem::path path, int track);
+
+    Result<void, MediaError> start();
+    bool jump(std::int64_t ticks);
+    AVFrame* decodeNext();
+    void feed();
+    void noteEnd();
+
+    std::filesystem::path m_path;
+    int m_track;
+    InputHandle m_input;
+    CodecHandle m_codec;
+    PacketHandle m_packet{av_packet_alloc()};
+    FrameHandle m_frame{av_frame_alloc()};
+    MediaTime m_time;
+    bool m_isPeeked = false; ///< m_frame was decoded by seek() and not yet given.
+    bool m_isDraining = false;
+    bool m_hasDecoded = false;
+    int m_readErrors = 0; ///< In a row.
+    std::optional<MediaError> m_error;
+};
+
+} // namespace tavi

@@ -1,0 +1,156 @@
+#include "platform/ffmpeg/VideoEncoder.h"
+
+#include "platform/ffmpeg/FfmpegErrors.h"
+
+extern "C" {
+#include <libavutil/hwcontext.h>
+}
+
+#include <cerrno>
+#include <filesystem>
+
+namespace tavi {
+
+namespace {
+
+/// Surfaces in flight inside a hardware encoder.
+constexpr int kSurfaces = 8;
+
+/// The first graphics device that can compute without a display; empty when
+/// the machine has none.
+std::string renderNode() {
+    std::error_code failure;
+    for (const auto& entry : std::filesystem::directory_iterator("/dev/dri", failure)) {
+        if (entry.path().filename().string().starts_with("renderD")) {
+            return entry.path().string();
+        }
+    }
+    return {};
+}
+
+bool needsRenderNode(const EncoderKind& kind) {
+    return kind.device == AV_HWDEVICE_TYPE_VAAPI || std::string_view(kind.name).ends_with("_qsv");
+}
+
+} // namespace
+
+Result<std::unique_ptr<VideoEncoder>, std::string>
+VideoEncoder::open(const EncoderKind& kind, const VideoSettings& settings, int timescale) {
+    silenceFfmpegLog();
+    if (settings.width <= 0 || settings.height <= 0 || settings.width % 2 != 0 ||
+        settings.height % 2 != 0) {
+        return fail(std::string("width and height must be even and positive"));
+    }
+    if (!avcodec_find_encoder_by_name(kind.name)) {
+        return fail(std::string("not in this build of the media libraries"));
+    }
+    if (needsRenderNode(kind) && renderNode().empty()) {
+        return fail(std::string("no graphics device in /dev/dri"));
+    }
+    std::unique_ptr<VideoEncoder> encoder(new VideoEncoder(kind));
+    if (const int code = encoder->openCodec(settings, timescale); code < 0) {
+        return fail(ffmpegReason(code));
+    }
+    return encoder;
+}
+
+int VideoEncoder::openCodec(const VideoSettings& settings, int timescale) {
+    const AVCodec* codec = avcodec_find_encoder_by_name(m_kind.name);
+    m_codec.reset(avcodec_alloc_context3(codec));
+    Options options;
+    configureEncoder(*m_codec, options, m_kind, settings, timescale);
+    if (m_kind.device != AV_HWDEVICE_TYPE_NONE) {
+        if (const int code = openDevice(); code < 0) {
+            return code;
+        }
+    }
+    return avcodec_open2(m_codec.get(), codec, options.address());
+}
+
+/// Makes the device and the surfaces that pictures are uploaded to.
+int VideoEncoder::openDevice() {
+    AVBufferRef* device = nullptr;
+    const int code =
+        av_hwdevice_ctx_create(&device, m_kind.device, renderNode().c_str(), nullptr, 0);
+    if (code < 0) {
+        return code;
+    }
+    m_device.reset(device);
+    BufferHandle frames(av_hwframe_ctx_alloc(device));
+    if (!frames) {
+        return AVERROR(ENOMEM);
+    }
+    auto* surfaces = reinterpret_cast<AVHWFramesContext*>(frames->data);
+    surfaces->format = AV_PIX_FMT_VAAPI;
+    surfaces->sw_format = m_kind.input;
+    surfaces->width = m_codec->width;
+    surfaces->height = m_codec->height;
+    surfaces->initial_pool_size = kSurfaces;
+    if (const int initialised = av_hwframe_ctx_init(frames.get()); initialised < 0) {
+        return initialised;
+    }
+    m_codec->pix_fmt = AV_PIX_FMT_VAAPI;
+    m_codec->hw_frames_ctx = frames.release();
+    return 0;
+}
+
+/// Memory for the next picture: the last one's, unless the encoder still holds it.
+int VideoEncoder::prepareFrame() {
+    if (m_frame->buf[0] && av_frame_is_writable(m_frame.get())) {
+        return 0;
+    }
+    av_frame_unref(m_frame.get());
+    m_frame->format = m_kind.input;
+    m_frame->width = m_codec->width;
+    m_frame->height = m_codec->height;
+    m_frame->color_range = m_codec->color_range;
+    m_frame->color_primaries = m_codec->color_primaries;
+    m_frame->color_trc = m_codec->color_trc;
+    m_frame->colorspace = m_codec->colorspace;
+    m_frame->chroma_location = m_codec->chroma_sample_location;
+    return av_frame_get_buffer(m_frame.get(), 0);
+}
+
+int VideoEncoder::encode(const PixelBuffer& picture, std::int64_t ticks, const Sink& sink) {
+    if (const int code = prepareFrame(); code < 0) {
+        return code;
+    }
+    if (!m_conversion.convert(picture, *m_frame)) {
+        return AVERROR(EINVAL);
+    }
+    m_frame->pts = ticks;
+    return m_device ? upload(*m_frame, sink) : send(m_frame.get(), sink);
+}
+
+int VideoEncoder::upload(const AVFrame& frame, const Sink& sink) {
+    const FrameHandle surface(av_frame_alloc());
+    int code = av_hwframe_get_buffer(m_codec->hw_frames_ctx, surface.get(), 0);
+    if (code >= 0) {
+        code = av_hwframe_transfer_data(surface.get(), &frame, 0);
+    }
+    if (code >= 0) {
+        code = av_frame_copy_props(surface.get(), &frame);
+    }
+    return code < 0 ? code : send(surface.get(), sink);
+}
+
+int VideoEncoder::drain(const Sink& sink) {
+    return send(nullptr, sink);
+}
+
+int VideoEncoder::send(AVFrame* frame, const Sink& sink) {
+    int code = avcodec_send_frame(m_codec.get(), frame);
+    while (code >= 0) {
+        code = avcodec_receive_packet(m_codec.get(), m_packet.get());
+        if (code == AVERROR(EAGAIN) || code == AVERROR_EOF) {
+            return 0;
+        }
+        if (code >= 0) {
+            code = sink(*m_packet);
+            av_packet_unref(m_packet.get());
+        }
+    }
+    return code;
+}
+
+} // namespace tavi

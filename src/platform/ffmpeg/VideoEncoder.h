@@ -1,0 +1,53 @@
+#pragma once
+
+#include "base/PixelBuffer.h"
+#include "base/Result.h"
+#include "platform/ffmpeg/EncoderSettings.h"
+#include "platform/ffmpeg/PixelConversion.h"
+
+#include <functional>
+#include <memory>
+#include <string>
+
+namespace tavi {
+
+/// One encoder at work: BGRA pictures in, packets out.
+///
+/// Thread: one at a time. Errors are the library's words.
+class VideoEncoder {
+public:
+    /// Takes each packet as it comes; a negative library code from it ends the encoding.
+    using Sink = std::function<int(AVPacket&)>;
+
+    /// Opens the encoder; `timescale` is its clock, ticks per second.
+    static Result<std::unique_ptr<VideoEncoder>, std::string>
+    open(const EncoderKind& kind, const VideoSettings& settings, int timescale);
+
+    /// Encodes one picture, shown from `ticks` on. Returns what the sink or
+    /// the library said, 0 for success.
+    int encode(const PixelBuffer& picture, std::int64_t ticks, const Sink& sink);
+
+    /// Gives the sink the packets that are still inside. Nothing can be encoded after it.
+    int drain(const Sink& sink);
+
+    const AVCodecContext& context() const { return *m_codec; }
+    std::string name() const { return m_codec->codec->name; }
+
+private:
+    explicit VideoEncoder(const EncoderKind& kind) : m_kind(kind) {}
+
+    int openCodec(const VideoSettings& settings, int timescale);
+    int openDevice();
+    int prepareFrame();
+    int send(AVFrame* frame, const Sink& sink);
+    int upload(const AVFrame& frame, const Sink& sink);
+
+    EncoderKind m_kind;
+    BufferHandle m_device;
+    CodecHandle m_codec;
+    FrameHandle m_frame{av_frame_alloc()};
+    PacketHandle m_packet{av_packet_alloc()};
+    PictureEncoding m_conversion;
+};
+
+} // namespace tavi
