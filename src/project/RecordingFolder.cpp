@@ -128,7 +128,7 @@ std::string take::cursorImageName(std::size_t index) {
     return fmt::format("cursor_{}.png", index);
 }
 
-std::string fileUrl(const std::filesystem::path& folder) {
+std::string folderUrl(const std::filesystem::path& folder) {
     std::error_code error;
     std::filesystem::path absolute = std::filesystem::absolute(folder, error);
     std::string path = (error ? folder : absolute).lexically_normal().string();

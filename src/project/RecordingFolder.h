@@ -34,7 +34,7 @@ std::string cursorImageName(std::size_t index); ///< "cursor_<n>.png"
 } // namespace take
 
 /// The absolute, percent-encoded file URL of a folder, with a trailing slash.
-std::string fileUrl(const std::filesystem::path& folder);
+std::string folderUrl(const std::filesystem::path& folder);
 
 /// The path that a file URL (or a plain path) names; bad escapes stand as they are.
 std::filesystem::path pathOfFileUrl(const std::string& url);

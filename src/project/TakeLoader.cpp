@@ -11,7 +11,7 @@ namespace {
 
 EditProject freshProject(const std::filesystem::path& folder, const AppSettings& settings) {
     EditProject project;
-    project.recordingPath = fileUrl(folder);
+    project.recordingPath = folderUrl(folder);
     project.outputSettings = settings.outputSettings;
     project.cursorSettings = settings.cursorSettings;
     project.autoZoomSettings = settings.autoZoomSettings;
