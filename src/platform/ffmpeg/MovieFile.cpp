@@ -159,7 +159,8 @@ int MovieFile::writeRest(std::optional<std::int64_t> endTicks) {
     for (Track& track : m_tracks) {
         if (code >= 0 && track.held->data) {
             const std::int64_t end = endTicks.value_or(track.held->pts + track.interval);
-            code = writeHeld(track, std::max(end - track.held->pts, kOneTick));
+            track.lastDuration = std::max(end - track.held->pts, kOneTick);
+            code = writeHeld(track, track.lastDuration);
         }
     }
     if (code >= 0 && isFragmented()) {
@@ -191,7 +192,11 @@ Result<void, MediaError> MovieFile::finish(std::optional<std::int64_t> endTicks)
 Result<void, MediaError> MovieFile::publish() {
     if (isFragmented()) {
         // Without room for the copy the fragmented file stays: nothing is lost.
-        (void)makePlainMovie(m_path, kTakeTimescale);
+        std::vector<std::int64_t> lastDurations;
+        for (const Track& track : m_tracks) {
+            lastDurations.push_back(track.lastDuration);
+        }
+        (void)makePlainMovie(m_path, kTakeTimescale, lastDurations);
         return {};
     }
     if (const int code = putInPlace(m_workingPath, m_path); code != 0) {

@@ -5,6 +5,8 @@
 #include "platform/ffmpeg/FfmpegHandles.h"
 #include "platform/ffmpeg/WorkingFile.h"
 
+#include <vector>
+
 namespace tavi {
 
 namespace {
@@ -26,23 +28,52 @@ int copyTracks(const AVFormatContext& input, AVFormatContext& output) {
     return 0;
 }
 
-int copyPackets(AVFormatContext& input, AVFormatContext& output) {
+/// One track's way into the new file. The last packet is held back, since its
+/// length has to be set.
+struct TrackCopy {
+    const AVStream* from = nullptr;
+    const AVStream* to = nullptr;
+    PacketHandle held{av_packet_alloc()};
+
+    int flush(AVFormatContext& output) const {
+        if (!held->data) {
+            return 0;
+        }
+        av_packet_rescale_ts(held.get(), from->time_base, to->time_base);
+        held->pos = -1;
+        return av_interleaved_write_frame(&output, held.get());
+    }
+};
+
+int copyPackets(AVFormatContext& input, AVFormatContext& output, int timescale,
+                std::span<const std::int64_t> lastDurations) {
+    std::vector<TrackCopy> tracks(input.nb_streams);
+    for (unsigned i = 0; i < input.nb_streams; ++i) {
+        tracks[i].from = input.streams[i];
+        tracks[i].to = output.streams[i];
+    }
     const PacketHandle packet(av_packet_alloc());
     int code = 0;
     while ((code = av_read_frame(&input, packet.get())) >= 0) {
-        const int track = packet->stream_index;
-        av_packet_rescale_ts(packet.get(), input.streams[track]->time_base,
-                             output.streams[track]->time_base);
-        packet->pos = -1;
-        code = av_interleaved_write_frame(&output, packet.get());
-        if (code < 0) {
+        const TrackCopy& track = tracks[static_cast<std::size_t>(packet->stream_index)];
+        if ((code = track.flush(output)) < 0) {
             return code;
         }
+        av_packet_move_ref(track.held.get(), packet.get());
+    }
+    for (std::size_t i = 0; i < tracks.size() && code == AVERROR_EOF; ++i) {
+        if (i < lastDurations.size()) {
+            tracks[i].held->duration =
+                av_rescale_q(lastDurations[i], {1, timescale}, tracks[i].from->time_base);
+        }
+        const int flushed = tracks[i].flush(output);
+        code = flushed < 0 ? flushed : code;
     }
     return code == AVERROR_EOF ? 0 : code;
 }
 
-int copyMovie(AVFormatContext& input, const std::filesystem::path& to, int timescale) {
+int copyMovie(AVFormatContext& input, const std::filesystem::path& to, int timescale,
+              std::span<const std::int64_t> lastDurations) {
     AVFormatContext* created = nullptr;
     int code = avformat_alloc_output_context2(&created, nullptr, "mov", fileUrl(to).c_str());
     if (code < 0) {
@@ -61,7 +92,7 @@ int copyMovie(AVFormatContext& input, const std::filesystem::path& to, int times
     if ((code = avformat_write_header(output.get(), options.address())) < 0) {
         return code;
     }
-    if ((code = copyPackets(input, *output)) < 0) {
+    if ((code = copyPackets(input, *output, timescale, lastDurations)) < 0) {
         return code;
     }
     if ((code = av_write_trailer(output.get())) < 0) {
@@ -72,13 +103,14 @@ int copyMovie(AVFormatContext& input, const std::filesystem::path& to, int times
 
 } // namespace
 
-Result<void, MediaError> makePlainMovie(const std::filesystem::path& path, int timescale) {
+Result<void, MediaError> makePlainMovie(const std::filesystem::path& path, int timescale,
+                                        std::span<const std::int64_t> lastDurations) {
     const auto input = openInput(path);
     if (!input) {
         return fail(input.error());
     }
     const std::filesystem::path working = workingPath(path);
-    if (const int code = copyMovie(**input, working, timescale); code < 0) {
+    if (const int code = copyMovie(**input, working, timescale, lastDurations); code < 0) {
         std::error_code ignored;
         std::filesystem::remove(working, ignored);
         return fail(writeError(path, code));

@@ -20,6 +20,17 @@ int synchronize(const std::filesystem::path& path) {
     return error;
 }
 
+int writeAll(int file, std::span<const std::uint8_t> bytes) {
+    while (!bytes.empty()) {
+        const ssize_t written = ::write(file, bytes.data(), bytes.size());
+        if (written < 0 && errno != EINTR) {
+            return errno;
+        }
+        bytes = bytes.subspan(written < 0 ? 0 : static_cast<std::size_t>(written));
+    }
+    return 0;
+}
+
 } // namespace
 
 std::filesystem::path workingPath(const std::filesystem::path& target) {
@@ -36,6 +47,24 @@ int putInPlace(const std::filesystem::path& working, const std::filesystem::path
         ::unlink(working.c_str());
     }
     return error;
+}
+
+int writeInPlace(const std::filesystem::path& target, std::span<const std::uint8_t> bytes) {
+    const std::filesystem::path working = workingPath(target);
+    constexpr int kFlags = O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC;
+    const int file = ::open(working.c_str(), kFlags, 0666);
+    if (file < 0) {
+        return errno;
+    }
+    int error = writeAll(file, bytes);
+    if (::close(file) != 0 && error == 0) {
+        error = errno;
+    }
+    if (error != 0) {
+        ::unlink(working.c_str());
+        return error;
+    }
+    return putInPlace(working, target);
 }
 
 } // namespace tavi

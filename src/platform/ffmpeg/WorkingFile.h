@@ -1,6 +1,8 @@
 #pragma once
 
+#include <cstdint>
 #include <filesystem>
+#include <span>
 
 namespace tavi {
 
@@ -12,5 +14,9 @@ std::filesystem::path workingPath(const std::filesystem::path& target);
 /// `target`. On failure `working` is removed, `target` is as it was, and the
 /// system's error number is returned; 0 for success.
 int putInPlace(const std::filesystem::path& working, const std::filesystem::path& target);
+
+/// Writes `bytes` as the file `target`, which appears whole or not at all.
+/// Returns the system's error number, 0 for success.
+int writeInPlace(const std::filesystem::path& target, std::span<const std::uint8_t> bytes);
 
 } // namespace tavi
