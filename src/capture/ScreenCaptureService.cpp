@@ -72,9 +72,8 @@ ScreenCaptureService::startWriter(int width, int height, const std::filesystem::
 
 Result<void, CaptureError> ScreenCaptureService::startStream(const ScreenFilter& filter, int width,
                                                              int height) {
-    const ScreenStreamConfiguration configuration{.width = width,
-                                                  .height = height,
-                                                  .minimumFrameInterval = {1, kExpectedFrameRate}};
+    const ScreenStreamConfiguration configuration{
+        .width = width, .height = height, .minimumFrameInterval = {1, kExpectedFrameRate}};
     auto stream = m_streams.makeStream(filter, configuration);
     if (!stream) {
         return fail(stream.error());

@@ -40,10 +40,9 @@ struct ScreenSample {
 
 /// A running view of one source.
 ///
-/// The cursor is in no picture. A picture comes at once when the stream starts, and from then on only when
-/// something changed, never faster than the minimum frame interval.
-/// Threads: one controlling thread; samples arrive on the queue given.
-/// The destructor stops the stream.
+/// The cursor is in no picture. A picture comes at once when the stream starts, and from then on
+/// only when something changed, never faster than the minimum frame interval. Threads: one
+/// controlling thread; samples arrive on the queue given. The destructor stops the stream.
 class ScreenStream {
 public:
     using Handler = std::function<void(const ScreenSample&)>;
