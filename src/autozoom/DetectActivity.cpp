@@ -83,8 +83,8 @@ std::vector<InteractionEvent> interactions(std::span<const CursorEvent> events,
     std::vector<InteractionEvent> kept;
     for (const CursorEvent& event : events) {
         if (weight(event.eventType) > 0) {
-            kept.push_back({event.timestamp, event.x * inputs.scale,
-                            inputs.video.height - event.y * inputs.scale, event.eventType});
+            const Point position = inputs.position(event);
+            kept.push_back({event.timestamp, position.x, position.y, event.eventType});
         }
     }
     return kept;

@@ -77,12 +77,11 @@ private:
             events.begin(), events.end(), region.startTime,
             [](const CursorEvent& event, double time) { return event.timestamp < time; });
         for (auto event = first; event != events.end() && event->timestamp <= hold; ++event) {
-            const double x = event->x * m_inputs.scale;
-            const double y = m_inputs.video.height - event->y * m_inputs.scale;
-            if (std::hypot(x - last.x, y - last.y) > deadZone &&
+            const Point p = m_inputs.position(*event);
+            if (std::hypot(p.x - last.x, p.y - last.y) > deadZone &&
                 event->timestamp - lastTime > m_thresholds.minWaypointInterval) {
-                points.push_back({event->timestamp, clampX(x), clampY(y)});
-                last = {x, y};
+                points.push_back({event->timestamp, clampX(p.x), clampY(p.y)});
+                last = p;
                 lastTime = event->timestamp;
             }
         }

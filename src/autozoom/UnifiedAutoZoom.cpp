@@ -8,6 +8,7 @@ namespace tavi::UnifiedAutoZoom {
 namespace {
 
 constexpr double kMergeDistance = 0.6; ///< Of the viewport's width.
+constexpr double kFarthest = 1e100;    ///< Video pixels; see Inputs::position.
 
 bool earlier(const CursorEvent& a, const CursorEvent& b) {
     return a.timestamp < b.timestamp;
@@ -51,6 +52,11 @@ Thresholds::Thresholds(double a)
       leadIn(0.8 - 0.4 * a),
       tail(1.5 - 0.7 * a),
       minWaypointInterval(0.6 - 0.3 * a) {}
+
+Point Inputs::position(const CursorEvent& event) const {
+    return {std::clamp(event.x * scale, -kFarthest, kFarthest),
+            std::clamp(video.height - event.y * scale, -kFarthest, kFarthest)};
+}
 
 Inputs prepareInputs(const EditProject& project, Size video, double duration,
                      double aggressiveness) {

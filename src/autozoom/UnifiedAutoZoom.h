@@ -26,6 +26,10 @@ struct Inputs {
     Size base;                   ///< The part of the video that the output's aspect shows, pixels.
     double duration = 0;         ///< Of the video, seconds.
     double aggressiveness = 0.5; ///< 0 is calm, 1 is eager; not limited here.
+
+    /// Where an event of the log lies in the video. Limited to +-1e100 pixels, so
+    /// that no sum or distance of such positions overflows.
+    Point position(const CursorEvent& event) const;
 };
 
 /// What `aggressiveness` stands for. Linear in it.

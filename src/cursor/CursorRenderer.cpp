@@ -1,5 +1,8 @@
 #include "cursor/CursorRenderer.h"
 
+#include <algorithm>
+#include <cmath>
+#include <iterator>
 #include <span>
 
 namespace tavi {
@@ -12,6 +15,12 @@ struct Neighbours {
     std::size_t upper = 0;
     double fraction = 0; ///< 0 at `lower`, 1 at `upper`; 0 where both have one time.
 };
+
+/// Halved, so that even the largest doubles have a difference.
+double fractionBetween(double a, double b, double time) {
+    const double gap = b - a;
+    return std::isfinite(gap) ? (time - a) / gap : (0.5 * time - 0.5 * a) / (0.5 * b - 0.5 * a);
+}
 
 /// Finds the neighbours of `time` by bisection in a log that is not empty and
 /// need not be sorted; at and beyond the ends both are the end.
@@ -30,11 +39,15 @@ Neighbours findNeighbours(std::span<const Item> items, double time) {
         const std::size_t middle = (low + high) / 2;
         (items[middle].timestamp <= time ? low : high) = middle;
     }
-    const double gap = items[high].timestamp - items[low].timestamp;
-    if (!(gap > 0)) {
+    if (!(items[high].timestamp - items[low].timestamp > 0)) {
         return {low, low, 0};
     }
-    return {low, high, (time - items[low].timestamp) / gap};
+    return {low, high, fractionBetween(items[low].timestamp, items[high].timestamp, time)};
+}
+
+double mix(double a, double b, double fraction) {
+    const double distance = b - a;
+    return std::isfinite(distance) ? a + distance * fraction : a * (1 - fraction) + b * fraction;
 }
 
 template<typename Item>
@@ -42,11 +55,22 @@ Point interpolate(std::span<const Item> items, double time) {
     const Neighbours n = findNeighbours(items, time);
     const Item& a = items[n.lower];
     const Item& b = items[n.upper];
-    return {a.x + (b.x - a.x) * n.fraction, a.y + (b.y - a.y) * n.fraction};
+    return {mix(a.x, b.x, n.fraction), mix(a.y, b.y, n.fraction)};
 }
 
 bool isClick(CursorEventType type) {
     return type == CursorEventType::leftClick || type == CursorEventType::rightClick;
+}
+
+bool isKeyPress(CursorEventType type) {
+    return type == CursorEventType::keyDown;
+}
+
+EventIndex indexOf(const std::vector<CursorEvent>& events, bool (*belongs)(CursorEventType)) {
+    std::vector<CursorEvent> chosen;
+    std::copy_if(events.begin(), events.end(), std::back_inserter(chosen),
+                 [&](const CursorEvent& event) { return belongs(event.eventType); });
+    return EventIndex(std::move(chosen));
 }
 
 } // namespace
@@ -57,6 +81,8 @@ CursorRenderer CursorRenderer::make(std::vector<CursorEvent> events, double vide
                                     std::vector<CursorImageInfo> cursorImageInfos) {
     CursorRenderer renderer;
     renderer.smoothedSamples = smoothCursorEvents(events, settings.smoothingPreset, videoHeight);
+    renderer.clicks = indexOf(events, isClick);
+    renderer.keyPresses = indexOf(events, isKeyPress);
     renderer.events = std::move(events);
     renderer.videoHeight = videoHeight;
     renderer.settings = settings;
@@ -88,13 +114,17 @@ std::vector<CursorRenderer::ClickEffectState> CursorRenderer::clickEffects(doubl
     if (!settings.showClickEffect) {
         return effects;
     }
-    for (const CursorEvent& event : events) {
+    for (const CursorEvent& event : clicks.between(time - kClickEffectDuration, time)) {
         const double age = time - event.timestamp;
-        if (isClick(event.eventType) && age >= 0 && age < kClickEffectDuration) {
+        if (age >= 0 && age < kClickEffectDuration) {
             effects.push_back({{event.x, event.y}, age / kClickEffectDuration});
         }
     }
     return effects;
+}
+
+std::span<const CursorEvent> CursorRenderer::recentKeyPresses(double time) const {
+    return keyPresses.between(time - settings.keystrokeDisplayDuration, time);
 }
 
 } // namespace tavi

@@ -3,15 +3,17 @@
 #include "base/Geometry.h"
 #include "base/PixelBuffer.h"
 #include "cursor/CursorSmoothing.h"
+#include "cursor/EventIndex.h"
 #include "project/CursorSettings.h"
 
 #include <optional>
+#include <span>
 #include <vector>
 
 namespace tavi {
 
 /// Where the pointer stands and which picture it has at a moment, from the log
-/// of a take. A plain value; immutable once built.
+/// of a take. A plain value, built by make() and not changed afterwards.
 ///
 /// Times are those of the events (source or output time); positions are in the
 /// log's units with the origin at the bottom left, unless said otherwise.
@@ -31,6 +33,8 @@ struct CursorRenderer {
     std::vector<PixelBufferPtr> cursorImages;
     std::vector<CursorImageInfo> cursorImageInfos;
     std::vector<SmoothedCursorSample> smoothedSamples; ///< One per event.
+    EventIndex clicks;                                 ///< The events that make ripples.
+    EventIndex keyPresses;                             ///< The events that may make chips.
 
     /// Smooths the log; the work grows with the recorded time.
     static CursorRenderer make(std::vector<CursorEvent> events, double videoHeight,
@@ -49,6 +53,11 @@ struct CursorRenderer {
     /// Every ripple alive, in log order; empty unless they are switched on.
     /// Kept on purpose: `leftMouseDown` makes none, only the clicks do.
     std::vector<ClickEffectState> clickEffects(double time) const;
+
+    /// A part of the log, in its order, that holds every key press with a chip on
+    /// screen at `time`: what visibleKeystrokes() and layoutKeystrokes() need of
+    /// the log for that moment with the display duration of `settings`.
+    std::span<const CursorEvent> recentKeyPresses(double time) const;
 };
 
 } // namespace tavi

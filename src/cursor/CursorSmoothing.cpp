@@ -94,8 +94,9 @@ std::vector<SmoothedCursorSample> smoothCursorEvents(std::span<const CursorEvent
 
     SpringRun backward(spring, target(last));
     const auto average = [&](std::size_t i, Point p) {
-        samples[i].x = 0.5 * (samples[i].x + p.x);
-        samples[i].y = 0.5 * (samples[i].y + p.y);
+        // Halved before they are added: no sum of finite values overflows.
+        samples[i].x = 0.5 * samples[i].x + 0.5 * p.x;
+        samples[i].y = 0.5 * samples[i].y + 0.5 * p.y;
     };
     average(last, target(last));
     for (std::size_t i = last; i-- > 0;) {

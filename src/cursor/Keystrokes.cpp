@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <limits>
 #include <utility>
 
 namespace tavi {
@@ -52,6 +53,13 @@ ChipInfo measuredChip(const VisibleKeystroke& keystroke, const KeystrokeMetrics&
         chip.modSize = measure(chip.modSymbols, KeystrokeFont::modifiers, metrics.modifierFontSize);
     }
     return chip;
+}
+
+/// A bitmap's extent as a whole number; what no bitmap can have becomes the
+/// nearest number an int holds.
+int wholePixels(double extent) {
+    constexpr double kMost = std::numeric_limits<int>::max();
+    return extent > 0 ? static_cast<int>(std::min(extent, kMost)) : 0;
 }
 
 double chipWidth(const ChipInfo& chip, const KeystrokeMetrics& metrics) {
@@ -153,8 +161,8 @@ std::optional<KeystrokeLayout> layoutKeystrokes(std::span<const CursorEvent> eve
             {x, layout.pill.y + metrics.pillPaddingY, width, metrics.chipHeight});
         x += width + metrics.chipSpacing;
     }
-    layout.bitmapWidth = static_cast<int>(output.width);
-    layout.bitmapHeight = static_cast<int>(std::ceil(
+    layout.bitmapWidth = wholePixels(output.width);
+    layout.bitmapHeight = wholePixels(std::ceil(
         kShadowMargin * metrics.scale + output.height * kBottomMargin + metrics.pillHeight));
     return layout;
 }

@@ -63,6 +63,7 @@ Decoded decodeFirst(std::string_view text) {
     if (length == 0 || length > text.size()) {
         return {};
     }
+    constexpr std::array<std::uint32_t, 5> kSmallest{0, 0, 0x80, 0x800, 0x10000};
     std::uint32_t c = length == 1 ? lead : lead & (0x7fu >> length);
     for (std::size_t i = 1; i < length; ++i) {
         const auto byte = static_cast<unsigned char>(text[i]);
@@ -70,6 +71,9 @@ Decoded decodeFirst(std::string_view text) {
             return {};
         }
         c = (c << 6) | (byte & 0x3fu);
+    }
+    if (c < kSmallest[length]) {
+        return {}; // overlong
     }
     return {c, length};
 }
