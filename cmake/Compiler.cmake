@@ -23,3 +23,7 @@ elseif(TAVI_SANITIZER STREQUAL "thread")
   add_compile_options(-fsanitize=thread -fno-omit-frame-pointer)
   add_link_options(-fsanitize=thread)
 endif()
+
+if(TAVI_FUZZ)
+  add_compile_options(-fsanitize=fuzzer-no-link)
+endif()

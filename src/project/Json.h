@@ -23,6 +23,8 @@ struct JsonError {
     Kind kind = Kind::syntax;
     std::string detail; ///< The key in question, or what the parser said.
 
+    bool operator==(const JsonError&) const = default;
+
     /// One line for the user.
     std::string description() const;
 };

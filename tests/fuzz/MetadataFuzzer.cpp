@@ -1,0 +1,17 @@
+#include "project/RecordingMetadataJson.h"
+
+#include <cstdint>
+#include <cstdlib>
+
+/// What decodes must encode, and decode again to the same record.
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    const auto record = tavi::decodeRecordingMetadata({reinterpret_cast<const char*>(data), size});
+    if (!record) {
+        return 0;
+    }
+    const auto text = tavi::encodeRecordingMetadata(*record);
+    if (!text || tavi::decodeRecordingMetadata(*text) != record) {
+        std::abort();
+    }
+    return 0;
+}
