@@ -1,0 +1,188 @@
+#include "capture/TakeRecorder.h"
+
+#include "capture/CursorImageBytes.h"
+#include "fakes/FakeClock.h"
+#include "fakes/FakeExecutor.h"
+#include "fakes/FakeHelper.h"
+#include "fakes/FakeMedia.h"
+#include "fakes/FakePointer.h"
+#include "fakes/FakeScreen.h"
+#include "project/RecordingMetadataJson.h"
+#include "support/TemporaryFolder.h"
+
+#include <gmock/gmock.h>
+
+namespace tavi {
+namespace {
+
+using testing::SizeIs;
+
+SystemCursor cursorOf(std::uint8_t shade) {
+    PixelBuffer image(2, 3);
+    image.row(1)[0] = shade;
+    return {cursorImageBytes(image, 1, 2), {1, 2}, {2, 3}};
+}
+
+class TakeRecorderTest : public testing::Test {
+protected:
+    TakeRecorderTest() {
+        pointer.arrow = cursorOf(0);
+        pointer.current = cursorOf(0);
+        pointer.location = {10, 10};
+    }
+
+    Result<void, CaptureError> start() { return recorder.start(display, library.path()); }
+
+    void sendFirstFrame() {
+        screen.sendPicture(1);
+        screen.settle();
+    }
+
+    RecordingMetadata metadataOf(const std::filesystem::path& folder) const {
+        return decodeRecordingMetadata(test::readFile(folder / "metadata.json")).value();
+    }
+
+    const Display display{3, "test", 640, 480, {0, 0, 640, 480}, true};
+    test::TemporaryFolder library;
+    FakeScreenStreams screen;
+    FakeMediaLibrary media;
+    FakeImageFiles images;
+    FakePointer pointer;
+    FakeHelperLauncher launcher;
+    FakeClock clock;
+    FakeExecutor main;
+    TakeRecorder recorder{
+        {screen,
+         media,
+         images,
+         {pointer, pointer, pointer, launcher, clock, main, nullptr, "/package/TaviKeys"}}};
+};
+
+TEST_F(TakeRecorderTest, leavesAFolderWithMetadataAndImages) {
+    ASSERT_TRUE(start());
+    EXPECT_TRUE(recorder.isRecording());
+    EXPECT_EQ(screen.lastFilter, ScreenFilter{3});
+    const Date zero = clock.now();
+    sendFirstFrame();
+    clock.advance(1.5);
+    pointer.current = cursorOf(7);
+    pointer.fire(PointerEventKind::leftMouseDown);
+    clock.advance(0.5);
+    recorder.tick();
+    const auto folder = recorder.stop();
+    ASSERT_TRUE(folder);
+    EXPECT_EQ(folder->parent_path(), library.path());
+    EXPECT_TRUE(folder->filename().string().starts_with("Recording_"));
+    EXPECT_EQ(media.lastPath, *folder / "video.mov");
+
+    const RecordingMetadata metadata = metadataOf(*folder);
+    EXPECT_EQ(metadata.startDate, zero);
+    EXPECT_NEAR(metadata.duration, 2, 1e-6);
+    EXPECT_EQ(metadata.screenWidth, 640);
+    EXPECT_EQ(metadata.screenHeight, 480);
+    ASSERT_THAT(metadata.cursorEvents, SizeIs(1));
+    EXPECT_NEAR(metadata.cursorEvents[0].timestamp, 1.5, 1e-6);
+    EXPECT_EQ(metadata.cursorEvents[0].cursorImageId, 1);
+    EXPECT_DOUBLE_EQ(metadata.cursorEvents[0].y, 470);
+    EXPECT_THAT(metadata.cursorImageInfos, SizeIs(2));
+    EXPECT_FALSE(metadata.hasCameraRecording);
+    EXPECT_FALSE(metadata.hasAudioRecording);
+
+    ASSERT_THAT(images.written, SizeIs(2));
+    EXPECT_EQ(images.written.at("cursor_1.png")->row(1)[0], 7);
+}
+
+TEST_F(TakeRecorderTest, pointerStopsBeforeTheVideo) {
+    ASSERT_TRUE(start());
+    sendFirstFrame();
+    std::size_t monitorsWhileStopping = 99;
+    screen.whileStopping = [&] { monitorsWhileStopping = pointer.monitors.size(); };
+    recorder.stop();
+    EXPECT_EQ(monitorsWhileStopping, 0U);
+    EXPECT_FALSE(launcher.isRunning());
+}
+
+TEST_F(TakeRecorderTest, pointerIsWatchedOnlyOnceTheScreenRuns) {
+    screen.startError = CaptureError{CaptureError::Kind::sourceGone, ""};
+    EXPECT_FALSE(start());
+    EXPECT_TRUE(pointer.installed.empty());
+    EXPECT_TRUE(launcher.launches.empty());
+}
+
+TEST_F(TakeRecorderTest, failedStartLeavesTheEmptyFolderAndNoTake) {
+    media.inputError = MediaError{MediaError::Kind::noEncoder, "", ""};
+    EXPECT_FALSE(start());
+    EXPECT_FALSE(recorder.isRecording());
+    EXPECT_EQ(recorder.stop(), std::nullopt);
+    const std::filesystem::directory_iterator folders(library.path());
+    EXPECT_TRUE(std::filesystem::is_empty(folders->path()));
+}
+
+TEST_F(TakeRecorderTest, elapsedTimeCountsFromTheFirstFrame) {
+    ASSERT_TRUE(start());
+    clock.advance(3);
+    recorder.tick();
+    EXPECT_EQ(recorder.elapsedTime(), 0);
+    sendFirstFrame();
+    clock.advance(0.3);
+    EXPECT_EQ(recorder.elapsedTime(), 0) << "until the next tick";
+    recorder.tick();
+    EXPECT_NEAR(recorder.elapsedTime(), 0.3, 1e-6);
+}
+
+TEST_F(TakeRecorderTest, firstFrameThatNeverComesGivesDurationZeroAndTheDateOfStop) {
+    ASSERT_TRUE(start());
+    clock.advance(3);
+    recorder.tick();
+    const auto folder = recorder.stop();
+    ASSERT_TRUE(folder);
+    EXPECT_EQ(metadataOf(*folder).startDate, clock.now());
+    EXPECT_EQ(metadataOf(*folder).duration, 0);
+}
+
+TEST_F(TakeRecorderTest, stopWhenNothingRunsGivesNoFolder) {
+    EXPECT_EQ(recorder.stop(), std::nullopt);
+    ASSERT_TRUE(start());
+    EXPECT_TRUE(recorder.stop());
+    EXPECT_EQ(recorder.stop(), std::nullopt);
+}
+
+TEST_F(TakeRecorderTest, imageThatCannotBeWrittenLeavesAGap) {
+    images.unwritable = "cursor_0.png";
+    ASSERT_TRUE(start());
+    sendFirstFrame();
+    pointer.current = cursorOf(7);
+    pointer.fire(PointerEventKind::scrollWheel);
+    const auto folder = recorder.stop();
+    EXPECT_EQ(images.written.count("cursor_0.png"), 0U);
+    EXPECT_EQ(images.written.count("cursor_1.png"), 1U);
+    EXPECT_THAT(metadataOf(*folder).cursorImageInfos, SizeIs(2));
+}
+
+TEST_F(TakeRecorderTest, fullDiskIsToldAndTheTakeStillClosed) {
+    ASSERT_TRUE(start());
+    sendFirstFrame();
+    EXPECT_EQ(recorder.failure(), std::nullopt);
+    media.hasFailed = true;
+    ASSERT_TRUE(recorder.failure());
+    EXPECT_EQ(recorder.failure()->kind, CaptureError::Kind::writer);
+    const auto folder = recorder.stop();
+    ASSERT_TRUE(folder);
+    EXPECT_TRUE(std::filesystem::exists(*folder / "metadata.json"));
+    EXPECT_TRUE(recorder.failure()) << "still there after the stop";
+}
+
+TEST_F(TakeRecorderTest, destroyedWhileRecordingSavesTheTake) {
+    {
+        TakeRecorder dropped(
+            {screen, media, images, {pointer, pointer, pointer, launcher, clock, main}});
+        ASSERT_TRUE(dropped.start(display, library.path()));
+        sendFirstFrame();
+    }
+    EXPECT_EQ(media.calls().back(), "finishWriting");
+    const std::filesystem::directory_iterator folders(library.path());
+    EXPECT_TRUE(std::filesystem::exists(folders->path() / "metadata.json"));
+}
+
+} // namespace
+} // namespace tavi
