@@ -1,0 +1,196 @@
+#include "cli/RecordCommand.h"
+
+#include "capture/HelperPath.h"
+#include "capture/PosixHelperLauncher.h"
+#include "capture/RecorderLock.h"
+#include "capture/TakeRecorder.h"
+#include "cli/MainThread.h"
+#include "cli/Output.h"
+#include "platform/ffmpeg/FfmpegImageFiles.h"
+#include "platform/ffmpeg/FfmpegMediaLibrary.h"
+#include "platform/x11/X11Pointer.h"
+#include "platform/x11/X11PointerMonitors.h"
+#include "platform/x11/X11ScreenStreams.h"
+#include "platform/x11/X11ShareableContent.h"
+#include "project/RecordingFolder.h"
+
+#include <CLI/CLI.hpp>
+#include <QCoreApplication>
+#include <QTimer>
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <chrono>
+#include <cmath>
+#include <iostream>
+#include <memory>
+#include <unistd.h>
+
+namespace tavi {
+
+namespace {
+
+struct TakeOptions {
+    int display = 0;
+    double countdown = 0;           ///< Seconds before the take starts.
+    std::optional<double> duration; ///< Seconds after which it ends by itself.
+};
+
+/// One line on a terminal that is written over and over; nothing elsewhere.
+class StatusLine {
+public:
+    ~StatusLine() { show(""); }
+
+    void show(const std::string& text) {
+        if (m_isTerminal && text != m_text) {
+            std::cerr << "\r\x1b[K" << text << std::flush;
+            m_text = text;
+        }
+    }
+
+private:
+    bool m_isTerminal = isatty(STDERR_FILENO) == 1;
+    std::string m_text;
+};
+
+std::string elapsedText(double seconds) {
+    const auto whole = static_cast<long long>(seconds);
+    return fmt::format("● {}:{:02}  Ctrl-C or `tavi stop` ends the recording", whole / 60,
+                       whole % 60);
+}
+
+/// Runs the Qt loop until a signal comes or `seconds` are over.
+void countDown(double seconds, cli::StopSignals& stopSignals, StatusLine& status) {
+    const auto end = std::chrono::steady_clock::now() + std::chrono::duration<double>(seconds);
+    QTimer timer;
+    const auto update = [&] {
+        const std::chrono::duration<double> left = end - std::chrono::steady_clock::now();
+        status.show(fmt::format("{:.0f}", std::ceil(left.count())));
+        if (left.count() <= 0) {
+            QCoreApplication::quit();
+        }
+    };
+    QObject::connect(&timer, &QTimer::timeout, update);
+    stopSignals.whenTheyCome([] { QCoreApplication::quit(); });
+    timer.start(20);
+    QCoreApplication::exec();
+}
+
+/// Runs the Qt loop until the take is to end: by a signal, its length or a failure.
+void runTake(TakeRecorder& recorder, const TakeOptions& options, cli::StopSignals& stopSignals,
+             StatusLine& status) {
+    QTimer timer;
+    timer.setTimerType(Qt::PreciseTimer);
+    QObject::connect(&timer, &QTimer::timeout, [&] {
+        recorder.tick();
+        status.show(elapsedText(recorder.elapsedTime()));
+        const double left = options.duration.value_or(INFINITY) - recorder.elapsedTime();
+        if (left <= 0 || recorder.failure()) {
+            QCoreApplication::quit();
+        }
+        const double pause = std::clamp(left, 0.001, TakeRecorder::kTickInterval);
+        timer.setInterval(static_cast<int>(std::ceil(pause * 1000)));
+    });
+    timer.start(static_cast<int>(TakeRecorder::kTickInterval * 1000));
+    stopSignals.whenTheyCome([] { QCoreApplication::quit(); });
+    QCoreApplication::exec();
+}
+
+int finish(TakeRecorder& recorder) {
+    recorder.tick();
+    const auto folder = recorder.stop();
+    if (folder) {
+        cli::printLine(folder->string());
+    }
+    if (const auto failure = recorder.failure()) {
+        return cli::failed("The recording ended early. " + failure->description());
+    }
+    return 0;
+}
+
+int recordDisplay(const Display& display, const TakeOptions& options,
+                  cli::StopSignals& stopSignals) {
+    auto monitors = X11PointerMonitors::open();
+    auto pointer = X11Pointer::open();
+    if (!monitors || !pointer) {
+        return cli::failed((monitors ? pointer.error() : monitors.error()).description());
+    }
+    X11ScreenStreams streams;
+    FfmpegMediaLibrary media;
+    FfmpegImageFiles imageFiles;
+    PosixHelperLauncher launcher;
+    SystemClock clock;
+    cli::MainThreadExecutor main;
+    TakeRecorder recorder({streams,
+                           media,
+                           imageFiles,
+                           {**monitors, **pointer, **pointer, launcher, clock, main, nullptr,
+                            helperExecutablePath(runningExecutableFolder())}});
+    StatusLine status;
+    if (options.countdown > 0) {
+        countDown(options.countdown, stopSignals, status);
+    }
+    if (stopSignals.hasCome()) {
+        status.show("");
+        return cli::failed("Nothing was recorded: it was stopped during the countdown.");
+    }
+    if (const auto started = recorder.start(display, recordingsDirectory()); !started) {
+        return cli::failed(started.error().description());
+    }
+    runTake(recorder, options, stopSignals, status);
+    status.show("");
+    return finish(recorder);
+}
+
+/// The display's number counts from 0, as `tavi sources` lists them.
+Result<Display, std::string> findDisplay(int number) {
+    X11ShareableContent source;
+    const auto content = source.content();
+    if (!content) {
+        return fail(content.error().description());
+    }
+    const auto count = static_cast<int>(content->displays.size());
+    if (number < 0 || number >= count) {
+        return fail(fmt::format("There is no display {}; `tavi sources` lists them.", number));
+    }
+    return content->displays[static_cast<std::size_t>(number)];
+}
+
+int record(const TakeOptions& options) {
+    cli::StopSignals stopSignals;
+    const auto folder = RecorderLock::folder();
+    if (!folder) {
+        return cli::failed(folder.error().description());
+    }
+    const auto lock = RecorderLock::acquire(*folder);
+    if (!lock) {
+        return cli::failed(lock.error().description());
+    }
+    const auto display = findDisplay(options.display);
+    if (!display) {
+        return cli::failed(display.error());
+    }
+    int argumentCount = 1;
+    char name[] = "tavi";
+    char* arguments[] = {name, nullptr};
+    const QCoreApplication application(argumentCount, arguments);
+    return recordDisplay(*display, options, stopSignals);
+}
+
+} // namespace
+
+void addRecordCommand(CLI::App& app, int& exitCode) {
+    auto options = std::make_shared<TakeOptions>();
+    CLI::App* command = app.add_subcommand("record", "Record one take; prints its folder");
+    command->add_option("--display", options->display, "The display's number, from `tavi sources`")
+        ->type_name("N");
+    command->add_option("--countdown", options->countdown, "Seconds to wait before the start")
+        ->check(CLI::NonNegativeNumber)
+        ->type_name("S");
+    command->add_option("--duration", options->duration, "Seconds after which the take ends")
+        ->check(CLI::PositiveNumber)
+        ->type_name("S");
+    command->callback([options, &exitCode] { exitCode = record(*options); });
+}
+
+} // namespace tavi

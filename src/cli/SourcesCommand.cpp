@@ -1,0 +1,103 @@
+#include "cli/SourcesCommand.h"
+
+#include "cli/Output.h"
+#include "platform/x11/X11ShareableContent.h"
+#include "project/JsonWriter.h"
+
+#include <CLI/CLI.hpp>
+#include <fmt/format.h>
+
+#include <memory>
+
+namespace tavi {
+
+namespace {
+
+void writeFrame(JsonWriter& out, const Rect& frame) {
+    out.key("frame");
+    out.beginArray();
+    for (const double value : {frame.x, frame.y, frame.width, frame.height}) {
+        out.value(value);
+    }
+    out.endArray();
+}
+
+void writeDisplays(JsonWriter& out, const std::vector<Display>& displays) {
+    out.key("displays");
+    out.beginArray();
+    for (std::size_t i = 0; i < displays.size(); ++i) {
+        const Display& display = displays[i];
+        out.beginObject();
+        out.field("number", static_cast<std::int64_t>(i));
+        out.field("name", display.name);
+        out.field("width", static_cast<std::int64_t>(display.width));
+        out.field("height", static_cast<std::int64_t>(display.height));
+        writeFrame(out, display.frame);
+        out.field("isMain", display.isMain);
+        out.endObject();
+    }
+    out.endArray();
+}
+
+void writeWindows(JsonWriter& out, const std::vector<Window>& windows) {
+    out.key("windows");
+    out.beginArray();
+    for (const Window& window : windows) {
+        out.beginObject();
+        out.field("id", static_cast<std::int64_t>(window.id));
+        out.field("title", window.title);
+        out.field("application", window.applicationName);
+        writeFrame(out, window.frame);
+        out.field("isOnScreen", window.isOnScreen);
+        out.endObject();
+    }
+    out.endArray();
+}
+
+/// Frames are in points, origin at the bottom left of the desktop.
+std::string json(const ShareableContent& content) {
+    JsonWriter out;
+    out.beginObject();
+    writeDisplays(out, content.displays);
+    writeWindows(out, content.windows);
+    out.endObject();
+    return out.finish().value_or("{}");
+}
+
+void printTable(const ShareableContent& content) {
+    for (std::size_t i = 0; i < content.displays.size(); ++i) {
+        const Display& display = content.displays[i];
+        cli::printLine(fmt::format("display {}  {}x{}  {}{}", i, display.width, display.height,
+                                   display.name, display.isMain ? "  (main)" : ""));
+    }
+    for (const Window& window : content.windows) {
+        cli::printLine(fmt::format("window {}  {:.0f}x{:.0f}  {}  {}{}", window.id,
+                                   window.frame.width, window.frame.height, window.applicationName,
+                                   window.title, window.isOnScreen ? "" : "  (not shown)"));
+    }
+}
+
+int listSources(bool asJson) {
+    X11ShareableContent source;
+    const auto content = source.content();
+    if (!content) {
+        return cli::failed(content.error().description());
+    }
+    if (asJson) {
+        cli::printLine(json(*content));
+    } else {
+        printTable(*content);
+    }
+    return 0;
+}
+
+} // namespace
+
+void addSourcesCommand(CLI::App& app, int& exitCode) {
+    auto asJson = std::make_shared<bool>(false);
+    CLI::App* command = app.add_subcommand("sources", "List displays and windows");
+    command->add_flag("--json", *asJson, "Print JSON");
+    command->callback([asJson, &exitCode] { exitCode = listSources(*asJson); });
+}
+
+} // namespace tavi
