@@ -1,0 +1,51 @@
+#pragma once
+
+#include "base/Geometry.h"
+#include "render/AxisTaps.h"
+#include "render/ImageView.h"
+
+#include <cstdint>
+#include <optional>
+#include <vector>
+
+namespace tavi {
+
+/// Moves and scales one picture into another, row by row of the target.
+///
+/// A stretch of the source lands on a stretch of the target, both at any
+/// position between pixels: enlarged content is interpolated linearly, reduced
+/// content averaged over its area (see AxisTaps). Work runs along x first, on
+/// each source row once, then along y; between the two, values have 6 more bits.
+///
+/// Shapes:  the source is at least 1 x 1 pixel and outlives the drawing.
+/// Errors:  none; a stretch without area is a caller's bug (assert).
+/// Threads: one at a time. Memory is kept from picture to picture.
+class Resampler {
+public:
+    /// Sets the picture up. Both rectangles count rows from the top; the source
+    /// may reach beyond the picture, whose edge is then repeated. Rows and columns
+    /// inside `pixels` can be asked for afterwards.
+    void begin(ConstImageView source, const Rect& sourceRect, const Rect& targetRect,
+               const PixelBounds& pixels);
+
+    /// Writes row `y`, columns [left, right), to `out`, which receives column
+    /// `left` first. Fastest when the rows are asked for from top to bottom.
+    void writeRow(int y, int left, int right, std::uint8_t* out);
+
+private:
+    /// A source row, resampled along x.
+    const std::uint16_t* horizontalRow(int sourceY);
+    void resampleRow(const std::uint8_t* in, std::uint16_t* out) const;
+
+    ConstImageView m_source;
+    PixelBounds m_pixels;
+    AxisTaps m_columns;
+    AxisTaps m_rows;
+    std::optional<int> m_copyColumn;   ///< Where the columns are a plain copy.
+    std::vector<std::uint16_t> m_ring; ///< The last source rows; row y at y modulo their number.
+    std::vector<int> m_ringRow;        ///< Which source row each place holds; -1 none.
+    std::size_t m_ringStride = 0;      ///< Numbers from one place to the next.
+    std::vector<std::uint32_t> m_sums; ///< One target row while it is added up.
+};
+
+} // namespace tavi
