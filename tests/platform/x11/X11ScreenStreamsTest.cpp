@@ -1,0 +1,279 @@
+#include "platform/x11/X11ScreenStreams.h"
+
+#include "base/Clock.h"
+#include "platform/x11/X11ShareableContent.h"
+#include "platform/x11/XTestServer.h"
+
+#include <gmock/gmock.h>
+
+#include <mutex>
+#include <random>
+#include <thread>
+
+namespace tavi {
+namespace {
+
+using test::Painter;
+using test::XTestServer;
+
+std::uint32_t pixelAt(const PixelBuffer& image, int x, int y) {
+    std::uint32_t value = 0;
+    std::memcpy(&value, image.row(y) + static_cast<std::ptrdiff_t>(x) * 4, 4);
+    return value;
+}
+
+std::vector<Display> displaysOf(const XTestServer& server) {
+    return X11ShareableContent(server.name()).content().value().displays;
+}
+
+/// A running stream and what it sent.
+class Watched {
+public:
+    Watched(const XTestServer& server, const Display& display, int width = 0, int height = 0) {
+        ScreenStreamConfiguration configuration;
+        configuration.width = width > 0 ? width : display.width;
+        configuration.height = height > 0 ? height : display.height;
+        auto made =
+            X11ScreenStreams(server.name()).makeStream(ScreenFilter{display.id}, configuration);
+        EXPECT_TRUE(made) << made.error().description();
+        m_stream = std::move(*made);
+        EXPECT_TRUE(m_stream->addStreamOutput(m_queue, [this](const ScreenSample& sample) {
+            const std::lock_guard lock(m_mutex);
+            EXPECT_TRUE(m_queue.isCurrent());
+            m_samples.push_back(sample);
+        }));
+        EXPECT_TRUE(m_stream->startCapture());
+    }
+    ~Watched() { m_stream->stopCapture(); }
+
+    std::vector<ScreenSample> samples() const {
+        const std::lock_guard lock(m_mutex);
+        return m_samples;
+    }
+    std::size_t count() const { return samples().size(); }
+    PixelBufferPtr last() const { return samples().back().image; }
+    ScreenStream& stream() { return *m_stream; }
+
+    /// Waits until the newest picture has this colour there.
+    bool shows(int x, int y, std::uint32_t colour) const {
+        return test::waitFor([&] {
+            const auto all = samples();
+            return !all.empty() && pixelAt(*all.back().image, x, y) == (colour | 0xFF000000U);
+        });
+    }
+
+private:
+    mutable std::mutex m_mutex;
+    std::vector<ScreenSample> m_samples;
+    SerialQueue m_queue{"test"};
+    std::unique_ptr<ScreenStream> m_stream;
+};
+
+class X11ScreenStreamsTest : public testing::Test {
+protected:
+    X11ScreenStreamsTest() { painter.fill(0, 0, 640, 480, 0x204060); }
+
+    XTestServer server;
+    Painter painter{server};
+    Display display = displaysOf(server).at(0);
+};
+
+TEST_F(X11ScreenStreamsTest, firstPictureComesAtOnceThoughNothingMoves) {
+    const Watched watched(server, display);
+    EXPECT_TRUE(watched.shows(320, 240, 0x204060));
+    EXPECT_EQ(watched.last()->width(), 640);
+    EXPECT_EQ(watched.last()->height(), 480);
+}
+
+TEST_F(X11ScreenStreamsTest, picturesAreExactAndOpaque) {
+    std::mt19937 random(1);
+    std::vector<std::uint32_t> pixels(100 * 80);
+    for (auto& pixel : pixels) {
+        pixel = random() & 0xFFFFFF; // unused byte 0: alpha must come out as 255
+    }
+    painter.put(33, 21, 100, 80, pixels);
+    const Watched watched(server, display);
+    ASSERT_TRUE(watched.shows(33, 21, pixels[0]));
+    for (int y = 0; y < 80; ++y) {
+        for (int x = 0; x < 100; ++x) {
+            ASSERT_EQ(pixelAt(*watched.last(), 33 + x, 21 + y),
+                      pixels[static_cast<std::size_t>(y * 100 + x)] | 0xFF000000U);
+        }
+    }
+}
+
+TEST_F(X11ScreenStreamsTest, picturesComeOnlyWhenSomethingChanged) {
+    const Watched watched(server, display);
+    ASSERT_TRUE(watched.shows(0, 0, 0x204060));
+    test::runLoopFor(0.3);
+    EXPECT_EQ(watched.count(), 1U);
+    painter.fill(10, 10, 5, 5, 0xFF0000);
+    ASSERT_TRUE(watched.shows(12, 12, 0xFF0000));
+    test::runLoopFor(0.1);
+    EXPECT_EQ(watched.count(), 2U);
+}
+
+TEST_F(X11ScreenStreamsTest, smallChangesAddUpToTheWholePicture) {
+    const Watched watched(server, display);
+    ASSERT_TRUE(watched.shows(0, 0, 0x204060));
+    for (int i = 0; i < 40; ++i) {
+        painter.fill(i * 16, (i * 7) % 470, 3, 3, static_cast<std::uint32_t>(0x10000 + i));
+    }
+    ASSERT_TRUE(watched.shows(39 * 16, (39 * 7) % 470, 0x10000 + 39));
+    const auto picture = watched.last();
+    for (int i = 0; i < 40; ++i) {
+        EXPECT_EQ(pixelAt(*picture, i * 16 + 2, (i * 7) % 470 + 2),
+                  0xFF010000U + static_cast<unsigned>(i));
+    }
+    EXPECT_EQ(pixelAt(*picture, 8, 479), 0xFF204060U);
+}
+
+TEST_F(X11ScreenStreamsTest, picturesInHandStayAsTheyWere) {
+    const Watched watched(server, display);
+    ASSERT_TRUE(watched.shows(100, 100, 0x204060));
+    const auto before = watched.last();
+    for (std::uint32_t colour = 1; colour < 8; ++colour) {
+        painter.fill(0, 0, 640, 480, colour);
+        ASSERT_TRUE(watched.shows(100, 100, colour));
+    }
+    EXPECT_EQ(pixelAt(*before, 100, 100), 0xFF204060U);
+}
+
+TEST_F(X11ScreenStreamsTest, neverFasterThanSixtyASecond) {
+    const Watched watched(server, display);
+    for (std::uint32_t i = 0; i < 3000 && watched.count() < 20; ++i) {
+        painter.fill(0, 0, 64, 64, i);
+    }
+    const auto samples = watched.samples();
+    ASSERT_GE(samples.size(), 5U);
+    for (std::size_t i = 1; i < samples.size(); ++i) {
+        const MediaTime gap = samples[i].presentationTime - samples[i - 1].presentationTime;
+        EXPECT_GE(gap, (MediaTime{1, 60})) << i;
+    }
+}
+
+TEST_F(X11ScreenStreamsTest, timesAreOfTheHostClock) {
+    const MediaTime before = SystemClock().hostTime();
+    const Watched watched(server, display);
+    ASSERT_TRUE(watched.shows(0, 0, 0x204060));
+    EXPECT_GE(watched.samples()[0].presentationTime, before);
+    EXPECT_LE(watched.samples()[0].presentationTime, SystemClock().hostTime());
+}
+
+TEST_F(X11ScreenStreamsTest, cursorIsNotInThePicture) {
+    painter.addWindow(100, 100, 200, 200, 0x00FF00, 68);
+    ASSERT_TRUE(server.run("xdotool mousemove 200 200"));
+    const Watched watched(server, display);
+    ASSERT_TRUE(watched.shows(200, 200, 0x00FF00));
+    ASSERT_TRUE(server.run("xdotool mousemove 150 150"));
+    painter.fill(0, 0, 4, 4, 0xFFFFFF);
+    ASSERT_TRUE(watched.shows(0, 0, 0xFFFFFF));
+    const auto picture = watched.last();
+    for (int y = 100; y < 300; ++y) {
+        for (int x = 100; x < 300; ++x) {
+            ASSERT_EQ(pixelAt(*picture, x, y), 0xFF00FF00U) << x << "," << y;
+        }
+    }
+}
+
+TEST_F(X11ScreenStreamsTest, pointerThatMovesOverAPlainScreenCostsNoPictures) {
+    const Watched watched(server, display);
+    ASSERT_TRUE(watched.shows(0, 0, 0x204060));
+    ASSERT_TRUE(server.run("xdotool mousemove 100 100 mousemove 300 200 mousemove 20 400"));
+    test::runLoopFor(0.1);
+    EXPECT_EQ(watched.count(), 1U);
+}
+
+TEST_F(X11ScreenStreamsTest, oneMonitorOfTwoIsCutOutAndOnlyItsChangesCount) {
+    ASSERT_TRUE(server.run("xrandr --setmonitor LEFT 320/85x480/127+0+0 screen"));
+    ASSERT_TRUE(server.run("xrandr --setmonitor RIGHT 320/85x480/127+320+0 none"));
+    const auto displays = displaysOf(server);
+    ASSERT_EQ(displays.size(), 2U);
+    const Watched watched(server, displays[1]);
+    ASSERT_TRUE(watched.shows(0, 0, 0x204060));
+    EXPECT_EQ(watched.last()->width(), 320);
+    painter.fill(0, 0, 320, 480, 0xFF0000);
+    test::runLoopFor(0.1);
+    EXPECT_EQ(watched.count(), 1U);
+    painter.fill(310, 5, 20, 20, 0x0000FF);
+    ASSERT_TRUE(watched.shows(9, 5, 0x0000FF));
+    EXPECT_EQ(pixelAt(*watched.last(), 10, 5), 0xFF204060U);
+}
+
+TEST_F(X11ScreenStreamsTest, largerPictureRepeatsTheLastColumnAndRow) {
+    const Watched watched(server, display, 642, 482);
+    ASSERT_TRUE(watched.shows(641, 481, 0x204060));
+    painter.fill(639, 479, 1, 1, 0xABCDEF);
+    ASSERT_TRUE(watched.shows(641, 481, 0xABCDEF));
+    EXPECT_EQ(pixelAt(*watched.last(), 641, 0), 0xFF204060U);
+}
+
+TEST_F(X11ScreenStreamsTest, smallerScreenLeavesTheRestBlack) {
+    const Watched watched(server, display);
+    ASSERT_TRUE(watched.shows(0, 0, 0x204060));
+    ASSERT_TRUE(server.run("xrandr --newmode small 10 320 330 340 350 240 245 250 255"));
+    ASSERT_TRUE(server.run("xrandr --addmode screen small"));
+    ASSERT_TRUE(server.run("xrandr --output screen --mode small"));
+    ASSERT_TRUE(watched.shows(639, 479, 0));
+    painter.fill(300, 200, 5, 5, 0x00FFFF);
+    EXPECT_TRUE(watched.shows(302, 202, 0x00FFFF));
+    EXPECT_EQ(watched.last()->width(), 640);
+    EXPECT_FALSE(const_cast<Watched&>(watched).stream().failure());
+}
+
+TEST_F(X11ScreenStreamsTest, nothingIsSentAfterTheStop) {
+    Watched watched(server, display);
+    ASSERT_TRUE(watched.shows(0, 0, 0x204060));
+    ASSERT_TRUE(watched.stream().stopCapture());
+    const auto count = watched.count();
+    painter.fill(0, 0, 640, 480, 0xFF0000);
+    test::runLoopFor(0.1);
+    EXPECT_EQ(watched.count(), count);
+}
+
+TEST_F(X11ScreenStreamsTest, serverThatDiesIsAFailure) {
+    Watched watched(server, display);
+    ASSERT_TRUE(watched.shows(0, 0, 0x204060));
+    EXPECT_FALSE(watched.stream().failure());
+    server.die();
+    EXPECT_TRUE(test::waitFor([&] { return watched.stream().failure().has_value(); }));
+    EXPECT_EQ(watched.stream().failure()->kind, CaptureError::Kind::connectionLost);
+}
+
+CaptureError::Kind errorOf(const std::string& server, std::uint32_t displayId) {
+    ScreenStreamConfiguration configuration;
+    configuration.width = configuration.height = 64;
+    const auto made = X11ScreenStreams(server).makeStream(ScreenFilter{displayId}, configuration);
+    EXPECT_FALSE(made);
+    EXPECT_FALSE(made.error().description().empty());
+    return made.error().kind;
+}
+
+TEST(X11ScreenStreamsErrors, noServer) {
+    EXPECT_EQ(errorOf(":9871", 1), CaptureError::Kind::noWindowSystem);
+}
+
+TEST(X11ScreenStreamsErrors, unknownDisplay) {
+    const XTestServer server;
+    EXPECT_EQ(errorOf(server.name(), 999'999), CaptureError::Kind::sourceGone);
+}
+
+TEST(X11ScreenStreamsErrors, missingExtensions) {
+    for (const char* extension : {"DAMAGE", "MIT-SHM", "XFIXES"}) {
+        const XTestServer server("64x64x24", {"-extension", extension});
+        const auto monitors = X11ShareableContent(server.name()).content();
+        ASSERT_TRUE(monitors);
+        EXPECT_EQ(errorOf(server.name(), monitors->displays[0].id),
+                  CaptureError::Kind::missingExtension)
+            << extension;
+    }
+}
+
+TEST(X11ScreenStreamsErrors, sixteenBitColour) {
+    const XTestServer server("64x64x16");
+    EXPECT_EQ(errorOf(server.name(), displaysOf(server).at(0).id),
+              CaptureError::Kind::unsupportedFormat);
+}
+
+} // namespace
+} // namespace tavi

@@ -1,0 +1,73 @@
+#pragma once
+
+#include <xcb/xcb.h>
+
+#include <functional>
+#include <string>
+#include <sys/types.h>
+#include <vector>
+
+namespace tavi::test {
+
+/// A private X server without screen, ended with the object.
+class XTestServer {
+public:
+    explicit XTestServer(const std::string& screen = "640x480x24",
+                         const std::vector<std::string>& extraArguments = {});
+    ~XTestServer();
+    XTestServer(const XTestServer&) = delete;
+    XTestServer& operator=(const XTestServer&) = delete;
+
+    const std::string& name() const { return m_name; } ///< ":7"
+
+    /// Runs a shell command on this display; true when it succeeded.
+    bool run(const std::string& command) const;
+
+    void die();
+
+private:
+    pid_t m_pid = 0;
+    std::string m_name;
+};
+
+/// A client that paints.
+class Painter {
+public:
+    explicit Painter(const XTestServer& server);
+    ~Painter();
+    Painter(const Painter&) = delete;
+    Painter& operator=(const Painter&) = delete;
+
+    xcb_connection_t* connection() const { return m_connection; }
+    xcb_window_t root() const { return m_screen->root; }
+
+    /// Fills a rectangle of the root window with 0xRRGGBB and waits until it is there.
+    void fill(int x, int y, int width, int height, std::uint32_t colour);
+
+    /// A mapped window that no window manager touches, with one colour and, when
+    /// `glyph` isn't negative, that cursor of the font "cursor".
+    xcb_window_t addWindow(int x, int y, int width, int height, std::uint32_t colour,
+                           int glyph = -1);
+
+    /// Puts rows of BGRX pixels at (x, y) of the root window.
+    void put(int x, int y, int width, int height, const std::vector<std::uint32_t>& pixels);
+
+    /// Waits until the server did everything asked so far.
+    void sync();
+
+private:
+    xcb_connection_t* m_connection;
+    const xcb_screen_t* m_screen;
+    xcb_gcontext_t m_gc;
+};
+
+/// The one Qt application of the process.
+void ensureQtApplication();
+
+/// Runs the Qt loop until `condition` holds; false when it doesn't within ten seconds.
+bool waitFor(const std::function<bool()>& condition);
+
+/// Runs the Qt loop for a while.
+void runLoopFor(double seconds);
+
+} // namespace tavi::test
