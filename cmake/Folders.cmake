@@ -6,6 +6,7 @@ function(tavi_folder folder)
   cmake_parse_arguments(ARG "QT" "" "DEPS" ${ARGN})
   string(REPLACE "/" "_" name "tavi_${folder}")
   file(GLOB sources CONFIGURE_DEPENDS ${CMAKE_SOURCE_DIR}/src/${folder}/*.cpp)
+  list(FILTER sources EXCLUDE REGEX "/main\\.cpp$") # belongs to a program
   if(ARG_QT)
     file(GLOB headers CONFIGURE_DEPENDS ${CMAKE_SOURCE_DIR}/src/${folder}/*.h)
     list(APPEND sources ${headers})

@@ -1,0 +1,104 @@
+#include "cli/Doctor.h"
+
+#include "capture/HelperPath.h"
+#include "platform/ffmpeg/EncoderChoice.h"
+#include "platform/x11/X11ShareableContent.h"
+#include "project/RecordingFolder.h"
+
+#include <fmt/format.h>
+
+#include <unistd.h>
+
+namespace tavi::cli {
+
+namespace {
+
+constexpr std::uintmax_t kLittleSpace = std::uintmax_t{1} << 30; // a few minutes of a busy screen
+
+Finding examineScreen() {
+    Finding finding{"screen", false, {}, {}};
+    const auto content = X11ShareableContent().content();
+    if (!content) {
+        finding.detail = content.error().description();
+        finding.fix = "Run it inside an X11 session, or set DISPLAY to one";
+        return finding;
+    }
+    finding.works = !content->displays.empty();
+    for (const auto& display : content->displays) {
+        finding.detail += fmt::format("{}{} {}x{}", finding.detail.empty() ? "" : ", ",
+                                      display.name, display.width, display.height);
+    }
+    if (!finding.works) {
+        finding.detail = "The X server has no monitor";
+        finding.fix = "Switch a monitor on, for example with xrandr --auto";
+    }
+    return finding;
+}
+
+Finding examineKeyHelper() {
+    const auto path = helperExecutablePath(runningExecutableFolder());
+    if (path && access(path->c_str(), X_OK) == 0) {
+        return {"keys", true, *path, {}};
+    }
+    return {"keys", false, "The key helper TaviKeys is missing; takes have no key presses",
+            "Install the program again"};
+}
+
+/// One finding for a kind of encoding: the encoder in use, and why not a better one.
+Finding examineEncoder(const std::string& name, const VideoSettings& settings) {
+    Finding finding{name, false, {}, {}};
+    for (const EncoderTrial& trial : EncoderChoice::shared().report(settings)) {
+        if (trial.works && !finding.works) {
+            finding.works = true;
+            finding.detail = trial.name + finding.detail;
+        } else if (!trial.works) {
+            finding.detail += fmt::format("; {}: {}", trial.name, trial.reason);
+        }
+    }
+    if (!finding.works) {
+        finding.fix = "Install FFmpeg with libx265 (Debian: libavcodec-extra or libavcodec59)";
+    }
+    return finding;
+}
+
+/// The folder itself, or the nearest one above it that exists already.
+std::filesystem::path nearestExisting(std::filesystem::path folder) {
+    std::error_code error;
+    while (!std::filesystem::exists(folder, error) && folder.has_relative_path()) {
+        folder = folder.parent_path();
+    }
+    return folder;
+}
+
+Finding examineLibrary() {
+    const auto library = recordingsDirectory();
+    const auto folder = nearestExisting(library);
+    if (access(folder.c_str(), W_OK) != 0) {
+        return {"library", false, "The folder can't be written: " + folder.string(),
+                "Make it writable, or set TAVI_DOCUMENTS_DIR to another place"};
+    }
+    std::error_code error;
+    const auto space = std::filesystem::space(folder, error);
+    const bool enough = !error && space.available >= kLittleSpace;
+    return {"library", enough,
+            fmt::format("{}, {:.1f} GB free", library.string(),
+                        static_cast<double>(space.available) / 1e9),
+            enough ? "" : "Free some space: a take grows by up to 150 MB a minute"};
+}
+
+} // namespace
+
+std::vector<Finding> examineMachine() {
+    VideoSettings live;
+    live.width = 1920;
+    live.height = 1080;
+    live.bitRate = 20'000'000;
+    live.realTime = true;
+    VideoSettings film = live;
+    film.bitRate = 10'000'000;
+    film.realTime = false;
+    return {examineScreen(), examineKeyHelper(), examineEncoder("recording encoder", live),
+            examineEncoder("export encoder", film), examineLibrary()};
+}
+
+} // namespace tavi::cli
