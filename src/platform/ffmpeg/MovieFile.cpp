@@ -128,6 +128,8 @@ int MovieFile::writeHeld(Track& track, std::int64_t duration) {
     AVPacket& packet = *track.held;
     packet.stream_index = track.index;
     packet.duration = duration;
+    track.lastPts = packet.pts;
+    track.lastDuration = duration;
     packet.time_base = {1, timescale(m_type)};
     av_packet_rescale_ts(&packet, packet.time_base, m_output->streams[track.index]->time_base);
     if (isFragmented() && !m_fragmentSince) {
@@ -159,8 +161,10 @@ int MovieFile::writeRest(std::optional<std::int64_t> endTicks) {
     for (Track& track : m_tracks) {
         if (code >= 0 && track.held->data) {
             const std::int64_t end = endTicks.value_or(track.held->pts + track.interval);
-            track.lastDuration = std::max(end - track.held->pts, kOneTick);
-            code = writeHeld(track, track.lastDuration);
+            code = writeHeld(track, std::max(end - track.held->pts, kOneTick));
+        } else if (endTicks) {
+            // Written long ago to be safe in the file, when its length was unknown.
+            track.lastDuration = std::max(*endTicks - track.lastPts, kOneTick);
         }
     }
     if (code >= 0 && isFragmented()) {

@@ -71,6 +71,7 @@ private:
         std::int64_t interval = 1; ///< Ticks from one picture to the next.
         PacketHandle held;         ///< Empty while its `data` is null.
         std::chrono::steady_clock::time_point heldSince;
+        std::int64_t lastPts = 0;      ///< Of the last picture written, in ticks.
         std::int64_t lastDuration = 1; ///< Ticks that the last picture lasts.
     };
 
