@@ -1,0 +1,249 @@
+#include "capture/CursorImageBytes.h"
+#include "capture/PosixHelperLauncher.h"
+#include "capture/TakeRecorder.h"
+#include "platform/ffmpeg/FfmpegImageFiles.h"
+#include "platform/ffmpeg/FfmpegMediaLibrary.h"
+#include "platform/x11/X11Pointer.h"
+#include "platform/x11/X11PointerMonitors.h"
+#include "platform/x11/X11ScreenStreams.h"
+#include "platform/x11/X11ShareableContent.h"
+#include "platform/x11/XTestServer.h"
+#include "project/RecordingMetadataJson.h"
+#include "support/TemporaryFolder.h"
+
+#include <QCoreApplication>
+#include <gmock/gmock.h>
+
+#include <csignal>
+#include <sys/wait.h>
+#include <unistd.h>
+
+namespace tavi {
+namespace {
+
+using test::Painter;
+using test::XTestServer;
+
+class QtExecutor final : public Executor {
+public:
+    void post(std::function<void()> block) override {
+        QMetaObject::invokeMethod(QCoreApplication::instance(), std::move(block),
+                                  Qt::QueuedConnection);
+    }
+};
+
+/// A base, so that it is there before any member listens to the loop.
+struct WithQtApplication {
+    WithQtApplication() { test::ensureQtApplication(); }
+};
+
+/// A take of a server's only display, made of the real adapters.
+class RealTake : private WithQtApplication {
+public:
+    explicit RealTake(const std::string& server)
+        : m_streams(server),
+          m_monitors(std::move(X11PointerMonitors::open(server).value())),
+          m_pointer(std::move(X11Pointer::open(server).value())),
+          m_display(X11ShareableContent(server).content().value().displays.at(0)),
+          m_recorder({m_streams,
+                      m_media,
+                      m_imageFiles,
+                      {*m_monitors, *m_pointer, *m_pointer, m_launcher, m_clock, m_main, nullptr,
+                       std::string(TAVI_BINARY_DIR) + "/TaviKeys"}}) {
+        setenv("DISPLAY", server.c_str(), 1); // for the helper
+    }
+    ~RealTake() { unsetenv("DISPLAY"); }
+
+    Result<void, CaptureError> start(const std::filesystem::path& library) {
+        return m_recorder.start(m_display, library);
+    }
+    TakeRecorder& recorder() { return m_recorder; }
+
+private:
+    X11ScreenStreams m_streams;
+    FfmpegMediaLibrary m_media;
+    FfmpegImageFiles m_imageFiles;
+    PosixHelperLauncher m_launcher;
+    SystemClock m_clock;
+    QtExecutor m_main;
+    std::unique_ptr<X11PointerMonitors> m_monitors;
+    std::unique_ptr<X11Pointer> m_pointer;
+    Display m_display;
+    TakeRecorder m_recorder;
+};
+
+std::vector<VideoSample> readAll(const std::filesystem::path& video) {
+    FfmpegMediaLibrary media;
+    const auto asset = media.openAsset(video);
+    if (!asset || asset->videoTracks.empty()) {
+        return {};
+    }
+    auto reader = media.makeVideoReader(*asset, asset->videoTracks[0], {{0, 1}, asset->duration});
+    std::vector<VideoSample> samples;
+    while (auto sample = (*reader)->copyNextSample()) {
+        samples.push_back(std::move(*sample));
+    }
+    return samples;
+}
+
+/// Largest difference of a colour channel between a pixel and 0xRRGGBB.
+int difference(const PixelBuffer& image, int x, int y, std::uint32_t colour) {
+    int largest = 0;
+    for (int channel = 0; channel < 3; ++channel) {
+        const int wanted = static_cast<int>(colour >> (8 * channel)) & 0xFF;
+        largest = std::max(largest, std::abs(image.row(y)[x * 4 + channel] - wanted));
+    }
+    return largest;
+}
+
+/// What a lossy encoder may do to a plain area.
+constexpr int kCodingNoise = 8;
+
+TEST(Recording, ofThreeSecondsHasVideoLogKeysAndImages) {
+    const XTestServer server("640x480x24");
+    const test::TemporaryFolder library;
+    Painter painter(server);
+    painter.fill(0, 0, 640, 480, 0x204080);
+    painter.addWindow(400, 100, 100, 100, 0x808080, 152);
+    ASSERT_TRUE(server.run("xset m 1/1 0"));
+    ASSERT_TRUE(server.run("xdotool mousemove 100 100"));
+    RealTake take(server.name());
+    TakeRecorder& recorder = take.recorder();
+    const MediaTime before = SystemClock().hostTime();
+    ASSERT_TRUE(take.start(library.path()));
+    ASSERT_TRUE(test::waitFor([&] {
+        recorder.tick();
+        return recorder.elapsedTime() > 0.8;
+    }));
+    painter.fill(0, 240, 640, 240, 0xC04020);
+    ASSERT_TRUE(server.run("xdotool mousemove_relative 50 20 click 1 key ctrl+k"));
+    test::runLoopFor(0.1); // beyond the gate between two moves
+    ASSERT_TRUE(server.run("xdotool mousemove_relative 300 30 click 4"));
+    ASSERT_TRUE(test::waitFor([&] {
+        recorder.tick();
+        return recorder.elapsedTime() > 2.5;
+    }));
+    const double elapsed = recorder.elapsedTime();
+    const auto folder = recorder.stop();
+    const double wall = (SystemClock().hostTime() - before).seconds();
+    ASSERT_TRUE(folder);
+    EXPECT_EQ(recorder.failure(), std::nullopt);
+    EXPECT_EQ(recorder.droppedFrames(), 0U);
+
+    const auto samples = readAll(*folder / "video.mov");
+    ASSERT_GE(samples.size(), 2U);
+    EXPECT_EQ(samples.front().presentationTime, (MediaTime{0, 1}));
+    EXPECT_LE(difference(*samples.front().image, 320, 400, 0x204080), kCodingNoise);
+    EXPECT_LE(difference(*samples.back().image, 320, 400, 0xC04020), kCodingNoise);
+    EXPECT_LE(difference(*samples.back().image, 320, 100, 0x204080), kCodingNoise);
+    const double duration =
+        FfmpegMediaLibrary().openAsset(*folder / "video.mov")->duration.seconds();
+    EXPECT_GT(duration, 2.4) << "the last picture lasts until the stop";
+    EXPECT_LT(duration, wall);
+    EXPECT_NEAR(duration, elapsed, 0.1);
+
+    const auto metadata =
+        decodeRecordingMetadata(test::readFile(*folder / "metadata.json")).value();
+    EXPECT_DOUBLE_EQ(metadata.duration, elapsed);
+    EXPECT_EQ(metadata.screenWidth, 640);
+    EXPECT_EQ(metadata.screenHeight, 480);
+    std::vector<std::string> log;
+    for (const auto& e : metadata.cursorEvents) {
+        EXPECT_GT(e.timestamp, 0.7);
+        EXPECT_LT(e.timestamp, elapsed);
+        log.push_back(std::string(rawValue(e.eventType)));
+    }
+    EXPECT_THAT(log, testing::UnorderedElementsAre("move", "leftMouseDown", "leftMouseUp",
+                                                   "keyDown", "move", "scroll"));
+    const CursorEvent& scroll = metadata.cursorEvents.back();
+    EXPECT_EQ(scroll.eventType, CursorEventType::scroll);
+    EXPECT_EQ((Point{scroll.x, scroll.y}), (Point{450, 150}));
+    EXPECT_EQ(scroll.cursorImageId, 1) << "over the window with another cursor";
+    for (const auto& e : metadata.cursorEvents) {
+        if (e.eventType == CursorEventType::keyDown) {
+            EXPECT_EQ(e.keyCharacter, "k");
+            EXPECT_EQ(e.keyModifiers, 0x40000U);
+        }
+    }
+    ASSERT_EQ(metadata.cursorImageInfos.size(), 2U);
+    const auto image = FfmpegImageFiles().readPng(*folder / "cursor_1.png");
+    ASSERT_TRUE(image);
+    EXPECT_EQ((*image)->width(), static_cast<int>(metadata.cursorImageInfos[1].width));
+}
+
+TEST(Recording, whoseServerDiesEndsWithAnErrorAndAFile) {
+    XTestServer server("320x240x24");
+    const test::TemporaryFolder library;
+    RealTake take(server.name());
+    TakeRecorder& recorder = take.recorder();
+    ASSERT_TRUE(take.start(library.path()));
+    ASSERT_TRUE(test::waitFor([&] { return recorder.appendedFrames() > 0; }));
+    server.die();
+    ASSERT_TRUE(test::waitFor([&] { return recorder.failure().has_value(); }));
+    EXPECT_EQ(recorder.failure()->kind, CaptureError::Kind::connectionLost);
+    const auto folder = recorder.stop();
+    ASSERT_TRUE(folder);
+    EXPECT_EQ(readAll(*folder / "video.mov").size(), 1U);
+    EXPECT_TRUE(std::filesystem::exists(*folder / "metadata.json"));
+}
+
+TEST(Recording, intoAFolderThatCannotBeMadeFailsWithASentence) {
+    const XTestServer server("320x240x24");
+    RealTake take(server.name());
+    const auto started = take.start("/proc/nowhere");
+    ASSERT_FALSE(started);
+    EXPECT_EQ(started.error().kind, CaptureError::Kind::writer);
+    EXPECT_FALSE(started.error().description().empty());
+}
+
+constexpr const char* kServerVariable = "TAVI_TEST_SERVER";
+constexpr const char* kLibraryVariable = "TAVI_TEST_LIBRARY";
+
+/// Not a test by itself: the process that recordingSurvivesAKill kills.
+TEST(Recording, DISABLED_untilKilled) {
+    RealTake take(std::getenv(kServerVariable));
+    ASSERT_TRUE(take.start(std::getenv(kLibraryVariable)));
+    test::waitFor([] { return false; });
+}
+
+/// Runs the test above in a process of its own.
+pid_t startRecorder(const std::string& server, const std::filesystem::path& library) {
+    const pid_t pid = fork();
+    if (pid == 0) {
+        setenv(kServerVariable, server.c_str(), 1);
+        setenv(kLibraryVariable, library.c_str(), 1);
+        execl("/proc/self/exe", "recorder", "--gtest_filter=Recording.DISABLED_untilKilled",
+              "--gtest_also_run_disabled_tests", nullptr);
+        _exit(127);
+    }
+    return pid;
+}
+
+TEST(Recording, survivesAKillWithAVideoThatOpens) {
+    const XTestServer server("320x240x24");
+    const test::TemporaryFolder library;
+    Painter painter(server);
+    const pid_t recorder = startRecorder(server.name(), library.path());
+    std::filesystem::path video;
+    ASSERT_TRUE(test::waitFor([&] {
+        const std::filesystem::directory_iterator takes(library.path());
+        if (takes != std::filesystem::directory_iterator()) {
+            video = takes->path() / "video.mov";
+        }
+        return !video.empty() && std::filesystem::exists(video);
+    }));
+    // Something moves until the file holds a few seconds.
+    const double end = SystemClock().hostTime().seconds() + 3;
+    for (std::uint32_t step = 0; SystemClock().hostTime().seconds() < end; ++step) {
+        painter.fill(static_cast<int>(step % 300), 100, 20, 20, 0x123456 * step);
+        test::runLoopFor(0.03);
+    }
+    kill(recorder, SIGKILL);
+    waitpid(recorder, nullptr, 0);
+    const auto samples = readAll(video);
+    EXPECT_GT(samples.size(), 10U);
+    EXPECT_FALSE(std::filesystem::exists(video.parent_path() / "metadata.json"));
+}
+
+} // namespace
+} // namespace tavi
