@@ -1,0 +1,96 @@
+#include "cli/ExportCommand.h"
+
+#include "cli/MainThread.h"
+#include "cli/OpenProject.h"
+#include "cli/Output.h"
+#include "cli/OutputFile.h"
+#include "cli/ProgressBar.h"
+#include "platform/ffmpeg/FfmpegMediaLibrary.h"
+#include "project/RecordingFolder.h"
+#include "render/VideoExportService.h"
+
+#include <CLI/CLI.hpp>
+
+#include <memory>
+#include <thread>
+
+namespace tavi {
+
+namespace {
+
+struct ExportOptions {
+    std::string take;
+    std::string output;
+    std::vector<std::string> assignments;
+};
+
+/// Runs the export of an open take with progress and cancellation by signal.
+Result<ExportReport, ExportFailure> exportTake(const cli::OpenTake& take, MediaLibrary& media,
+                                               const std::string& output) {
+    const cli::StopSignals stop;
+    const SystemClock clock;
+    VideoExportService* running = nullptr;
+    const auto obeySignals = [&] {
+        if (stop.hasCome()) {
+            running->isCancelled = true;
+        }
+    };
+    VideoExportService service(media, clock, exportLogFile(), [&](std::chrono::nanoseconds time) {
+        std::this_thread::sleep_for(time);
+        obeySignals();
+    });
+    running = &service;
+    cli::ProgressBar bar;
+    return service.exportProject(take.project, output, [&](double share) {
+        bar.update(share);
+        obeySignals();
+    });
+}
+
+int report(const ExportReport& result, const std::string& output) {
+    if (result.writerError) {
+        return cli::failed(result.writerError->description());
+    }
+    if (!result.hasFile()) {
+        return cli::failed("Nothing was exported, no kept part of the take holds a picture: " +
+                           output);
+    }
+    cli::printLine(output);
+    return 0;
+}
+
+int runExport(const ExportOptions& options) {
+    FfmpegMediaLibrary media;
+    const auto take = cli::openTakeWithOptions(options.take, options.assignments, media);
+    if (!take) {
+        cli::failed(take.error().message);
+        return take.error().exitCode;
+    }
+    if (const auto checked = cli::checkOutputOptions(*take); !checked) {
+        cli::failed(checked.error().message);
+        return checked.error().exitCode;
+    }
+    if (const auto checked = cli::checkOutputFile(options.output, take->folder); !checked) {
+        return cli::failed(checked.error());
+    }
+    const auto result = exportTake(*take, media, options.output);
+    if (!result) {
+        return cli::failed(description(result.error()));
+    }
+    return report(*result, options.output);
+}
+
+} // namespace
+
+void addExportCommand(CLI::App& app, int& exitCode) {
+    auto options = std::make_shared<ExportOptions>();
+    CLI::App* command = app.add_subcommand("export", "Make the finished film of a take");
+    command->add_option("TAKE", options->take, "Folder of the take, or its name in the library")
+        ->required();
+    command->add_option("-o,--output", options->output, "MP4 file to write")->required();
+    command->add_option("--set", options->assignments,
+                        "KEY=VALUE, for this run only: outputSettings.fps=30");
+    command->callback([options, &exitCode] { exitCode = runExport(*options); });
+}
+
+} // namespace tavi

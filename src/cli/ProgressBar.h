@@ -1,0 +1,34 @@
+#pragma once
+
+#include <chrono>
+#include <string>
+
+namespace tavi::cli {
+
+/// One line of progress on standard error, drawn over itself; nothing where
+/// standard error is no terminal. The destructor leaves the line.
+class ProgressBar {
+public:
+    ProgressBar();
+    ~ProgressBar();
+    ProgressBar(const ProgressBar&) = delete;
+    ProgressBar& operator=(const ProgressBar&) = delete;
+
+    /// One more frame is done; `share` of the whole, 0 to about 1.
+    void update(double share);
+
+private:
+    using Clock = std::chrono::steady_clock;
+
+    bool m_isShown;
+    bool m_isDrawn = false;
+    Clock::time_point m_start;
+    Clock::time_point m_lastDrawn;
+    long m_frames = 0;
+};
+
+/// The line for a share done after some seconds: percent, a bar, frames a second
+/// and the time left, which is told once the first two percent are done.
+std::string progressText(double share, long frames, double elapsedSeconds);
+
+} // namespace tavi::cli
