@@ -1,10 +1,11 @@
 #include "platform/ffmpeg/PixelConversion.h"
 
 extern "C" {
+#include <libavutil/opt.h>
 #include <libavutil/pixdesc.h>
 }
 
-#include <array>
+#include <utility>
 
 namespace tavi {
 
@@ -12,12 +13,69 @@ namespace {
 
 /// Exact rounding, and colour at full width: a screen's thin coloured lines
 /// must not lose to speed.
-constexpr int kQuality = SWS_BICUBIC | SWS_ACCURATE_RND | SWS_FULL_CHR_H_INT | SWS_FULL_CHR_H_INP;
+constexpr int kQuality = SWS_BILINEAR | SWS_ACCURATE_RND | SWS_FULL_CHR_H_INT;
 
 constexpr int kNoChange = 1 << 16; ///< Contrast and saturation of 1, in 16.16.
 
 /// From this many lines on an untagged picture counts as BT.709.
 constexpr int kHighDefinitionLines = 720;
+
+/// Where a colour sample lies between the brightness samples that share it, in
+/// 1/256 of a brightness sample's distance (the scaler's unit).
+struct ChromaPosition {
+    int x = 0;   ///< H.264 and HEVC, unless they say otherwise: on the left one,
+    int y = 128; ///< half way down.
+
+    bool operator==(const ChromaPosition&) const = default;
+};
+
+ChromaPosition chromaPosition(AVChromaLocation location) {
+    switch (location) {
+    case AVCHROMA_LOC_CENTER:
+        return {128, 128};
+    case AVCHROMA_LOC_TOPLEFT:
+        return {0, 0};
+    case AVCHROMA_LOC_TOP:
+        return {128, 0};
+    default:
+        return {};
+    }
+}
+
+struct Side {
+    int width = 0;
+    int height = 0;
+    AVPixelFormat format = AV_PIX_FMT_NONE;
+    int matrix = SWS_CS_ITU709;
+    bool isFullRange = true;
+};
+
+/// A scaler between BGRA and something else; `chroma` is that of the latter.
+/// Null where the library has no way.
+ScalerHandle makeScaler(const Side& from, const Side& to, ChromaPosition chroma) {
+    ScalerHandle scaler(sws_alloc_context());
+    av_opt_set_int(scaler.get(), "srcw", from.width, 0);
+    av_opt_set_int(scaler.get(), "srch", from.height, 0);
+    av_opt_set_int(scaler.get(), "src_format", from.format, 0);
+    av_opt_set_int(scaler.get(), "dstw", to.width, 0);
+    av_opt_set_int(scaler.get(), "dsth", to.height, 0);
+    av_opt_set_int(scaler.get(), "dst_format", to.format, 0);
+    av_opt_set_int(scaler.get(), "sws_flags", kQuality, 0);
+    const bool isDecoding = to.format == AV_PIX_FMT_BGRA;
+    int columns = 0;
+    int rows = 0; // Log2 of the brightness samples that share a colour sample.
+    av_pix_fmt_get_chroma_sub_sample(isDecoding ? from.format : to.format, &columns, &rows);
+    if (columns == 1) {
+        av_opt_set_int(scaler.get(), isDecoding ? "src_h_chr_pos" : "dst_h_chr_pos", chroma.x, 0);
+    }
+    if (rows == 1) {
+        av_opt_set_int(scaler.get(), isDecoding ? "src_v_chr_pos" : "dst_v_chr_pos", chroma.y, 0);
+    }
+    sws_setColorspaceDetails(scaler.get(), sws_getCoefficients(from.matrix), from.isFullRange,
+                             sws_getCoefficients(to.matrix), to.isFullRange, 0, kNoChange,
+                             kNoChange);
+    return sws_init_context(scaler.get(), nullptr, nullptr) < 0 ? nullptr : std::move(scaler);
+}
 
 int matrixOf(const AVFrame& frame) {
     switch (frame.colorspace) {
@@ -77,20 +135,16 @@ bool hasAlpha(int format) {
 
 PictureDecoding::Kind PictureDecoding::kindOf(const AVFrame& from, const PixelBuffer& to) {
     return {from.width,  from.height,    plainFormat(from.format), to.width(),
-            to.height(), matrixOf(from), tavi::isFullRange(from)};
+            to.height(), matrixOf(from), from.chroma_location,     tavi::isFullRange(from)};
 }
 
 bool PictureDecoding::prepare(const Kind& kind) {
-    if (m_kind == kind) {
-        return m_scaler != nullptr;
-    }
-    m_kind = kind;
-    m_scaler.reset(sws_getContext(kind.width, kind.height, static_cast<AVPixelFormat>(kind.format),
-                                  kind.toWidth, kind.toHeight, AV_PIX_FMT_BGRA, kQuality, nullptr,
-                                  nullptr, nullptr));
-    if (m_scaler) {
-        sws_setColorspaceDetails(m_scaler.get(), sws_getCoefficients(kind.matrix), kind.isFullRange,
-                                 sws_getCoefficients(SWS_CS_ITU709), 1, 0, kNoChange, kNoChange);
+    if (m_kind != kind) {
+        m_kind = kind;
+        const auto format = static_cast<AVPixelFormat>(kind.format);
+        m_scaler = makeScaler({kind.width, kind.height, format, kind.matrix, kind.isFullRange},
+                              {kind.toWidth, kind.toHeight, AV_PIX_FMT_BGRA},
+                              chromaPosition(static_cast<AVChromaLocation>(kind.chroma)));
     }
     return m_scaler != nullptr;
 }
@@ -117,14 +171,12 @@ bool PictureEncoding::convert(const PixelBuffer& from, AVFrame& to) {
         return false;
     }
     if (!m_scaler) {
-        m_scaler.reset(sws_getContext(to.width, to.height, AV_PIX_FMT_BGRA, to.width, to.height,
-                                      static_cast<AVPixelFormat>(to.format),
-                                      SWS_BILINEAR | SWS_ACCURATE_RND, nullptr, nullptr, nullptr));
-        if (!m_scaler) {
-            return false;
-        }
-        const int* matrix = sws_getCoefficients(SWS_CS_ITU709);
-        sws_setColorspaceDetails(m_scaler.get(), matrix, 1, matrix, 0, 0, kNoChange, kNoChange);
+        const auto format = static_cast<AVPixelFormat>(to.format);
+        m_scaler = makeScaler({from.width(), from.height(), AV_PIX_FMT_BGRA},
+                              {to.width, to.height, format, SWS_CS_ITU709, false}, {});
+    }
+    if (!m_scaler) {
+        return false;
     }
     const std::uint8_t* const planes[4] = {from.data(), nullptr, nullptr, nullptr};
     const int strides[4] = {static_cast<int>(from.stride()), 0, 0, 0};

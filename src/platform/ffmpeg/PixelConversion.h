@@ -15,14 +15,14 @@ namespace tavi {
 /// Thread: one at a time; keeps its tables while the kind of picture stays.
 class PictureDecoding {
 public:
-    /// Fills `to`, scaling (bicubic) where the sizes differ. False where the
-    /// library has no way from this kind of picture.
+    /// Fills `to`, scaling (bilinear, area-weighted when reducing) where the sizes differ. False
+    /// where the library has no way from this kind of picture.
     bool convert(const AVFrame& from, PixelBuffer& to);
 
 private:
     /// What the tables depend on.
     struct Kind {
-        int width, height, format, toWidth, toHeight, matrix;
+        int width, height, format, toWidth, toHeight, matrix, chroma;
         bool isFullRange;
         bool operator==(const Kind&) const = default;
     };
