@@ -141,11 +141,14 @@ TEST_F(X11ScreenStreamsTest, picturesInHandStayAsTheyWere) {
 
 TEST_F(X11ScreenStreamsTest, neverFasterThanSixtyASecond) {
     const Watched watched(server, display);
-    for (std::uint32_t i = 0; i < 3000 && watched.count() < 20; ++i) {
-        painter.fill(0, 0, 64, 64, i);
-    }
+    std::uint32_t colour = 0;
+    ASSERT_TRUE(test::waitFor([&] {
+        for (int i = 0; i < 10; ++i) {
+            painter.fill(0, 0, 64, 64, ++colour);
+        }
+        return watched.count() >= 20;
+    }));
     const auto samples = watched.samples();
-    ASSERT_GE(samples.size(), 5U);
     for (std::size_t i = 1; i < samples.size(); ++i) {
         const MediaTime gap = samples[i].presentationTime - samples[i - 1].presentationTime;
         EXPECT_GE(gap, (MediaTime{1, 60})) << i;
