@@ -29,6 +29,9 @@ constexpr std::chrono::milliseconds kFragmentLength{500};
 /// A picture whose successor is unknown when it is written.
 constexpr std::int64_t kOneTick = 1;
 
+/// A fragment is kept in memory until it is written.
+constexpr std::int64_t kFragmentBytes = 8 << 20;
+
 bool isDue(Clock::time_point since) {
     return Clock::now() - since >= kFragmentLength;
 }
@@ -43,6 +46,8 @@ MovieFile::MovieFile(fs::path path, FileType type)
     const char* format = type == FileType::mp4 ? "mp4" : "mov";
     avformat_alloc_output_context2(&output, nullptr, format, fileUrl(m_workingPath).c_str());
     m_output.reset(output);
+    // A first picture that comes late stays late: times are not moved to zero.
+    m_output->avoid_negative_ts = AVFMT_AVOID_NEG_TS_DISABLED;
 }
 
 MovieFile::~MovieFile() = default;
@@ -99,7 +104,8 @@ int MovieFile::write(int index, AVPacket& packet) {
     if (track.held->data) {
         code = writeHeld(track, std::max(packet.dts - track.held->dts, kOneTick));
     }
-    if (code >= 0 && m_fragmentSince && isDue(*m_fragmentSince)) {
+    if (code >= 0 && m_fragmentSince &&
+        (isDue(*m_fragmentSince) || m_fragmentBytes >= kFragmentBytes)) {
         code = flushFragment();
     }
     av_packet_move_ref(track.held.get(), &packet);
@@ -138,6 +144,7 @@ int MovieFile::writeHeld(Track& track, std::int64_t duration) {
         // it was known how long its last picture lasts.
         av_opt_set(m_output->priv_data, "movflags", "+frag_discont", 0);
     }
+    m_fragmentBytes += packet.size;
     const bool mustInterleave = !isFragmented() && m_tracks.size() > 1;
     const int code = mustInterleave ? av_interleaved_write_frame(m_output.get(), &packet)
                                     : av_write_frame(m_output.get(), &packet);
@@ -147,6 +154,7 @@ int MovieFile::writeHeld(Track& track, std::int64_t duration) {
 
 int MovieFile::flushFragment() {
     m_fragmentSince.reset();
+    m_fragmentBytes = 0;
     const int code = av_write_frame(m_output.get(), nullptr);
     avio_flush(m_output->pb);
     if (code < 0 || m_output->pb->error < 0) {

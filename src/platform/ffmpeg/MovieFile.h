@@ -91,7 +91,8 @@ private:
     bool m_isOpen = false;
     std::atomic<bool> m_hasPictures = false;
     std::optional<std::chrono::steady_clock::time_point>
-        m_fragmentSince;           ///< Set while one is open.
+        m_fragmentSince; ///< Set while one is open.
+    std::int64_t m_fragmentBytes = 0;
     std::int64_t m_wholeBytes = 0; ///< Up to the end of the last fragment.
 };
 

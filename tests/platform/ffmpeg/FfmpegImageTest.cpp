@@ -140,9 +140,9 @@ TEST_P(FfmpegImageGeneratorRotation, appliesTheTag) {
 
 INSTANTIATE_TEST_SUITE_P(Tags, FfmpegImageGeneratorRotation,
                          ::testing::Values(RotationCase{"0", "rgbb", 64, 32},
-                                           RotationCase{"90", "brbg", 32, 64},
+                                           RotationCase{"90", "gbrb", 32, 64},
                                            RotationCase{"180", "bbgr", 64, 32},
-                                           RotationCase{"270", "gbrb", 32, 64}));
+                                           RotationCase{"270", "brbg", 32, 64}));
 
 TEST(FfmpegImageGenerator, tellsWhatIsWrongWithAFile) {
     FfmpegImageGenerator generator;
