@@ -55,6 +55,10 @@ int report(const ExportReport& result, const std::string& output) {
         return cli::failed("Nothing was exported, no kept part of the take holds a picture: " +
                            output);
     }
+    if (result.isSourceDamaged) {
+        cli::failed(
+            "Warning: a part of the take's video is damaged; a picture stands still there.");
+    }
     cli::printLine(output);
     return 0;
 }

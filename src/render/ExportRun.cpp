@@ -114,6 +114,9 @@ Result<void, ExportFailure> ExportRun::writeRange(std::size_t index,
             return written;
         }
     }
+    if (state->source.reader().status() == AssetReaderStatus::failed) {
+        m_isSourceDamaged = true;
+    }
     m_ports.log.log(
         fmt::format("Range {} COMPLETE. globalFrameIndex={}", index, m_globalFrameIndex));
     return {};
@@ -125,6 +128,9 @@ Result<ExportRun::RangeState, ExportFailure> ExportRun::openRange(std::size_t in
         m_ports.media.makeVideoReader(m_asset, m_asset.videoTracks.front(), mediaRange(range));
     if (!reader) {
         return fail(ExportFailure(std::move(reader.error())));
+    }
+    if (range.start >= m_asset.duration.seconds()) {
+        (*reader)->cancelReading(); // a range beyond the video writes nothing
     }
     return RangeState{range.start, m_timeline.outputOffsets[index], framesOf(range),
                       SourceFrames(*std::move(reader))};
@@ -191,7 +197,8 @@ ExportReport ExportRun::finish() {
     m_ports.log.log("All ranges done, finishing writer...");
     auto finished = m_writer->finishWriting();
     m_ports.log.log(fmt::format("Export DONE. writerStatus={}", number(m_writer->status())));
-    ExportReport report{m_writer->status(), m_writer->error(), m_globalFrameIndex};
+    ExportReport report{m_writer->status(), m_writer->error(), m_globalFrameIndex,
+                        m_isSourceDamaged};
     if (!finished && !report.writerError) {
         report.writerError = std::move(finished.error());
     }

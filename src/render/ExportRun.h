@@ -69,6 +69,7 @@ private:
     std::int64_t m_totalFrames = 0;
     std::int64_t m_globalFrameIndex = 0;
     bool m_globalAudioExhausted = false;
+    bool m_isSourceDamaged = false;
 };
 
 } // namespace tavi

@@ -44,6 +44,7 @@ private:
 template<typename Item>
 std::vector<Item> moved(const std::vector<Item>& items, double Item::*time, OutputClock& clock) {
     std::vector<Item> out;
+    out.reserve(items.size());
     for (const Item& item : items) {
         if (const auto t = clock.at(item.*time)) {
             out.push_back(item);

@@ -10,9 +10,10 @@ namespace tavi {
 
 namespace {
 
-/// A moment of the source, and the end of the kept range that it lies in.
+/// A moment of the source, and the kept range that it lies in.
 struct SourceMoment {
     double time = 0;
+    double rangeStart = 0;
     double rangeEnd = 0;
 };
 
@@ -21,7 +22,7 @@ Result<SourceMoment, std::string> sourceMoment(const OutputTimeline& timeline, d
         const TimeRange& range = timeline.ranges[i];
         const double time = outputTime - timeline.outputOffsets[i];
         if (time >= 0 && time < range.end - range.start) {
-            return SourceMoment{range.start + time, range.end};
+            return SourceMoment{range.start + time, range.start, range.end};
         }
     }
     return fail(fmt::format("There is no frame at {} s: the output runs from 0 up to {} s",
@@ -45,6 +46,9 @@ Result<PixelBuffer, std::string> renderStillFrame(MediaLibrary& media, const Ass
     auto reader = media.makeVideoReader(asset, asset.videoTracks.front(), {start, end - start});
     if (!reader) {
         return fail(reader.error().description());
+    }
+    if (moment->rangeStart >= asset.duration.seconds()) {
+        (*reader)->cancelReading(); // a range beyond the video shows nothing
     }
     SourceFrames source(*std::move(reader));
     source.advance(moment->time);
