@@ -37,7 +37,10 @@ Neighbours findNeighbours(std::span<const Item> items, double time) {
     std::size_t high = last;
     while (high - low > 1) {
         const std::size_t middle = (low + high) / 2;
-        (items[middle].timestamp <= time ? low : high) = middle;
+        // Two selections instead of a branch that no processor can foresee.
+        const bool upperHalf = items[middle].timestamp <= time;
+        low = upperHalf ? middle : low;
+        high = upperHalf ? high : middle;
     }
     if (!(items[high].timestamp - items[low].timestamp > 0)) {
         return {low, low, 0};
