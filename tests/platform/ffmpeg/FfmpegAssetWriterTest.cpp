@@ -470,37 +470,44 @@ INSTANTIATE_TEST_SUITE_P(Types, FfmpegAssetWriterDeathTest,
 
 namespace {
 
-/// Writes to `file` in real time in a child process that is killed after
-/// `killAfter` from its first picture; pictures come until `stopAfter`.
-void recordAndKill(const fs::path& file, std::chrono::milliseconds stopAfter,
-                   std::chrono::milliseconds killAfter) {
+/// A child process writes `file` at 50 pictures a second; it is killed `wait`
+/// after it has appended as many as `pictures`, and appends no more if `isStanding`.
+void recordAndKill(const fs::path& file, int pictures, bool isStanding,
+                   std::chrono::milliseconds wait) {
+    std::array<int, 2> pipe{};
+    ASSERT_EQ(::pipe(pipe.data()), 0);
     const pid_t child = ::fork();
     ASSERT_GE(child, 0);
     if (child == 0) {
         const Writing writing(file, FileType::quickTimeMovie);
         const auto start = std::chrono::steady_clock::now();
-        for (int n = 0;; ++n) {
-            const auto due = start + std::chrono::milliseconds(20) * n;
-            if (due - start > stopAfter) {
-                std::this_thread::sleep_for(std::chrono::seconds(60));
-            }
-            std::this_thread::sleep_until(due);
+        for (int n = 0; !isStanding || n < pictures; ++n) {
+            std::this_thread::sleep_until(start + std::chrono::milliseconds(20) * n);
             writing.append(numbered(n), {n * 20, 1000});
+            (void)!::write(pipe[1], "+", 1);
         }
+        std::this_thread::sleep_for(std::chrono::seconds(60));
+        std::_Exit(1);
     }
-    std::this_thread::sleep_for(killAfter + std::chrono::milliseconds(200));
+    char byte = 0;
+    for (int n = 0; n < pictures; ++n) {
+        ASSERT_EQ(::read(pipe[0], &byte, 1), 1);
+    }
+    std::this_thread::sleep_for(wait);
     ::kill(child, SIGKILL);
     int status = 0;
     ::waitpid(child, &status, 0);
+    ::close(pipe[0]);
+    ::close(pipe[1]);
 }
 
 } // namespace
 
 TEST(FfmpegAssetWriterCrash, aKilledTakeHoldsAllButItsLastSecond) {
     const fs::path file = freshPath("killed.mov");
-    recordAndKill(file, std::chrono::seconds(60), std::chrono::milliseconds(2500));
+    recordAndKill(file, 125, false, std::chrono::milliseconds(0));
     const auto samples = readNumbers(file);
-    ASSERT_GE(samples.size(), 75U); // 1.5 s of 2.5 s at 50 pictures a second.
+    ASSERT_GE(samples.size(), 75U); // The first 1.5 s of 2.5 s.
     for (int n = 0; n < static_cast<int>(samples.size()); ++n) {
         EXPECT_EQ(samples[static_cast<std::size_t>(n)].number, n);
         EXPECT_NEAR(samples[static_cast<std::size_t>(n)].time, n / 50.0, 1e-4);
@@ -512,7 +519,7 @@ TEST(FfmpegAssetWriterCrash, aKilledTakeHoldsAllButItsLastSecond) {
 
 TEST(FfmpegAssetWriterCrash, aStandingScreenReachesTheDiskWithoutALaterPicture) {
     const fs::path file = freshPath("standing.mov");
-    recordAndKill(file, std::chrono::milliseconds(590), std::chrono::milliseconds(1800));
+    recordAndKill(file, 30, true, std::chrono::milliseconds(1200));
     EXPECT_EQ(readNumbers(file).size(), 30U);
 }
 
