@@ -1,6 +1,7 @@
 #include "platform/x11/X11Pointer.h"
 
 #include "capture/CursorImageBytes.h"
+#include "platform/x11/XcursorTheme.h"
 
 #include <xcb/xfixes.h>
 
@@ -47,7 +48,9 @@ Point X11Pointer::query() const {
 }
 
 std::optional<SystemCursor> X11Pointer::arrowCursor() {
-    return currentSystemCursor();
+    const auto arrow = themeArrow(xcursorChoice(m_x), xcursorFolders());
+    return arrow ? systemCursor(arrow->image, arrow->hotSpotX, arrow->hotSpotY)
+                 : currentSystemCursor();
 }
 
 std::optional<SystemCursor> X11Pointer::currentSystemCursor() {

@@ -6,6 +6,9 @@
 
 #include <gmock/gmock.h>
 
+#include <cstdlib>
+#include <filesystem>
+
 namespace tavi {
 namespace {
 
@@ -181,6 +184,20 @@ TEST_F(X11PointerTest, cursorImageFollowsThePointer) {
         }
     }
     EXPECT_GT(opaque, 10);
+}
+
+TEST_F(X11PointerTest, arrowIsThatOfTheChosenTheme) {
+    const std::filesystem::path file = "/usr/share/icons/Adwaita/cursors/left_ptr";
+    if (!std::filesystem::exists(file)) {
+        GTEST_SKIP() << "no cursor theme here";
+    }
+    setenv("XCURSOR_THEME", "Adwaita", 1);
+    setenv("XCURSOR_SIZE", "48", 1);
+    const auto arrow = pointer->arrowCursor();
+    unsetenv("XCURSOR_THEME");
+    unsetenv("XCURSOR_SIZE");
+    ASSERT_TRUE(arrow);
+    EXPECT_EQ(arrow->size, (Size{48, 48}));
 }
 
 TEST_F(X11PointerTest, goneServerLeavesTheLastPosition) {
