@@ -9,6 +9,8 @@ namespace {
 
 constexpr double kMergeDistance = 0.6; ///< Of the viewport's width.
 constexpr double kFarthest = 1e100;    ///< Video pixels; see Inputs::position.
+/// Beyond this in either direction the times it stands for may overflow.
+constexpr double kMostAggressive = 1e100;
 
 bool earlier(const CursorEvent& a, const CursorEvent& b) {
     return a.timestamp < b.timestamp;
@@ -41,6 +43,13 @@ bool canMerge(const ZoomRegion& region, const ActivitySegment& segment, double m
 
 bool isUsable(double length) {
     return std::isfinite(length) && length != 0;
+}
+
+bool canGenerate(const Inputs& inputs) {
+    const Size viewport = viewportSize(inputs);
+    return inputs.duration > 0 && std::abs(inputs.aggressiveness) < kMostAggressive &&
+           isUsable(viewport.width) && isUsable(viewport.height) &&
+           std::isfinite(inputs.video.width / viewport.width);
 }
 
 } // namespace
@@ -113,9 +122,7 @@ std::vector<ZoomRegion> simulateCamera(std::span<const ActivitySegment> segments
 }
 
 std::vector<ZoomKeyframe> generate(std::span<const CursorEvent> events, const Inputs& inputs) {
-    const Size viewport = viewportSize(inputs);
-    if (events.empty() || !(inputs.duration > 0) || !isUsable(viewport.width) ||
-        !isUsable(viewport.height) || !std::isfinite(inputs.video.width / viewport.width)) {
+    if (events.empty() || !canGenerate(inputs)) {
         return {};
     }
     std::vector<CursorEvent> sorted;

@@ -79,10 +79,12 @@ CameraPose poseAt(const ZoomKeyframe& keyframe, double time, Size video) {
 }
 
 Rect cropAround(const CameraPose& pose, Size video, double cropAspect) {
-    const double width = video.width / std::max(pose.zoom, 1.0);
+    // The bounds come first in min and max: a pose that overflowed into no
+    // number at all then ends at a bound.
+    const double width = video.width / std::max(1.0, pose.zoom);
     const double height = width / cropAspect;
-    const double x = std::max(std::min(pose.center.x - width * 0.5, video.width - width), 0.0);
-    const double y = std::max(std::min(pose.center.y - height * 0.5, video.height - height), 0.0);
+    const double x = std::max(0.0, std::min(video.width - width, pose.center.x - width * 0.5));
+    const double y = std::max(0.0, std::min(video.height - height, pose.center.y - height * 0.5));
     return {x, y, width, height};
 }
 

@@ -99,10 +99,13 @@ TEST(UnifiedAutoZoom, aVideoWithoutSizeMakesNoKeyframes) {
 }
 
 TEST(UnifiedAutoZoom, aggressivenessOutsideItsRangeGivesFiniteKeyframes) {
+    constexpr double kMost = std::numeric_limits<double>::max();
     const std::vector<CursorEvent> log{
-        eventAt(1, 20, 20, leftMouseDown), eventAt(1.5, 1900, 900, move),
-        eventAt(4, 1900, 1000, rightClick), eventAt(30, 7, 7, scroll)};
-    for (const double a : {-1e300, -1e6, -5.0, -1.3 / 1.7, -0.5, 1.5, 2.0, 7.0, 1e6, 1e300}) {
+        eventAt(1, 20, 20, leftMouseDown),  eventAt(1.5, 1900, 900, move),
+        eventAt(4, 1900, 1000, rightClick), eventAt(30, 7, 7, scroll),
+        eventAt(-kMost, 7, 7, scroll),      eventAt(kMost, 7, 7, scroll)};
+    for (const double a : {-kMost, kMost, -1e308, 1e308, -1e99, 1e99, -1e300, -1e6, -5.0,
+                           -1.3 / 1.7, -0.5, 1.5, 2.0, 7.0, 1e6, 1e300}) {
         for (const ZoomKeyframe& k : generated(log, fullHd(a))) {
             EXPECT_TRUE(std::isfinite(k.timestamp) && std::isfinite(k.endTime)) << a;
             EXPECT_TRUE(std::isfinite(k.rect.x) && std::isfinite(k.rect.width)) << a;

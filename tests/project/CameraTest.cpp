@@ -193,6 +193,16 @@ TEST(ZoomLevel, aRectWithoutWidthIsZoomOne) {
     EXPECT_EQ(zoomLevel(keyframe(0, 1, 0, {0, 0, 960, 0}), 0, 1920), 2);
 }
 
+TEST(EvaluateCamera, aPathBeyondTheRangeOfDoublesEndsAtTheVideosEdge) {
+    auto k = keyframe(0, 4, 1, {1e308, -1e308, 960, 540});
+    k.waypoints = {{0, -1e308, 1e308}, {2, 1e308, -1e308}, {4, -1e308, 1e308}};
+    for (const double t : {0.0, 0.5, 1.0, 2.0, 2.5, 3.0, 3.5, 4.0}) {
+        const Rect crop = camera({k}, t);
+        EXPECT_TRUE(crop.x >= 0 && crop.maxX() <= kVideo.width) << t;
+        EXPECT_TRUE(crop.y >= 0 && crop.maxY() <= kVideo.height) << t;
+    }
+}
+
 TEST(EvaluateCamera, cropsOfRandomKeyframesHaveTheAspectAndStayOnTheLowSide) {
     std::mt19937 random(5);
     std::uniform_real_distribution<double> unit(0, 1);
