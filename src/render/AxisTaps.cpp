@@ -68,9 +68,15 @@ private:
     }
 
     int takeNeighbours(double center) {
+        // Within half a pixel of the crop's edge the value stays as it is there, so
+        // that the pixel across the edge counts for no more than its part inside.
+        const double inset = std::min(0.5, m_mapping.sourceLength * 0.5);
+        const double nearest = m_mapping.sourceStart + inset;
+        const double last = m_mapping.sourceStart + m_mapping.sourceLength - inset;
+        const double inside = std::max(nearest, std::min(center, last));
         const double low = m_limits.low;
         const double high = m_limits.high;
-        const double position = std::clamp(center - 0.5, low, high);
+        const double position = std::clamp(inside - 0.5, low, high);
         const double pixel = std::floor(position);
         const int first = firstWithin(pixel);
         add(first, static_cast<int>(pixel), 1 - (position - pixel));

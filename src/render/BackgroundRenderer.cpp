@@ -27,7 +27,7 @@ constexpr double kLargestOverhang = 2048;
 
 /// From this deviation on, in pixels of the video, the blur background is made
 /// before the frame is enlarged, where it is cheaper.
-constexpr double kLeastSourceSigma = 6.0;
+constexpr double kLeastSourceSigma = 7.0;
 
 double limitedSide(double side) {
     return side >= 1 ? std::min(side, kLargestSide) : 1;

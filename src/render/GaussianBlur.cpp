@@ -7,7 +7,7 @@ namespace tavi {
 
 namespace {
 
-constexpr double kLeastDeviation = 3.0;     // below this interpolation would show
+constexpr double kLeastDeviation = 3.5;     // below this interpolation would show
 constexpr double kLargestSigma = 1e4;       // wider than any frame
 constexpr double kKernelReach = 4.0;        // deviations; leaves 6e-5 of the weight out
 constexpr double kBinomialVariance = 0.75;  // of 1 3 3 1, in pixels of the finer level

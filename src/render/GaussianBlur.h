@@ -27,11 +27,11 @@ struct SampleView {
 /// A gaussian blur of any radius whose cost does not grow with it.
 ///
 /// The picture is halved with the binomial filter 1 3 3 1 until the standard
-/// deviation left is 3 to 6 pixels, convolved there directly (4 deviations to
+/// deviation left is 3.5 to 7 pixels, convolved there directly (4 deviations to
 /// each side), and interpolated linearly on the way back. The variance that the
 /// halving and the interpolation bring with them is taken off the kernel's, so
 /// that the whole has the variance asked for. Within 1/255 of the direct
-/// convolution; below a deviation of 6 it is the direct convolution.
+/// convolution; below a deviation of 7 it is the direct convolution.
 ///
 /// Threads: one at a time. Memory is kept from picture to picture.
 class GaussianBlur {
