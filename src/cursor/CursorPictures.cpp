@@ -15,7 +15,7 @@ namespace tavi {
 
 namespace {
 
-constexpr double kLargestPicture = 8192; // pixels a side; larger ones can't be seen whole
+constexpr double kLargestPicture = 2048; // pixels a side; larger ones can't be seen whole
 
 // The built-in arrow, in units of which its size counts 22, y downwards.
 constexpr double kArrowUnits = 22;
