@@ -120,12 +120,12 @@ TEST(UnifiedAutoZoom, aggressivenessOutsideItsRangeGivesFiniteKeyframes) {
 
 TEST(UnifiedAutoZoom, positionsBeyondAllScreensStayFinite) {
     constexpr double kMost = std::numeric_limits<double>::max();
-    const auto keyframes = generated(
-        {eventAt(1, kMost, -kMost, leftMouseDown), eventAt(2, -kMost, kMost, leftMouseDown)},
-        fullHd(0.5));
+    const auto keyframes = generated({eventAt(1, kMost, -kMost, leftMouseDown),
+                                      eventAt(2, -kMost, kMost, leftMouseDown),
+                                      eventAt(3, kMost, -kMost, leftMouseDown)},
+                                     fullHd(1));
     ASSERT_EQ(keyframes.size(), 1u);
-    EXPECT_TRUE(std::isfinite(keyframes[0].rect.x));
-    EXPECT_TRUE(std::isfinite(keyframes[0].rect.y));
+    EXPECT_EQ(keyframes[0].rect, (Rect{1280, 720, 640, 360})); // two of three lie top right
 }
 
 } // namespace

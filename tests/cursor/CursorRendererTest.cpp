@@ -83,14 +83,18 @@ TEST(CursorRenderer, atTwoSamplesOfOneTimeTheSearchEndsOnTheLater) {
 }
 
 TEST(CursorRenderer, neighboursOfOneTimeGiveTheEarlierWithoutDividing) {
-    // Out of order: the search for 1.5 ends between the two samples at 1 and 0.9.
-    const auto r = onPath({{0, 1, 1}, {1, 10, 10}, {0.9, 20, 20}, {0.8, 25, 25}, {2, 30, 30}});
-    const auto p = r.position(1.5);
-    ASSERT_TRUE(p);
-    EXPECT_TRUE(std::isfinite(p->x));
-    const auto backward = onPath({{0, 1, 1}, {5, 10, 10}, {3, 20, 20}});
-    EXPECT_EQ(backward.position(3), (Point{20, 20})); // at or after the last
-    EXPECT_EQ(backward.position(2.5), (Point{1 + 9 * 0.5, 1 + 9 * 0.5}));
+    // No moment lies between them; only the search for no number ends there.
+    const auto r = onPath({{1, 10, 10}, {1, 20, 20}, {2, 30, 30}});
+    EXPECT_EQ(r.position(std::numeric_limits<double>::quiet_NaN()), (Point{10, 10}));
+}
+
+TEST(CursorRenderer, aPathOutOfOrderIsSearchedAsItStands) {
+    const auto r = onPath({{0, 1, 1}, {5, 10, 10}, {3, 20, 20}});
+    EXPECT_EQ(r.position(3), (Point{20, 20})); // at or after the last
+    EXPECT_EQ(r.position(2.5), (Point{1 + 9 * 0.5, 1 + 9 * 0.5}));
+    // The search for 1.5 goes by the middle, at 0.9, to the upper half.
+    const auto s = onPath({{0, 1, 1}, {1, 10, 10}, {0.9, 20, 20}, {0.8, 25, 25}, {2, 37, 37}});
+    EXPECT_DOUBLE_EQ(s.position(1.4)->x, 25 + 12 * 0.5);
 }
 
 TEST(CursorRenderer, theImageChangesAtTheEvent) {
