@@ -79,7 +79,11 @@ int runExport(const ExportOptions& options) {
     }
     const auto result = exportTake(*take, media, options.output);
     if (!result) {
-        return cli::failed(description(result.error()));
+        const auto* own = std::get_if<ExportError>(&result.error());
+        const bool isCutAway = own && *own == ExportError::noVideoTrack; // there is a track
+        return cli::failed(
+            description(result.error()) +
+            (isCutAway ? " Trim and cuts leave nothing of " + take->folder.string() : ""));
     }
     return report(*result, options.output);
 }

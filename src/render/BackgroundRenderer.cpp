@@ -38,6 +38,33 @@ int evenPixels(double side) {
     return whole + whole % 2;
 }
 
+/// A mask written out, a byte a pixel, over a frame and `overhang` pixels around it.
+class Coverage {
+public:
+    Coverage(const CoverageMask& mask, int width, int height, int overhang)
+        : m_width(width + 2 * overhang),
+          m_height(height + 2 * overhang),
+          m_bytes(static_cast<std::size_t>(m_width) * static_cast<std::size_t>(m_height)) {
+        for (int y = mask.bounds().top; y < mask.bounds().bottom; ++y) {
+            const CoverageMask::Row row = mask.row(y);
+            std::uint8_t* out =
+                m_bytes.data() + overhang + static_cast<std::ptrdiff_t>(y + overhang) * m_width;
+            std::copy(row.left.begin(), row.left.end(), out + row.begin);
+            std::fill(out + row.solidBegin, out + row.solidEnd, std::uint8_t{255});
+            std::copy(row.right.begin(), row.right.end(), out + row.solidEnd);
+        }
+    }
+
+    SampleView view() const {
+        return {m_bytes.data(), m_width, m_height, static_cast<std::size_t>(m_width), 1};
+    }
+
+private:
+    int m_width;
+    int m_height;
+    std::vector<std::uint8_t> m_bytes;
+};
+
 std::ptrdiff_t bytes(int pixels) {
     return static_cast<std::ptrdiff_t>(pixels) * kChannels;
 }
@@ -125,14 +152,20 @@ Rect BackgroundRenderer::placeContent(const Rect& sourceRect) {
     return contentRect;
 }
 
+Rect BackgroundRenderer::roundedShape(const Rect& contentRect) const {
+    if (!(m_settings.cornerRadius > 0)) {
+        return contentRect;
+    }
+    // A rounded shape has whole pixels, so its right and top sides may lie beyond
+    // the content's by part of one.
+    return {contentRect.x, contentRect.y, std::ceil(contentRect.width),
+            std::ceil(contentRect.height)};
+}
+
 void BackgroundRenderer::applyCornerMask(const Rect& contentRect, const Rect& visibleRect) {
     const bool isRounded = m_settings.cornerRadius > 0 && hasArea(contentRect);
     if (contentRect != m_maskContent || visibleRect != m_maskVisible) {
-        // The rounded shape has whole pixels, so its right and top sides may lie
-        // beyond the content's by part of one.
-        const Rect shape{contentRect.x, contentRect.y, std::ceil(contentRect.width),
-                         std::ceil(contentRect.height)};
-        m_mask.assign(flipped(isRounded ? shape : contentRect, m_height), m_settings.cornerRadius,
+        m_mask.assign(flipped(roundedShape(contentRect), m_height), m_settings.cornerRadius,
                       flipped(m_hasContent ? visibleRect : Rect{}, m_height),
                       {0, 0, m_width, m_height});
         m_maskContent = contentRect;
@@ -158,42 +191,30 @@ const BackgroundRenderer::Shadow& BackgroundRenderer::shadowImage(const Rect& co
 
 BackgroundRenderer::Shadow BackgroundRenderer::makeShadow(const Rect& contentRect) const {
     const double sigma = m_settings.shadowRadius > 0 ? m_settings.shadowRadius : 0;
-    const bool isRounded = m_settings.cornerRadius > 0;
     // Content that hangs over the output throws its shadow back into it.
     const bool hangsOver = contentRect.x < 0 || contentRect.y < 0 || contentRect.maxX() > m_width ||
                            contentRect.maxY() > m_height;
     const int overhang =
         hangsOver ? static_cast<int>(std::min(std::ceil(kBlurReach * sigma), kLargestOverhang)) : 0;
-    const PixelBounds domain{-overhang, -overhang, m_width + overhang, m_height + overhang};
-    const Rect shape{contentRect.x, contentRect.y,
-                     isRounded ? std::ceil(contentRect.width) : contentRect.width,
-                     isRounded ? std::ceil(contentRect.height) : contentRect.height};
     CoverageMask mask;
-    mask.assign(flipped(shape, m_height), m_settings.cornerRadius, flipped(contentRect, m_height),
-                domain);
-    const auto stride = static_cast<std::size_t>(domain.width());
-    std::vector<std::uint8_t> coverage(stride * static_cast<std::size_t>(domain.height()));
-    for (int y = mask.bounds().top; y < mask.bounds().bottom; ++y) {
-        const CoverageMask::Row row = mask.row(y);
-        std::uint8_t* out =
-            coverage.data() + stride * static_cast<std::size_t>(y + overhang) + overhang;
-        std::copy(row.left.begin(), row.left.end(), out + row.begin);
-        std::fill(out + row.solidBegin, out + row.solidEnd, std::uint8_t{255});
-        std::copy(row.right.begin(), row.right.end(), out + row.solidEnd);
-    }
-    GaussianBlur blur;
-    blur.blur({coverage.data(), domain.width(), domain.height(), stride, 1}, sigma,
-              BlurEdges::transparent);
-    blur.begin();
-
+    mask.assign(flipped(roundedShape(contentRect), m_height), m_settings.cornerRadius,
+                flipped(contentRect, m_height),
+                {-overhang, -overhang, m_width + overhang, m_height + overhang});
     const double reach = kShadowReach * sigma;
     const Rect extent{contentRect.x - reach, contentRect.y - reach, contentRect.width + 2 * reach,
                       contentRect.height + 2 * reach};
     Shadow shadow{
         touchedPixels(flipped(extent, m_height), {0, 0, m_width, m_height}), {}, contentRect};
-    const int width = std::max(0, shadow.bounds.width());
+    if (shadow.bounds.empty()) {
+        return shadow;
+    }
+    const Coverage coverage(mask, m_width, m_height, overhang);
+    GaussianBlur blur;
+    blur.blur(coverage.view(), sigma, BlurEdges::transparent);
+    blur.begin();
+    const int width = shadow.bounds.width();
     shadow.alpha.resize(static_cast<std::size_t>(width) *
-                        static_cast<std::size_t>(std::max(0, shadow.bounds.height())));
+                        static_cast<std::size_t>(shadow.bounds.height()));
     const double opacity =
         m_settings.shadowOpacity > 0 ? std::min(m_settings.shadowOpacity, 1.0) : 0;
     std::uint8_t* out = shadow.alpha.data();

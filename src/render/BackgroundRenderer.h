@@ -60,6 +60,7 @@ private:
     void blurredBackground(const PixelBufferPtr& frame);
     void blurEnlargedFrame(ConstImageView frame, double scale, double sigma);
     Rect placeContent(const Rect& sourceRect);
+    Rect roundedShape(const Rect& contentRect) const;
     void applyCornerMask(const Rect& contentRect, const Rect& visibleRect);
     const Shadow& shadowImage(const Rect& contentRect);
     Shadow makeShadow(const Rect& contentRect) const;

@@ -35,7 +35,8 @@ Result<PixelBuffer, std::string> renderStillFrame(MediaLibrary& media, const Ass
                                                   const EditProject& project, double outputTime) {
     OutputTimeline timeline = makeOutputTimeline(project, asset.duration.seconds());
     if (timeline.ranges.empty() || asset.videoTracks.empty()) {
-        return fail(description(ExportError::noVideoTrack));
+        return fail(description(ExportError::noVideoTrack) + " Trim and cuts leave nothing of " +
+                    asset.path.string());
     }
     const auto moment = sourceMoment(timeline, outputTime);
     if (!moment) {
