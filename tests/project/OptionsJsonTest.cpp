@@ -1,4 +1,5 @@
 #include "project/OptionsJson.h"
+
 #include "project/ZoomKeyframe.h"
 
 #include <gtest/gtest.h>

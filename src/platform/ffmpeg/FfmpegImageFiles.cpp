@@ -25,7 +25,7 @@ constexpr std::uint32_t kLargestSide = 16384;
 constexpr std::uint64_t kMostPixels = std::uint64_t{256} << 20;
 constexpr std::uintmax_t kLargestFile = std::uintmax_t{512} << 20; ///< Bytes.
 
-/// Signature, length and type of the first chunk (PNG specification, 5.2 and 11.2.2).
+/// Signature, length and type of the first chunk (ISO 15948, 5.2 and 11.2.2).
 constexpr std::array<std::uint8_t, 16> kOpening{0x89, 'P', 'N', 'G', '\r', '\n', 0x1a, '\n',
                                                 0,    0,   0,   13,  'I',  'H',  'D',  'R'};
 constexpr std::size_t kSizeEnd = kOpening.size() + 8; ///< After width and height.
