@@ -1,9 +1,8 @@
 #include "cli/ExportCommand.h"
 
 #include "cli/MainThread.h"
-#include "cli/OpenProject.h"
 #include "cli/Output.h"
-#include "cli/OutputFile.h"
+#include "cli/OutputRequest.h"
 #include "cli/ProgressBar.h"
 #include "platform/ffmpeg/FfmpegMediaLibrary.h"
 #include "project/RecordingFolder.h"
@@ -17,12 +16,6 @@
 namespace tavi {
 
 namespace {
-
-struct ExportOptions {
-    std::string take;
-    std::string output;
-    std::vector<std::string> assignments;
-};
 
 /// Runs the export of an open take with progress and cancellation by signal.
 Result<ExportReport, ExportFailure> exportTake(const cli::OpenTake& take, MediaLibrary& media,
@@ -63,21 +56,14 @@ int report(const ExportReport& result, const std::string& output) {
     return 0;
 }
 
-int runExport(const ExportOptions& options) {
+int runExport(const cli::OutputRequest& request) {
     FfmpegMediaLibrary media;
-    const auto take = cli::openTakeWithOptions(options.take, options.assignments, media);
+    const auto take = cli::openForOutput(request, media);
     if (!take) {
         cli::failed(take.error().message);
         return take.error().exitCode;
     }
-    if (const auto checked = cli::checkOutputOptions(*take); !checked) {
-        cli::failed(checked.error().message);
-        return checked.error().exitCode;
-    }
-    if (const auto checked = cli::checkOutputFile(options.output, take->folder); !checked) {
-        return cli::failed(checked.error());
-    }
-    const auto result = exportTake(*take, media, options.output);
+    const auto result = exportTake(*take, media, request.output);
     if (!result) {
         const auto* own = std::get_if<ExportError>(&result.error());
         const bool isCutAway = own && *own == ExportError::noVideoTrack; // there is a track
@@ -85,20 +71,16 @@ int runExport(const ExportOptions& options) {
             description(result.error()) +
             (isCutAway ? " Trim and cuts leave nothing of " + take->folder.string() : ""));
     }
-    return report(*result, options.output);
+    return report(*result, request.output);
 }
 
 } // namespace
 
 void addExportCommand(CLI::App& app, int& exitCode) {
-    auto options = std::make_shared<ExportOptions>();
+    auto request = std::make_shared<cli::OutputRequest>();
     CLI::App* command = app.add_subcommand("export", "Make the finished film of a take");
-    command->add_option("TAKE", options->take, "Folder of the take, or its name in the library")
-        ->required();
-    command->add_option("-o,--output", options->output, "MP4 file to write")->required();
-    command->add_option("--set", options->assignments,
-                        "KEY=VALUE, for this run only: outputSettings.fps=30");
-    command->callback([options, &exitCode] { exitCode = runExport(*options); });
+    cli::addOutputOptions(*command, *request, "MP4 file to write");
+    command->callback([request, &exitCode] { exitCode = runExport(*request); });
 }
 
 } // namespace tavi

@@ -36,7 +36,9 @@ void addInspectCommand(CLI::App& app, int& exitCode) {
         app.add_subcommand("inspect", "Print what the engine computes of a take, as JSON");
     command->add_option("TAKE", *argument, "Folder of the take, or its name in the library")
         ->required();
-    command->add_option("--at", request->times, "Times in seconds: T,T,...")->delimiter(',');
+    command->add_option("--at", request->times, "Times in seconds: T,T,...")
+        ->delimiter(',')
+        ->allow_extra_args(false);
     command->add_flag("--output-time", request->inOutputTime,
                       "Times are output times, and everything is moved to output time first");
     command->add_option("--aggressiveness", request->aggressiveness,

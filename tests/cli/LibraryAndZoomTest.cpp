@@ -76,5 +76,17 @@ TEST(ZoomCommand, findsATakeOfTheLibraryByItsName) {
     EXPECT_NE(outcome.out.find(R"("cursor":null)"), std::string::npos) << outcome.out;
 }
 
+TEST(CommandLine, anOptionTakesOneValueSoThatTheTakeMayFollow) {
+    const TemporaryFolder folder;
+    makeTake(folder / "take");
+    const Outcome still =
+        runTavi("render --at 0 --set outputSettings.resolution=64x36 --set outputSettings.fps=10 "
+                "-o '" +
+                (folder / "still.png").string() + "' '" + (folder / "take").string() + "'");
+    EXPECT_EQ(still.status, 0) << still.err;
+    const Outcome seen = runTavi("inspect --at 0,1 '" + (folder / "take").string() + "'");
+    EXPECT_EQ(seen.status, 0) << seen.err;
+}
+
 } // namespace
 } // namespace tavi::test
