@@ -10,3 +10,4 @@ pkg_check_modules(FFMPEG REQUIRED IMPORTED_TARGET libavformat>=59 libavcodec>=59
 pkg_check_modules(XCB REQUIRED IMPORTED_TARGET xcb xcb-shm xcb-randr xcb-xfixes xcb-composite xcb-damage xcb-xinput xcb-ewmh xcb-cursor)
 pkg_check_modules(XKB REQUIRED IMPORTED_TARGET xkbcommon xkbcommon-x11 xcb-xkb)
 pkg_check_modules(PANGO REQUIRED IMPORTED_TARGET pangocairo cairo)
+pkg_check_modules(HWY REQUIRED IMPORTED_TARGET libhwy>=1.0)

@@ -122,6 +122,7 @@ void BackgroundRenderer::compose(const PixelBufferPtr& frame, const Rect& source
     applyCornerMask(contentRect, visibleRect);
     const Shadow* shadow =
         m_settings.shadowEnabled && hasArea(contentRect) ? &shadowImage(contentRect) : nullptr;
+    prepareBackdrop(shadow);
     m_hasContent = m_hasContent && !m_mask.bounds().empty();
     if (m_hasContent) {
         m_content.begin(*frame, flipped(shown, frame->height()), flipped(visibleRect, m_height),
@@ -185,6 +186,7 @@ const BackgroundRenderer::Shadow& BackgroundRenderer::shadowImage(const Rect& co
     const bool isOfThisRect = m_cachedShadow && m_cachedShadow->contentRect == contentRect;
     if (!m_cachedShadow || !(isTakenAsValid || isOfThisRect)) {
         m_cachedShadow = makeShadow(contentRect);
+        m_isBackdropMade = false;
     }
     return *m_cachedShadow;
 }
@@ -231,6 +233,24 @@ BackgroundRenderer::Shadow BackgroundRenderer::makeShadow(const Rect& contentRec
 const std::uint8_t* BackgroundRenderer::Shadow::at(int x, int y) const {
     return alpha.data() + static_cast<std::ptrdiff_t>(y - bounds.top) * bounds.width() +
            (x - bounds.left);
+}
+
+bool BackgroundRenderer::isBackgroundStill() const {
+    return m_settings.backgroundStyle != BackgroundStyle::blur &&
+           !(m_settings.backgroundStyle == BackgroundStyle::wallpaper &&
+             m_settings.animateBackground);
+}
+
+void BackgroundRenderer::prepareBackdrop(const Shadow* shadow) {
+    if (!shadow || m_isBackdropMade || !isBackgroundStill()) {
+        return;
+    }
+    m_backdrop = PixelBuffer(m_width, m_height);
+    for (int y = 0; y < m_height; ++y) {
+        drawBackground(y, 0, m_width, m_backdrop);
+        drawShadow(*shadow, y, 0, m_width, m_backdrop);
+    }
+    m_isBackdropMade = true;
 }
 
 void BackgroundRenderer::chooseBackground(const PixelBufferPtr& frame, double time) {
@@ -305,10 +325,23 @@ void BackgroundRenderer::blurEnlargedFrame(ConstImageView frame, double scale, d
                  {0, 0, m_width, m_height});
 }
 
-void BackgroundRenderer::drawBackground(int y, int left, int right, ImageView out) {
+void BackgroundRenderer::drawBehind(const Shadow* shadow, int y, int left, int right,
+                                    ImageView out) {
     if (right <= left) {
         return;
     }
+    if (shadow && isBackgroundStill()) {
+        std::memcpy(out.row(y) + bytes(left), m_backdrop.row(y) + bytes(left),
+                    static_cast<std::size_t>(bytes(right - left)));
+        return;
+    }
+    drawBackground(y, left, right, out);
+    if (shadow) {
+        drawShadow(*shadow, y, left, right, out);
+    }
+}
+
+void BackgroundRenderer::drawBackground(int y, int left, int right, ImageView out) {
     std::uint8_t* row = out.row(y) + bytes(left);
     if (m_isBlurDrawn) {
         m_blur.writeRow(y, left, right, row);
@@ -332,35 +365,31 @@ void BackgroundRenderer::drawShadow(const Shadow& shadow, int y, int left, int r
 }
 
 void BackgroundRenderer::drawRow(int y, const Shadow* shadow, ImageView out) {
-    const auto drawBehind = [&](int left, int right) {
-        drawBackground(y, left, right, out);
-        if (shadow) {
-            drawShadow(*shadow, y, left, right, out);
-        }
-    };
     const PixelBounds& bounds = m_mask.bounds();
     if (!m_hasContent || y < bounds.top || y >= bounds.bottom) {
-        drawBehind(0, out.width);
+        drawBehind(shadow, y, 0, out.width, out);
         return;
     }
     const CoverageMask::Row mask = m_mask.row(y);
-    m_content.writeRow(y, mask.begin, mask.end, m_row.data());
-    const auto content = [&](int x) { return m_row.data() + bytes(x - mask.begin); };
-    const int solid = mask.solidEnd - mask.solidBegin;
-    std::uint8_t* row = out.row(y);
-    if (isRowOpaque(content(mask.solidBegin), solid)) {
-        drawBehind(0, mask.solidBegin);
-        drawBehind(mask.solidEnd, out.width);
-        std::memcpy(row + bytes(mask.solidBegin), content(mask.solidBegin),
-                    static_cast<std::size_t>(bytes(solid)));
-    } else {
-        drawBehind(0, out.width);
-        compositeRowOver(row + bytes(mask.solidBegin), content(mask.solidBegin), solid);
+    drawBehind(shadow, y, 0, mask.solidBegin, out);
+    drawBehind(shadow, y, mask.solidEnd, out.width, out);
+    drawContent(y, mask.begin, mask.left, out);
+    drawContent(y, mask.solidEnd, mask.right, out);
+    std::uint8_t* solid = out.row(y) + bytes(mask.solidBegin);
+    const int count = mask.solidEnd - mask.solidBegin;
+    m_content.writeRow(y, mask.solidBegin, mask.solidEnd, solid);
+    if (!isRowOpaque(solid, count)) {
+        std::memcpy(m_row.data(), solid, static_cast<std::size_t>(bytes(count)));
+        drawBehind(shadow, y, mask.solidBegin, mask.solidEnd, out);
+        compositeRowOver(solid, m_row.data(), count);
     }
-    compositeRowOver(row + bytes(mask.begin), content(mask.begin), mask.left.data(),
-                     mask.solidBegin - mask.begin);
-    compositeRowOver(row + bytes(mask.solidEnd), content(mask.solidEnd), mask.right.data(),
-                     mask.end - mask.solidEnd);
+}
+
+void BackgroundRenderer::drawContent(int y, int left, std::span<const std::uint8_t> coverage,
+                                     ImageView out) {
+    const int count = static_cast<int>(coverage.size());
+    m_content.writeRow(y, left, left + count, m_row.data());
+    compositeRowOver(out.row(y) + bytes(left), m_row.data(), coverage.data(), count);
 }
 
 } // namespace tavi

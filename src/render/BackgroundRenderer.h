@@ -8,7 +8,9 @@
 #include "render/ImageView.h"
 #include "render/Resampler.h"
 
+#include <cstdint>
 #include <optional>
+#include <span>
 #include <vector>
 
 namespace tavi {
@@ -64,9 +66,13 @@ private:
     void applyCornerMask(const Rect& contentRect, const Rect& visibleRect);
     const Shadow& shadowImage(const Rect& contentRect);
     Shadow makeShadow(const Rect& contentRect) const;
+    bool isBackgroundStill() const;
+    void prepareBackdrop(const Shadow* shadow);
 
+    void drawBehind(const Shadow* shadow, int y, int left, int right, ImageView out);
     void drawBackground(int y, int left, int right, ImageView out);
     void drawShadow(const Shadow& shadow, int y, int left, int right, ImageView out) const;
+    void drawContent(int y, int left, std::span<const std::uint8_t> coverage, ImageView out);
     void drawRow(int y, const Shadow* shadow, ImageView out);
 
     AppearanceSettings m_settings;
@@ -86,6 +92,9 @@ private:
     Rect m_maskVisible;
     Rect m_cachedContentRect; ///< The rect of the last rounded mask; zero without one.
     std::optional<Shadow> m_cachedShadow;
+
+    PixelBuffer m_backdrop; ///< A still background with m_cachedShadow on it.
+    bool m_isBackdropMade = false;
 
     Resampler m_content;
     bool m_hasContent = false;

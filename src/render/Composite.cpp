@@ -104,7 +104,7 @@ void compositeRowOver(std::uint8_t* dst, const std::uint8_t* src, const std::uin
     }
 }
 
-void darkenRow(std::uint8_t* dst, const std::uint8_t* alpha, int count) {
+void plainDarkenRow(std::uint8_t* dst, const std::uint8_t* alpha, int count) {
     for (int i = 0; i < count; ++i, dst += kChannels) {
         const std::uint32_t rest = 255U - alpha[i];
         for (int c = 0; c < kAlpha; ++c) {
@@ -114,7 +114,7 @@ void darkenRow(std::uint8_t* dst, const std::uint8_t* alpha, int count) {
     }
 }
 
-bool isRowOpaque(const std::uint8_t* row, int count) {
+bool plainIsRowOpaque(const std::uint8_t* row, int count) {
     std::uint8_t all = 255;
     for (int i = 0; i < count; ++i) {
         all &= row[i * kChannels + kAlpha];

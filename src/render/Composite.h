@@ -9,8 +9,8 @@ namespace tavi {
 
 /// The blending kernels: Porter-Duff "over" on premultiplied, sRGB-encoded
 /// 8-bit values. Every division by 255 rounds to nearest, so what is opaque is
-/// copied exactly and what is transparent changes nothing. These plain versions
-/// are the reference for faster ones.
+/// copied exactly and what is transparent changes nothing. What is called plain
+/// is the reference of the fast function of that name, which gives the same bytes.
 /// Errors: none. Thread: any; none allocates.
 
 /// v / 255 to nearest, for v in 0..65025.
@@ -28,9 +28,11 @@ void compositeRowOver(std::uint8_t* dst, const std::uint8_t* src, const std::uin
 
 /// Draws black of the given alphas, 0..255, over `count` pixels of `dst`.
 void darkenRow(std::uint8_t* dst, const std::uint8_t* alpha, int count);
+void plainDarkenRow(std::uint8_t* dst, const std::uint8_t* alpha, int count);
 
 /// True when each of `count` pixels is opaque.
 bool isRowOpaque(const std::uint8_t* row, int count);
+bool plainIsRowOpaque(const std::uint8_t* row, int count);
 
 /// Makes `count` pixels opaque, their colours unchanged: what a picture without
 /// alpha shows, which is the premultiplied colour over black.

@@ -3,6 +3,7 @@
 #include "render/RenderGeometry.h"
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <optional>
 
@@ -13,8 +14,6 @@ namespace {
 /// Lines per pixel row along which a curved edge is measured; along each line the
 /// covered length is exact.
 constexpr int kLines = 16;
-
-constexpr double kWhole = 255.0;
 
 struct Interval {
     double left = 0;
@@ -61,6 +60,9 @@ private:
 };
 
 /// One pixel row while it is measured.
+///
+/// Its core, the pixels that every line covers from side to side, is measured at
+/// once: drawing a mask costs what its edges cost.
 class RowMeasure {
 public:
     explicit RowMeasure(const PixelBounds& bounds)
@@ -68,48 +70,82 @@ public:
           m_covered(static_cast<std::size_t>(std::max(0, bounds.width()))) {}
 
     void measure(const RoundedShape& shape, int y) {
-        std::fill(m_covered.begin(), m_covered.end(), 0.0F);
-        const Interval lines = shape.linesOf(y);
-        const double height = std::max(0.0, lines.right - lines.left);
+        const Interval rows = shape.linesOf(y);
+        const double height = std::max(0.0, rows.right - rows.left);
         const int count = shape.isStraight(y) ? 1 : kLines;
+        std::array<Interval, kLines> lines;
+        Interval core{0, static_cast<double>(m_bounds.width())};
         for (int i = 0; i < count; ++i) {
-            const double line = lines.left + height * (i + 0.5) / count;
-            add(shape.at(line), height / count);
+            Interval& line = lines[static_cast<std::size_t>(i)];
+            line = shape.at(rows.left + height * (i + 0.5) / count);
+            line = {std::max<double>(line.left, m_bounds.left) - m_bounds.left,
+                    std::min<double>(line.right, m_bounds.right) - m_bounds.left};
+            core.left = std::max(core.left, std::ceil(line.left));
+            core.right = std::min(core.right, std::floor(line.right));
+        }
+        setCore(core, height);
+        for (int i = 0; i < count; ++i) {
+            const Interval& line = lines[static_cast<std::size_t>(i)];
+            add(line, 0, m_coreBegin, height / count);
+            add(line, m_coreEnd, m_bounds.width(), height / count);
         }
     }
 
     /// Appends the partly covered pixels to `coverage`; tells the whole ones.
     Interval store(std::vector<std::uint8_t>& coverage) const {
-        std::vector<std::uint8_t> row(m_covered.size());
-        std::transform(m_covered.begin(), m_covered.end(), row.begin(), [](float covered) {
-            return static_cast<std::uint8_t>(std::lround(std::min(1.0F, covered) * kWhole));
-        });
-        const auto isWhole = [](std::uint8_t c) { return c == 255; };
-        const auto begin = std::find_if(row.begin(), row.end(), isWhole);
-        const auto end = std::find_if_not(begin, row.end(), isWhole);
-        coverage.insert(coverage.end(), row.begin(), begin);
-        coverage.insert(coverage.end(), end, row.end());
-        return {static_cast<double>(begin - row.begin()), static_cast<double>(end - row.begin())};
+        int begin = 0;
+        while (begin < m_bounds.width() && at(begin) != kWhole) {
+            coverage.push_back(at(begin++));
+        }
+        int end = begin;
+        while (end < m_bounds.width() && at(end) == kWhole) {
+            end = end >= m_coreBegin && end < m_coreEnd ? m_coreEnd : end + 1;
+        }
+        for (int x = end; x < m_bounds.width(); ++x) {
+            coverage.push_back(at(x));
+        }
+        return {static_cast<double>(begin), static_cast<double>(end)};
     }
 
 private:
-    /// Adds a line's covered stretch, `weight` of a pixel high.
-    void add(const Interval& covered, double weight) {
-        const double left = std::max<double>(covered.left, m_bounds.left);
-        const double right = std::min<double>(covered.right, m_bounds.right);
+    static constexpr std::uint8_t kWhole = 255;
+
+    std::uint8_t at(int x) const {
+        const bool isCore = x >= m_coreBegin && x < m_coreEnd;
+        const double covered = isCore ? m_coreCovered : m_covered[static_cast<std::size_t>(x)];
+        return static_cast<std::uint8_t>(std::lround(std::min(1.0, covered) * kWhole));
+    }
+
+    /// Clears the row but for its core, `height` of whose pixels is covered.
+    void setCore(const Interval& core, double height) {
+        // Where a line covers nothing, its ends may lie anywhere.
+        const double width = m_bounds.width();
+        m_coreBegin = static_cast<int>(std::min(core.left, width));
+        m_coreEnd = static_cast<int>(std::clamp<double>(core.right, m_coreBegin, width));
+        m_coreCovered = height;
+        std::fill(m_covered.begin(), m_covered.begin() + m_coreBegin, 0.0F);
+        std::fill(m_covered.begin() + m_coreEnd, m_covered.end(), 0.0F);
+    }
+
+    /// Adds what a line covers of the pixels [begin, end), `weight` of a pixel high.
+    void add(const Interval& line, int begin, int end, double weight) {
+        const double left = std::max<double>(line.left, begin);
+        const double right = std::min<double>(line.right, end);
         if (!(right > left)) {
             return;
         }
-        const int last = std::min(m_bounds.right - 1, static_cast<int>(std::floor(right)));
-        for (int x = static_cast<int>(std::floor(left)); x <= last; ++x) {
+        const int last = std::min(end - 1, static_cast<int>(right));
+        for (int x = static_cast<int>(left); x <= last; ++x) {
             const double part = std::min<double>(right, x + 1.0) - std::max<double>(left, x);
-            m_covered[static_cast<std::size_t>(x - m_bounds.left)] +=
-                static_cast<float>(part * weight);
+            m_covered[static_cast<std::size_t>(x)] += static_cast<float>(part * weight);
         }
     }
 
     PixelBounds m_bounds;
-    std::vector<float> m_covered;
+    std::vector<float> m_covered; ///< Of the pixels outside the core.
+    int m_coreBegin = 0;          ///< Pixels from the left bound on.
+    int m_coreEnd = 0;
+    double m_coreCovered = 0;
 };
 
 } // namespace

@@ -1,5 +1,6 @@
 #include "render/Resampler.h"
 
+#include "render/MixRows.h"
 #include "render/RenderGeometry.h"
 
 #include <algorithm>
@@ -11,14 +12,6 @@ namespace tavi {
 namespace {
 
 constexpr int kChannels = PixelBuffer::kBytesPerPixel;
-
-/// Bits that values between the two passes have beyond 8: a whole pixel is
-/// 255 * 64, which leaves no visible rounding and fits 14 bits.
-constexpr int kExtraBits = 6;
-constexpr int kFirstShift = AxisTaps::kBits - kExtraBits;
-constexpr std::uint32_t kFirstHalf = 1U << (kFirstShift - 1);
-constexpr int kSecondShift = AxisTaps::kBits + kExtraBits;
-constexpr std::uint32_t kSecondHalf = 1U << (kSecondShift - 1);
 
 } // namespace
 
@@ -32,11 +25,13 @@ void Resampler::begin(ConstImageView source, const Rect& sourceRect, const Rect&
     m_rows.assign({sourceRect.y, sourceRect.height, targetRect.y, targetRect.height, source.height},
                   pixels.top, pixels.bottom);
     m_copyColumn = m_columns.copiedFrom();
+    m_columnPass.begin(m_columns, source.width);
     const auto width = static_cast<std::size_t>(std::max(0, pixels.width()));
     m_ringStride = width * kChannels;
     m_ring.resize(m_ringStride * static_cast<std::size_t>(m_rows.count));
     m_ringRow.assign(static_cast<std::size_t>(m_rows.count), -1);
-    m_sums.resize(m_ringStride);
+    m_mixedRows.reserve(static_cast<std::size_t>(m_rows.count));
+    m_mixedWeights.reserve(static_cast<std::size_t>(m_rows.count));
 }
 
 void Resampler::writeRow(int y, int left, int right, std::uint8_t* out) {
@@ -57,50 +52,25 @@ void Resampler::writeRow(int y, int left, int right, std::uint8_t* out) {
     }
     const auto begin = static_cast<std::size_t>(left - m_pixels.left) * kChannels;
     const auto count = static_cast<std::size_t>(right - left) * kChannels;
-    std::uint32_t* sums = m_sums.data();
-    std::fill_n(sums, count, kSecondHalf);
+    m_mixedRows.clear();
+    m_mixedWeights.clear();
     for (int tap = 0; tap < m_rows.count; ++tap) {
-        if (weights[tap] == 0) {
-            continue;
-        }
-        const auto weight = static_cast<std::uint32_t>(weights[tap]);
-        const std::uint16_t* row = horizontalRow(first + tap) + begin;
-        for (std::size_t i = 0; i < count; ++i) {
-            sums[i] += row[i] * weight;
+        if (weights[tap] != 0) {
+            m_mixedRows.push_back(horizontalRow(first + tap) + begin);
+            m_mixedWeights.push_back(weights[tap]);
         }
     }
-    for (std::size_t i = 0; i < count; ++i) {
-        out[i] = static_cast<std::uint8_t>(sums[i] >> kSecondShift);
-    }
+    mixRows(m_mixedRows, m_mixedWeights.data(), out, count);
 }
 
 const std::uint16_t* Resampler::horizontalRow(int sourceY) {
     const auto place = static_cast<std::size_t>(sourceY) % m_ringRow.size();
     std::uint16_t* row = m_ring.data() + place * m_ringStride;
     if (m_ringRow[place] != sourceY) {
-        resampleRow(m_source.row(sourceY), row);
+        m_columnPass.columns(m_source.row(sourceY), m_columns, row);
         m_ringRow[place] = sourceY;
     }
     return row;
-}
-
-void Resampler::resampleRow(const std::uint8_t* in, std::uint16_t* out) const {
-    const int taps = m_columns.count;
-    const std::int16_t* weights = m_columns.weights.data();
-    for (const int first : m_columns.first) {
-        const std::uint8_t* pixel = in + static_cast<std::ptrdiff_t>(first) * kChannels;
-        std::uint32_t sums[kChannels] = {kFirstHalf, kFirstHalf, kFirstHalf, kFirstHalf};
-        for (int tap = 0; tap < taps; ++tap, pixel += kChannels) {
-            const auto weight = static_cast<std::uint32_t>(weights[tap]);
-            for (int c = 0; c < kChannels; ++c) {
-                sums[c] += pixel[c] * weight;
-            }
-        }
-        weights += taps;
-        for (int c = 0; c < kChannels; ++c) {
-            *out++ = static_cast<std::uint16_t>(sums[c] >> kFirstShift);
-        }
-    }
 }
 
 } // namespace tavi

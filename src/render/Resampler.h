@@ -3,6 +3,7 @@
 #include "base/Geometry.h"
 #include "render/AxisTaps.h"
 #include "render/ImageView.h"
+#include "render/ResampleColumns.h"
 
 #include <cstdint>
 #include <optional>
@@ -35,7 +36,6 @@ public:
 private:
     /// A source row, resampled along x.
     const std::uint16_t* horizontalRow(int sourceY);
-    void resampleRow(const std::uint8_t* in, std::uint16_t* out) const;
 
     ConstImageView m_source;
     PixelBounds m_pixels;
@@ -45,7 +45,9 @@ private:
     std::vector<std::uint16_t> m_ring; ///< The last source rows; row y at y modulo their number.
     std::vector<int> m_ringRow;        ///< Which source row each place holds; -1 none.
     std::size_t m_ringStride = 0;      ///< Numbers from one place to the next.
-    std::vector<std::uint32_t> m_sums; ///< One target row while it is added up.
+    ResampleColumns m_columnPass;
+    std::vector<const std::uint16_t*> m_mixedRows; ///< What makes up one target row.
+    std::vector<std::int16_t> m_mixedWeights;
 };
 
 } // namespace tavi
