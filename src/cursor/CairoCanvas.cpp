@@ -1,5 +1,8 @@
 #include "cursor/CairoCanvas.h"
 
+#include <algorithm>
+#include <numbers>
+
 namespace tavi {
 
 namespace {
@@ -35,6 +38,24 @@ void CairoCanvas::drawScaled(const PixelBuffer& picture, double width, double he
     cairo_rectangle(context, 0, 0, picture.width(), picture.height());
     cairo_fill(context);
     cairo_restore(context);
+}
+
+void roundedRectanglePath(cairo_t* context, const Rect& rect, double radius) {
+    constexpr double kQuarter = std::numbers::pi / 2;
+    cairo_new_path(context);
+    if (!(rect.width > 0) || !(rect.height > 0)) {
+        return;
+    }
+    const double r = std::min(radius, std::min(rect.width, rect.height) / 2);
+    if (!(r > 0)) {
+        cairo_rectangle(context, rect.x, rect.y, rect.width, rect.height);
+        return;
+    }
+    cairo_arc(context, rect.maxX() - r, rect.y + r, r, -kQuarter, 0);
+    cairo_arc(context, rect.maxX() - r, rect.maxY() - r, r, 0, kQuarter);
+    cairo_arc(context, rect.x + r, rect.maxY() - r, r, kQuarter, 2 * kQuarter);
+    cairo_arc(context, rect.x + r, rect.y + r, r, 2 * kQuarter, 3 * kQuarter);
+    cairo_close_path(context);
 }
 
 } // namespace tavi

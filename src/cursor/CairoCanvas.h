@@ -1,5 +1,6 @@
 #pragma once
 
+#include "base/Geometry.h"
 #include "base/PixelBuffer.h"
 
 #include <cairo.h>
@@ -37,5 +38,9 @@ private:
     std::unique_ptr<cairo_surface_t, DestroySurface> m_surface;
     std::unique_ptr<cairo_t, DestroyContext> m_context;
 };
+
+/// Begins a path of a rectangle, in the canvas's space, with its corners rounded
+/// by `radius`, limited to half of its shorter side. No area, no path.
+void roundedRectanglePath(cairo_t* context, const Rect& rect, double radius);
 
 } // namespace tavi

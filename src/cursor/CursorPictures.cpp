@@ -1,5 +1,6 @@
 #include "cursor/CursorPictures.h"
 
+#include "cursor/AlphaBlur.h"
 #include "cursor/CairoCanvas.h"
 
 #include <algorithm>
@@ -9,7 +10,6 @@
 #include <mutex>
 #include <numbers>
 #include <optional>
-#include <vector>
 
 namespace tavi {
 
@@ -169,55 +169,21 @@ void ellipsePath(cairo_t* context, double inset, double size) {
     cairo_close_path(context);
 }
 
-std::vector<double> gaussian(double sigma) {
-    const int reach = static_cast<int>(std::ceil(4 * sigma));
-    std::vector<double> kernel(static_cast<std::size_t>(2 * reach) + 1);
-    double total = 0;
-    for (int i = -reach; i <= reach; ++i) {
-        const double weight = std::exp(-0.5 * i * i / (sigma * sigma));
-        kernel[static_cast<std::size_t>(i + reach)] = weight;
-        total += weight;
-    }
-    std::transform(kernel.begin(), kernel.end(), kernel.begin(),
-                   [&](double weight) { return weight / total; });
-    return kernel;
-}
-
-/// Convolves the rows of a square of numbers and turns the square on its side, so
-/// that two calls blur both ways. Nothing lies beyond the square.
-std::vector<double> blurRowsAndTranspose(const std::vector<double>& in, int size,
-                                         const std::vector<double>& kernel) {
-    const int reach = static_cast<int>(kernel.size() / 2);
-    std::vector<double> out(in.size());
-    for (int y = 0; y < size; ++y) {
-        for (int x = 0; x < size; ++x) {
-            double sum = 0;
-            for (int i = std::max(-reach, -x); i <= std::min(reach, size - 1 - x); ++i) {
-                sum += in[static_cast<std::size_t>(y * size + x + i)] *
-                       kernel[static_cast<std::size_t>(i + reach)];
-            }
-            out[static_cast<std::size_t>(x * size + y)] = sum;
-        }
-    }
-    return out;
-}
-
 /// Puts the blurred shadow of what was drawn under it, kDiscShadowDrop lower.
 void addShadow(PixelBuffer& image) {
     const int size = image.height();
-    std::vector<double> alpha(static_cast<std::size_t>(size) * static_cast<std::size_t>(size));
+    AlphaPicture alpha(size, size);
     const int drop = static_cast<int>(kDiscShadowDrop);
     for (int y = drop; y < size; ++y) {
         for (int x = 0; x < size; ++x) {
-            alpha[static_cast<std::size_t>(y * size + x)] = image.row(y - drop)[x * 4 + 3];
+            alpha.at(x, y) = image.row(y - drop)[x * 4 + 3];
         }
     }
-    const std::vector<double> kernel = gaussian(kDiscShadowSigma);
-    alpha = blurRowsAndTranspose(blurRowsAndTranspose(alpha, size, kernel), size, kernel);
+    alpha = gaussianBlurred(alpha, kDiscShadowSigma);
     for (int y = 0; y < size; ++y) {
         for (int x = 0; x < size; ++x) {
             std::uint8_t& a = image.row(y)[x * 4 + 3];
-            const double shadow = alpha[static_cast<std::size_t>(y * size + x)] * kDiscShadowAlpha;
+            const double shadow = alpha.at(x, y) * kDiscShadowAlpha;
             a = static_cast<std::uint8_t>(std::lround(a + shadow * (255 - a) / 255));
         }
     }
