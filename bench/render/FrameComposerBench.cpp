@@ -62,7 +62,7 @@ void composeFrame(benchmark::State& state) {
     PixelBuffer out(kWidth, kHeight);
     int n = 0;
     for (auto _ : state) {
-        composer.composeFrame(frames[n % 2], n / 60.0 + 5, out);
+        composer.composeFrame(frames[n % 2], nullptr, n / 60.0 + 5, out);
         ++n;
         benchmark::ClobberMemory();
     }

@@ -39,8 +39,8 @@ ExportRun::ExportRun(const EditProject& project, Ports ports)
       m_ports(ports) {}
 
 Result<void, ExportFailure> ExportRun::open() {
-    const auto video = pathOfFileUrl(m_project.recordingPath) / take::kVideo;
-    auto asset = m_ports.media.openAsset(video);
+    const auto folder = pathOfFileUrl(m_project.recordingPath);
+    auto asset = m_ports.media.openAsset(folder / take::kVideo);
     if (!asset) {
         return fail(ExportFailure(std::move(asset.error())));
     }
@@ -55,6 +55,7 @@ Result<void, ExportFailure> ExportRun::open() {
     }
     m_composer = std::make_unique<FrameComposer>(m_project, m_timeline,
                                                  m_asset.videoTracks.front().naturalSize);
+    m_camera = openCamera(m_ports.media, m_project, folder);
     m_totalFrames = framesFor(m_timeline.duration());
     return {};
 }
@@ -133,7 +134,13 @@ Result<ExportRun::RangeState, ExportFailure> ExportRun::openRange(std::size_t in
         (*reader)->cancelReading(); // a range beyond the video writes nothing
     }
     return RangeState{range.start, m_timeline.outputOffsets[index], framesOf(range),
-                      SourceFrames(*std::move(reader))};
+                      SourceFrames(*std::move(reader)), openCameraRange(range)};
+}
+
+CameraFrames ExportRun::openCameraRange(const TimeRange& range) const {
+    return m_camera ? CameraFrames(m_ports.media, *m_camera, m_project.cameraStartDelay, range,
+                                   range.start)
+                    : CameraFrames();
 }
 
 Result<void, ExportFailure> ExportRun::writeFrame(RangeState& range, std::int64_t n,
@@ -155,6 +162,7 @@ Result<void, ExportFailure> ExportRun::writeFrame(RangeState& range, std::int64_
     if (!range.source.current()) {
         return {};
     }
+    range.camera.advance(sourceTime);
     if (auto waited = waitForVideoInput(n); !waited) {
         return waited;
     }
@@ -162,7 +170,7 @@ Result<void, ExportFailure> ExportRun::writeFrame(RangeState& range, std::int64_
     if (!buffer) {
         return {};
     }
-    m_composer->composeFrame(range.source.current(), outputTime, *buffer);
+    m_composer->composeFrame(range.source.current(), range.camera.current(), outputTime, *buffer);
     // Kept on purpose: the result is not looked at; a grid point that the file
     // can't hold is left out.
     m_videoInput->append(buffer, MediaTime::fromSeconds(outputTime));

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "render/CameraFrames.h"
 #include "render/ExportLog.h"
 #include "render/FrameComposer.h"
 #include "render/OutputTimeline.h"
@@ -45,11 +46,13 @@ private:
         double outputOffset = 0; ///< Output seconds.
         std::int64_t frames = 0; ///< On the grid of this range.
         SourceFrames source;
+        CameraFrames camera;
     };
 
     Result<void, ExportFailure> writeRange(std::size_t index,
                                            const VideoExportService::Progress& progress);
     Result<RangeState, ExportFailure> openRange(std::size_t index);
+    CameraFrames openCameraRange(const TimeRange& range) const;
     Result<void, ExportFailure> writeFrame(RangeState& range, std::int64_t n,
                                            const VideoExportService::Progress& progress);
     Result<void, ExportFailure> waitForVideoInput(std::int64_t n);
@@ -62,6 +65,7 @@ private:
     const EditProject& m_project;
     Ports m_ports;
     Asset m_asset;
+    std::optional<Asset> m_camera;
     OutputTimeline m_timeline;
     std::unique_ptr<FrameComposer> m_composer;
     std::unique_ptr<AssetWriter> m_writer;

@@ -76,7 +76,8 @@ FrameComposer::FrameComposer(const EditProject& project, OutputTimeline timeline
       m_outputSize(outputSizeOf(project, sourceSize)),
       m_keyframes(std::move(timeline.keyframes)),
       m_cursor(makeCursorRenderer(project, std::move(timeline.cursorEvents), sourceSize)),
-      m_background(project.appearanceSettings, m_outputSize) {
+      m_background(project.appearanceSettings, m_outputSize),
+      m_cameraBubble(project.cameraSettings, m_background.outputSize()) {
     m_outputSize = m_background.outputSize();
 }
 
@@ -84,17 +85,26 @@ Point FrameComposer::Placement::place(Point source) const {
     return {offset.x + scale * (source.x - crop.x), offset.y + scale * (source.y - crop.y)};
 }
 
-void FrameComposer::composeFrame(const PixelBufferPtr& frame, double outputTime, ImageView out) {
+void FrameComposer::composeFrame(const PixelBufferPtr& frame, const PixelBufferPtr& cameraImage,
+                                 double outputTime, ImageView out) {
     const Rect crop = evaluateCamera(m_keyframes, outputTime, m_sourceSize,
                                      m_outputSize.width / m_outputSize.height);
     m_background.compose(frame, crop, outputTime, out);
+    drawContentOverlays(crop, outputTime, out);
+    if (const auto keys = m_keystrokes.keystrokeOverlayImage(m_cursor, outputTime, m_outputSize)) {
+        drawPicture(*keys, {0, 0}, out);
+    }
+    m_cameraBubble.draw(cameraImage, out);
+}
+
+void FrameComposer::drawContentOverlays(const Rect& crop, double time, ImageView out) const {
     if (!(m_background.contentScale() > 0)) {
         return; // no content, nothing to point at
     }
     const Placement placement{crop, m_background.contentScale(), m_background.contentOffset(),
                               m_sourceSize.width / crop.width};
-    drawCursor(placement, outputTime, out);
-    drawClickEffect(placement, outputTime, out);
+    drawCursor(placement, time, out);
+    drawClickEffect(placement, time, out);
 }
 
 void FrameComposer::drawCursor(const Placement& placement, double time, ImageView out) const {

@@ -3,8 +3,10 @@
 #include "base/Geometry.h"
 #include "base/PixelBuffer.h"
 #include "cursor/CursorRenderer.h"
+#include "cursor/KeystrokePictures.h"
 #include "project/EditProject.h"
 #include "render/BackgroundRenderer.h"
+#include "render/CameraBubble.h"
 #include "render/OutputTimeline.h"
 
 #include <vector>
@@ -12,7 +14,8 @@
 namespace tavi {
 
 /// Makes finished output frames out of source frames: crop, background, content,
-/// cursor and click ripple, each above the one before.
+/// cursor, click ripple, keys pressed and camera, each above the one before. Keys
+/// and camera stand still whatever the zoom does.
 ///
 /// Space: output pixels and source pixels, both with the origin at the bottom
 /// left; the cursor's log is used as it stands, a point being a source pixel.
@@ -31,9 +34,11 @@ public:
 
     /// Draws the frame of one moment over all of `out`, which has frameSize().
     ///
-    /// `frame` is the source image in force, not null. `outputTime` is in seconds
-    /// and decides on everything: camera, cursor, ripple and moving backgrounds.
-    void composeFrame(const PixelBufferPtr& frame, double outputTime, ImageView out);
+    /// `frame` is the source image in force, not null; `cameraImage` is that of
+    /// the camera, null for no bubble. `outputTime` is in seconds and decides on
+    /// everything: crop, cursor, ripple, keys and moving backgrounds.
+    void composeFrame(const PixelBufferPtr& frame, const PixelBufferPtr& cameraImage,
+                      double outputTime, ImageView out);
 
 private:
     /// Where source points land in the output for one frame.
@@ -46,6 +51,7 @@ private:
         Point place(Point source) const;
     };
 
+    void drawContentOverlays(const Rect& crop, double time, ImageView out) const;
     void drawCursor(const Placement& placement, double time, ImageView out) const;
     void drawClickEffect(const Placement& placement, double time, ImageView out) const;
 
@@ -54,6 +60,8 @@ private:
     std::vector<ZoomKeyframe> m_keyframes;
     CursorRenderer m_cursor;
     BackgroundRenderer m_background;
+    KeystrokePictures m_keystrokes;
+    CameraBubble m_cameraBubble;
 };
 
 } // namespace tavi

@@ -1,5 +1,6 @@
 #include "render/StillFrame.h"
 
+#include "render/CameraFrames.h"
 #include "render/ExportError.h"
 #include "render/FrameComposer.h"
 #include "render/SourceFrames.h"
@@ -27,6 +28,19 @@ Result<SourceMoment, std::string> sourceMoment(const OutputTimeline& timeline, d
     }
     return fail(fmt::format("There is no frame at {} s: the output runs from 0 up to {} s",
                             outputTime, timeline.duration()));
+}
+
+/// The camera's picture of one moment, as an export of the whole range shows it.
+PixelBufferPtr cameraPicture(MediaLibrary& media, const Asset& video, const EditProject& project,
+                             const SourceMoment& moment) {
+    const auto camera = openCamera(media, project, video.path.parent_path());
+    if (!camera) {
+        return nullptr;
+    }
+    CameraFrames frames(media, *camera, project.cameraStartDelay,
+                        {.start = moment.rangeStart, .end = moment.rangeEnd}, moment.time);
+    frames.advance(moment.time);
+    return frames.current();
 }
 
 } // namespace
@@ -60,7 +74,8 @@ Result<PixelBuffer, std::string> renderStillFrame(MediaLibrary& media, const Ass
     FrameComposer composer(project, std::move(timeline), asset.videoTracks.front().naturalSize);
     const FrameSize size = composer.frameSize();
     PixelBuffer image(size.width, size.height);
-    composer.composeFrame(source.current(), outputTime, image);
+    composer.composeFrame(source.current(), cameraPicture(media, asset, project, *moment),
+                          outputTime, image);
     return image;
 }
 

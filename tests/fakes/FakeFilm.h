@@ -36,6 +36,13 @@ public:
     std::optional<MediaError> readerError;
     bool readerFails = false; ///< Its status at the end.
 
+    // The camera's film, "camera.mov"; its pictures are `naturalSize` large, too.
+    bool hasCamera = false;
+    bool hasCameraTrack = true;
+    double cameraDuration = 1;
+    std::vector<ScriptedSample> cameraSamples;
+    std::optional<MediaError> cameraReaderError;
+
     // The writer.
     std::optional<MediaError> writerError;
     std::optional<MediaError> inputError;
@@ -48,12 +55,17 @@ public:
     std::vector<WrittenFrame> written;
     std::vector<std::string> calls;
     std::vector<MediaTimeRange> readRanges;
+    std::vector<MediaTimeRange> cameraReadRanges;
+    int cameraOpenings = 0;
     std::filesystem::path openedPath;
     std::filesystem::path writtenPath;
     VideoSettings settings;
     AssetWriterStatus writerStatus = AssetWriterStatus::unknown;
 
     Result<Asset, MediaError> openAsset(const std::filesystem::path& path) override {
+        if (path.filename() == "camera.mov") {
+            return openCamera(path);
+        }
         openedPath = path;
         if (openError) {
             return fail(*openError);
@@ -66,12 +78,19 @@ public:
     }
 
     Result<std::unique_ptr<VideoReader>, MediaError>
-    makeVideoReader(const Asset&, const VideoTrack&, MediaTimeRange range) override {
+    makeVideoReader(const Asset& asset, const VideoTrack&, MediaTimeRange range) override {
+        if (asset.path.filename() == "camera.mov") {
+            cameraReadRanges.push_back(range);
+            if (cameraReaderError) {
+                return fail(*cameraReaderError);
+            }
+            return std::make_unique<Reader>(*this, cameraSamples, range);
+        }
         readRanges.push_back(range);
         if (readerError) {
             return fail(*readerError);
         }
-        return std::make_unique<Reader>(*this, range);
+        return std::make_unique<Reader>(*this, samples, range);
     }
 
     Result<std::unique_ptr<AssetWriter>, MediaError> makeWriter(const std::filesystem::path& path,
@@ -85,12 +104,25 @@ public:
     }
 
 private:
+    Result<Asset, MediaError> openCamera(const std::filesystem::path& path) {
+        ++cameraOpenings;
+        if (!hasCamera) {
+            return fail(MediaError{MediaError::Kind::notFound, path.string(), "none"});
+        }
+        Asset asset{path, MediaTime::fromSeconds(cameraDuration, 90000), {}, {}};
+        if (hasCameraTrack) {
+            asset.videoTracks.push_back({0, naturalSize});
+        }
+        return asset;
+    }
+
     class Reader final : public VideoReader {
     public:
         /// Like a real one: begins with the picture in force at the start.
-        Reader(FakeFilm& film, MediaTimeRange range) : m_film(film) {
+        Reader(FakeFilm& film, const std::vector<ScriptedSample>& samples, MediaTimeRange range)
+            : m_film(film) {
             const double start = range.start.seconds();
-            for (const ScriptedSample& sample : film.samples) {
+            for (const ScriptedSample& sample : samples) {
                 if (sample.time <= start) {
                     m_samples.clear();
                 }

@@ -49,7 +49,7 @@ protected:
         FrameComposer composer(project, std::move(timeline), {400, 300});
         const FrameSize size = composer.frameSize();
         PixelBuffer out(size.width, size.height);
-        composer.composeFrame(video, time, out);
+        composer.composeFrame(video, camera, time, out);
         return out;
     }
 
@@ -72,6 +72,7 @@ protected:
     }
 
     EditProject project;
+    PixelBufferPtr camera; ///< Null: none.
     PixelBufferPtr video = shared(plainPicture(400, 300, kVideo));
 };
 
@@ -235,6 +236,94 @@ TEST_F(Ripple, liesAboveTheCursor) {
     project.cursorImages = {shared(plainPicture(20, 20, {0, 0, 0, 255}))};
     logEvent(1, 200, 150, CursorEventType::leftClick);
     EXPECT_NEAR(pixelAt(compose(1), 410, 310).blue, 255 * 0.4, 2);
+}
+
+// Keys pressed and camera.
+
+class Overlays : public Composition {
+protected:
+    Overlays() {
+        project.cursorSettings.showCursor = false;
+        project.cursorSettings.showKeystrokes = true;
+        project.cameraSettings.borderWidth = 0;
+        project.cameraSettings.shadowEnabled = false;
+        project.cameraSettings.cornerRadius = 0;
+    }
+
+    void press(double time) {
+        logEvent(time, -50, -50, CursorEventType::keyDown);
+        project.cursorEvents.back().keyCharacter = "a";
+    }
+
+    /// Red, filling the whole output.
+    void coverWithCamera() {
+        camera = shared(plainPicture(40, 30, {0, 0, 255, 255}));
+        project.cameraSettings.sizeFraction = 1;
+        project.cameraSettings.marginFraction = 0;
+    }
+};
+
+TEST_F(Overlays, chipsStandAtTheBottomWhateverTheZoomDoes) {
+    press(4);
+    const PixelBuffer still = compose(5);
+    const PixelBounds area = overlay(still);
+    EXPECT_NEAR(middle(area).x, 400, 1);
+    EXPECT_EQ(pixelAt(still, 400, 600 - 24 - 2).alpha, 255);
+    EXPECT_LT(pixelAt(still, 400, 600 - 24 - 2).red, 60); // the pill's lower edge
+    zoomTo({100, 75, 200, 150});
+    EXPECT_EQ(test::largestDifference(compose(5), still), 0);
+}
+
+TEST_F(Overlays, chipsAreSwitchedOnAndLiveInOutputTime) {
+    press(4);
+    EXPECT_TRUE(overlay(compose(3.9)).empty());
+    EXPECT_FALSE(overlay(compose(4)).empty());
+    project.trimState.inPoint = 3;
+    EXPECT_FALSE(overlay(compose(1)).empty());
+    EXPECT_TRUE(overlay(compose(4)).empty());
+    project.cursorSettings.showKeystrokes = false;
+    EXPECT_TRUE(overlay(compose(1)).empty());
+}
+
+TEST_F(Overlays, chipsLieAboveTheCursorAndTheRipple) {
+    project.cursorSettings.showCursor = true;
+    project.cursorSettings.cursorStyle = CursorStyle::system;
+    project.cursorImages = {shared(plainPicture(200, 200, {255, 255, 255, 255}))};
+    project.cursorSettings.cursorSize = 200;
+    project.cursorSettings.showClickEffect = true;
+    logEvent(0, 150, 250); // over the bottom middle
+    logEvent(4, 150, 250, CursorEventType::leftClick);
+    logEvent(4, 150, 250, CursorEventType::keyDown);
+    project.cursorEvents.back().keyCharacter = "a";
+    const PixelBuffer out = compose(4);
+    EXPECT_EQ(pixelAt(out, 320, 550).blue, 255);
+    EXPECT_NEAR(pixelAt(out, 400, 600 - 24 - 2).blue, 255 * 0.55, 30);
+}
+
+TEST_F(Overlays, theBubbleLiesAboveAllElse) {
+    press(0);
+    coverWithCamera();
+    const PixelBuffer out = compose(0);
+    for (const int y : {0, 300, 560, 572, 599}) {
+        EXPECT_EQ(pixelAt(out, 400, y), (Pixel{0, 0, 255, 255})) << y;
+    }
+}
+
+TEST_F(Overlays, theBubbleStandsStillWhateverTheZoomDoes) {
+    camera = shared(plainPicture(40, 30, {0, 0, 255, 255}));
+    const PixelBounds area = overlay(compose(5));
+    EXPECT_EQ(area, (PixelBounds{616, 416, 776, 576}));
+    zoomTo({100, 75, 200, 150});
+    EXPECT_EQ(overlay(compose(5)), area);
+}
+
+TEST_F(Overlays, areDrawnWithoutRoomForTheContent) {
+    project.appearanceSettings.padding = 0.5;
+    press(0);
+    camera = shared(plainPicture(40, 30, {0, 0, 255, 255}));
+    const PixelBuffer out = compose(0);
+    EXPECT_EQ(pixelAt(out, 700, 500), (Pixel{0, 0, 255, 255}));
+    EXPECT_GT(pixelAt(out, 400, 600 - 24 - 8).blue, 10); // a chip on black
 }
 
 // The output.
