@@ -1,5 +1,7 @@
 #include "render/GaussianBlur.h"
 
+#include "render/BlurKernels.h"
+
 #include <algorithm>
 #include <cmath>
 
@@ -13,11 +15,7 @@ constexpr double kKernelReach = 4.0;        // deviations; leaves 6e-5 of the we
 constexpr double kBinomialVariance = 0.75;  // of 1 3 3 1, in pixels of the finer level
 constexpr double kLinearVariance = 1.0 / 6; // of linear interpolation, mean over all phases
 
-constexpr int kScale = 64;        // a step of 8 bits in a level's samples
-constexpr int kScaleBits = 6;     // log2 of kScale
-constexpr int kFilterBits = 6;    // 1 3 3 1 along both axes sums up to 64
-constexpr int kFractionBits = 10; // positions between two samples
-constexpr std::uint32_t kFractionOne = 1U << kFractionBits;
+constexpr int kScale = 64; // a step of 8 bits in a level's samples
 constexpr int kMargin = 6; // pixels that 1 3 3 1 looks at beyond a level with its border, at most
 
 std::vector<float> gaussianKernel(double sigma) {
@@ -107,35 +105,12 @@ void GaussianBlur::load(const SampleView& source, Level& level) const {
 
 namespace {
 
-/// Adds four rows by 1 3 3 1. Shapes: `count` numbers each.
-template<typename Sample>
-void addRows(const Sample* a, const Sample* b, const Sample* c, const Sample* d,
-             std::uint32_t* sums, std::size_t count) {
-    for (std::size_t i = 0; i < count; ++i) {
-        sums[i] = static_cast<std::uint32_t>(a[i]) + 3U * b[i] + 3U * c[i] + d[i];
-    }
-}
-
 /// Repeats the first and the last pixel of a row `margin` times beyond it.
-void extendRow(std::uint32_t* row, std::size_t pixels, std::size_t channels, std::size_t margin) {
+void extendRow(std::uint16_t* row, std::size_t pixels, std::size_t channels, std::size_t margin) {
     for (std::size_t i = 0; i < margin * channels; ++i) {
         row[-static_cast<std::ptrdiff_t>(margin * channels) + static_cast<std::ptrdiff_t>(i)] =
             row[i % channels];
         row[pixels * channels + i] = row[(pixels - 1) * channels + i % channels];
-    }
-}
-
-/// Filters along x by 1 3 3 1 and keeps every second sample. `in` points at the
-/// first sample that the first output looks at.
-void halveRow(const std::uint32_t* in, std::uint16_t* out, std::size_t pixels, std::size_t channels,
-              int shift) {
-    const std::uint32_t half = (1U << shift) / 2;
-    for (std::size_t x = 0; x < pixels; ++x, in += 2 * channels) {
-        for (std::size_t c = 0; c < channels; ++c) {
-            const std::uint32_t sum =
-                in[c] + 3 * in[channels + c] + 3 * in[2 * channels + c] + in[3 * channels + c];
-            *out++ = static_cast<std::uint16_t>((sum + half) >> shift);
-        }
     }
 }
 
@@ -157,16 +132,16 @@ void GaussianBlur::halveSource(const SampleView& source, Level& to) {
                                                        std::clamp(y, 0, source.height - 1));
     };
     for (int y = -kBorder; y < to.height + kBorder; ++y) {
-        std::uint32_t* row = m_row.data() + margin * channels;
-        addRows(rowAt(2 * y - 1), rowAt(2 * y), rowAt(2 * y + 1), rowAt(2 * y + 2), row, count);
+        std::uint16_t* row = m_row.data() + margin * channels;
+        addBinomialRows({rowAt(2 * y - 1), rowAt(2 * y), rowAt(2 * y + 1), rowAt(2 * y + 2)}, row,
+                        count);
         if (m_edges == BlurEdges::extended) {
             extendRow(row, width, channels, margin);
         }
         const std::size_t start = margin - (2 * kBorder + 1);
         halveRow(m_row.data() + start * channels,
                  to.samples.data() + to.stride * static_cast<std::size_t>(y + kBorder),
-                 static_cast<std::size_t>(to.width + 2 * kBorder), channels,
-                 kFilterBits - kScaleBits);
+                 static_cast<std::size_t>(to.width + 2 * kBorder), channels, Halving::sum);
     }
 }
 
@@ -181,37 +156,17 @@ void GaussianBlur::halve(const Level& from, Level& to) {
         return from.samples.data() + from.stride * static_cast<std::size_t>(inside);
     };
     for (int y = -kBorder; y < to.height + kBorder; ++y) {
-        std::uint32_t* row = m_row.data() + margin * channels;
-        addRows(rowAt(2 * y - 1), rowAt(2 * y), rowAt(2 * y + 1), rowAt(2 * y + 2), row,
-                width * channels);
+        std::uint16_t* row = m_row.data() + margin * channels;
+        averageBinomialRows({rowAt(2 * y - 1), rowAt(2 * y), rowAt(2 * y + 1), rowAt(2 * y + 2)},
+                            row, width * channels);
         extendRow(row, width, channels, margin);
         // Sample -kBorder of the coarse level looks at -2 * kBorder - 1 of the fine one.
         const std::size_t start = margin + kBorder - (2 * kBorder + 1);
         halveRow(m_row.data() + start * channels,
                  to.samples.data() + to.stride * static_cast<std::size_t>(y + kBorder),
-                 static_cast<std::size_t>(to.width + 2 * kBorder), channels, kFilterBits);
+                 static_cast<std::size_t>(to.width + 2 * kBorder), channels, Halving::average);
     }
 }
-
-namespace {
-
-/// Convolves one row along x. `line` has `reach` pixels repeated at both ends.
-void convolveRow(const float* line, float* out, std::size_t count, std::size_t channels,
-                 const std::vector<float>& kernel) {
-    for (std::size_t i = 0; i < count; ++i) {
-        out[i] = line[i] * kernel[0];
-    }
-    for (std::size_t k = 1; k < kernel.size(); ++k) {
-        const float weight = kernel[k];
-        const float* before = line - k * channels;
-        const float* after = line + k * channels;
-        for (std::size_t i = 0; i < count; ++i) {
-            out[i] += (before[i] + after[i]) * weight;
-        }
-    }
-}
-
-} // namespace
 
 void GaussianBlur::convolve(Level& level, double sigma) {
     const std::vector<float> kernel = gaussianKernel(sigma);
@@ -220,6 +175,8 @@ void GaussianBlur::convolve(Level& level, double sigma) {
     const std::size_t count = level.stride;
     const std::size_t pixels = count / channels;
     const int height = level.height + 2 * kBorder;
+    std::vector<const float*> before(reach);
+    std::vector<const float*> after(reach);
     m_convolved.resize(count * static_cast<std::size_t>(height));
     m_line.resize(count + 2 * reach * channels);
     float* line = m_line.data() + reach * channels;
@@ -230,32 +187,32 @@ void GaussianBlur::convolve(Level& level, double sigma) {
             m_line[i] = line[i % channels];
             line[count + i] = line[(pixels - 1) * channels + i % channels];
         }
-        convolveRow(line, m_convolved.data() + count * static_cast<std::size_t>(y), count, channels,
-                    kernel);
+        for (std::size_t k = 0; k < reach; ++k) {
+            before[k] = line - (k + 1) * channels;
+            after[k] = line + (k + 1) * channels;
+        }
+        addSymmetricRows({line, before, after}, kernel.data(),
+                         m_convolved.data() + count * static_cast<std::size_t>(y), count);
     }
     const auto rowAt = [&](int y) {
         return m_convolved.data() + count * static_cast<std::size_t>(std::clamp(y, 0, height - 1));
     };
     for (int y = 0; y < height; ++y) {
-        const float* middle = rowAt(y);
-        std::transform(middle, middle + count, m_line.data(),
-                       [&](float v) { return v * kernel[0]; });
-        for (std::size_t k = 1; k <= reach; ++k) {
-            const float* above = rowAt(y - static_cast<int>(k));
-            const float* below = rowAt(y + static_cast<int>(k));
-            for (std::size_t i = 0; i < count; ++i) {
-                m_line[i] += (above[i] + below[i]) * kernel[k];
-            }
+        for (std::size_t k = 0; k < reach; ++k) {
+            before[k] = rowAt(y - static_cast<int>(k) - 1);
+            after[k] = rowAt(y + static_cast<int>(k) + 1);
         }
+        addSymmetricRows({rowAt(y), before, after}, kernel.data(), m_line.data(), count);
         std::uint16_t* out = level.samples.data() + count * static_cast<std::size_t>(y);
-        std::transform(m_line.data(), m_line.data() + count, out,
-                       [](float v) { return static_cast<std::uint16_t>(v + 0.5F); });
+        std::transform(m_line.data(), m_line.data() + count, out, [](float v) {
+            return static_cast<std::uint16_t>(static_cast<std::int32_t>(v + 0.5F));
+        });
     }
 }
 
-std::vector<GaussianBlur::Place> GaussianBlur::placesOn(const AxisMapping& mapping, int begin,
-                                                        int end, int size) const {
-    std::vector<Place> places;
+std::vector<PixelPlace> GaussianBlur::placesOn(const AxisMapping& mapping, int begin, int end,
+                                               int size) const {
+    std::vector<PixelPlace> places;
     places.reserve(static_cast<std::size_t>(std::max(0, end - begin)));
     const double step = mapping.sourceLength / mapping.targetLength;
     const double last = size + 2 * kBorder - 1;
@@ -264,8 +221,8 @@ std::vector<GaussianBlur::Place> GaussianBlur::placesOn(const AxisMapping& mappi
         const double position = source / (1 << m_halvings) - 0.5 + kBorder;
         const double limited = std::clamp(position, 0.0, last);
         const double pixel = std::min(std::floor(limited), last - 1);
-        places.push_back({static_cast<int>(pixel), static_cast<std::uint32_t>(std::lround(
-                                                       (limited - pixel) * kFractionOne))});
+        const auto fraction = static_cast<std::int32_t>(std::lround((limited - pixel) * kPlaceOne));
+        places.push_back({static_cast<std::int32_t>(pixel), std::min(fraction, kPlaceOne - 1)});
     }
     return places;
 }
@@ -288,29 +245,16 @@ void GaussianBlur::begin() {
 
 void GaussianBlur::writeRow(int y, int left, int right, std::uint8_t* out) {
     if (m_mixedRow != y) {
-        const Place& place = m_rows[static_cast<std::size_t>(y - m_pixels.top)];
-        const std::uint16_t* a =
+        const PixelPlace& place = m_rows[static_cast<std::size_t>(y - m_pixels.top)];
+        const std::uint16_t* row =
             m_level.samples.data() + m_level.stride * static_cast<std::size_t>(place.first);
-        const std::uint16_t* b = a + m_level.stride;
-        const std::uint32_t below = place.fraction;
-        const std::uint32_t above = kFractionOne - below;
-        for (std::size_t i = 0; i < m_level.stride; ++i) {
-            m_mixed[i] = (a[i] * above + b[i] * below + kFractionOne / 2) >> kFractionBits;
-        }
+        mixSamples(row, row + m_level.stride, place.fraction, m_mixed.data(), m_level.stride);
         m_mixedRow = y;
     }
-    constexpr int kShift = kFractionBits + kScaleBits;
-    const auto channels = static_cast<std::size_t>(m_channels);
-    for (int x = left; x < right; ++x) {
-        const Place& place = m_columns[static_cast<std::size_t>(x - m_pixels.left)];
-        const std::uint32_t* pixel =
-            m_mixed.data() + static_cast<std::size_t>(place.first) * channels;
-        const std::uint32_t after = place.fraction;
-        const std::uint32_t before = kFractionOne - after;
-        for (std::size_t c = 0; c < channels; ++c) {
-            const std::uint32_t sum = pixel[c] * before + pixel[channels + c] * after;
-            *out++ = static_cast<std::uint8_t>((sum + (1U << (kShift - 1))) >> kShift);
-        }
+    if (left < right) {
+        mixPixels(m_mixed.data(), m_columns.data() + (left - m_pixels.left),
+                  static_cast<std::size_t>(right - left), static_cast<std::size_t>(m_channels),
+                  out);
     }
 }
 

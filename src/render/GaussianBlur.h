@@ -1,6 +1,7 @@
 #pragma once
 
 #include "render/AxisTaps.h"
+#include "render/BlurKernels.h"
 #include "render/ImageView.h"
 
 #include <cstdint>
@@ -62,12 +63,6 @@ private:
         std::vector<std::uint16_t> samples;
     };
 
-    /// A target pixel between two pixels of the last level.
-    struct Place {
-        int first = 0; ///< Counted with the border.
-        std::uint32_t fraction = 0;
-    };
-
     static constexpr int kBorder = 2;
     static constexpr int kNoRow = std::numeric_limits<int>::min();
 
@@ -76,7 +71,8 @@ private:
     void halveSource(const SampleView& source, Level& to);
     void convolve(Level& level, double sigma);
     void resize(Level& level, int width, int height) const;
-    std::vector<Place> placesOn(const AxisMapping& mapping, int begin, int end, int size) const;
+    std::vector<PixelPlace> placesOn(const AxisMapping& mapping, int begin, int end,
+                                     int size) const;
 
     int m_channels = 1;
     int m_halvings = 0;
@@ -85,13 +81,13 @@ private:
     BlurEdges m_edges = BlurEdges::extended;
     Level m_level;
     Level m_spare;
-    std::vector<std::uint32_t> m_row; ///< One row with room for the filter at both ends.
+    std::vector<std::uint16_t> m_row; ///< One row with room for the filter at both ends.
     std::vector<float> m_convolved;
     std::vector<float> m_line;
     PixelBounds m_pixels;
-    std::vector<Place> m_columns;
-    std::vector<Place> m_rows;
-    std::vector<std::uint32_t> m_mixed; ///< Two rows of the last level, interpolated.
+    std::vector<PixelPlace> m_columns; ///< Target pixels on the last level with its border.
+    std::vector<PixelPlace> m_rows;
+    std::vector<std::uint16_t> m_mixed; ///< Two rows of the last level, interpolated.
     int m_mixedRow = kNoRow;            ///< The target row that m_mixed is for.
 };
 

@@ -1,0 +1,96 @@
+#undef HWY_TARGET_INCLUDE
+#define HWY_TARGET_INCLUDE "render/BinomialRows.cpp" // compiled once for each target
+#include "render/BlurKernels.h"
+
+#include <algorithm>
+#include <hwy/foreach_target.h> // before highway.h
+#include <hwy/highway.h>
+
+HWY_BEFORE_NAMESPACE();
+namespace tavi {
+namespace HWY_NAMESPACE {
+
+#if HWY_TARGET == HWY_SCALAR
+
+/// Without vectors the plain version serves.
+bool addRows(const FourRows<std::uint8_t>&, std::uint16_t*, std::size_t) {
+    return false;
+}
+
+bool averageRows(const FourRows<std::uint16_t>&, std::uint16_t*, std::size_t) {
+    return false;
+}
+
+#else
+
+namespace hn = hwy::HWY_NAMESPACE;
+
+/// Returns false, having done nothing, where there is less than a vector.
+bool addRows(const FourRows<std::uint8_t>& rows, std::uint16_t* sums, std::size_t count) {
+    const hn::ScalableTag<std::uint16_t> words;
+    const hn::Rebind<std::uint8_t, decltype(words)> bytes;
+    const std::size_t step = hn::Lanes(words);
+    if (count < step) {
+        return false;
+    }
+    const auto load = [&](const std::uint8_t* row)
+                          HWY_ATTR { return hn::PromoteTo(words, hn::LoadU(bytes, row)); };
+    for (std::size_t i = 0; i < count; i += step) {
+        i = std::min(i, count - step); // the last vector overlaps the one before
+        const auto inner = hn::Add(load(rows.b + i), load(rows.c + i));
+        const auto outer = hn::Add(load(rows.a + i), load(rows.d + i));
+        const auto sum = hn::Add(outer, hn::Add(inner, hn::Add(inner, inner)));
+        hn::StoreU(sum, words, sums + i);
+    }
+    return true;
+}
+
+/// The same for averages.
+bool averageRows(const FourRows<std::uint16_t>& rows, std::uint16_t* out, std::size_t count) {
+    const hn::ScalableTag<std::uint16_t> words;
+    const std::size_t step = hn::Lanes(words);
+    if (count < step) {
+        return false;
+    }
+    const auto one = hn::Set(words, 1);
+    for (std::size_t i = 0; i < count; i += step) {
+        i = std::min(i, count - step);
+        const auto inner =
+            hn::AverageRound(hn::LoadU(words, rows.b + i), hn::LoadU(words, rows.c + i));
+        const auto outer =
+            hn::AverageRound(hn::LoadU(words, rows.a + i), hn::LoadU(words, rows.d + i));
+        const auto sum = hn::Add(hn::Add(outer, one), hn::Add(inner, hn::Add(inner, inner)));
+        hn::StoreU(hn::ShiftRight<2>(sum), words, out + i);
+    }
+    return true;
+}
+
+#endif
+
+} // namespace HWY_NAMESPACE
+} // namespace tavi
+HWY_AFTER_NAMESPACE();
+
+#if HWY_ONCE
+
+namespace tavi {
+
+HWY_EXPORT(addRows);
+HWY_EXPORT(averageRows);
+
+void addBinomialRows(const FourRows<std::uint8_t>& rows, std::uint16_t* sums, std::size_t count) {
+    if (!HWY_DYNAMIC_DISPATCH(addRows)(rows, sums, count)) {
+        plainAddBinomialRows(rows, sums, count);
+    }
+}
+
+void averageBinomialRows(const FourRows<std::uint16_t>& rows, std::uint16_t* out,
+                         std::size_t count) {
+    if (!HWY_DYNAMIC_DISPATCH(averageRows)(rows, out, count)) {
+        plainAverageBinomialRows(rows, out, count);
+    }
+}
+
+} // namespace tavi
+
+#endif
