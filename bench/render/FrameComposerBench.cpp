@@ -74,6 +74,30 @@ BENCHMARK(composeFrame)
                    {100, 200}})
     ->Unit(benchmark::kMillisecond);
 
+/// The same over black with 20 chips and the camera at half the frame rate. The
+/// argument tells whether the chips are fading, which draws them anew each frame.
+void composeOverlays(benchmark::State& state) {
+    EditProject project = fullProject(BackgroundStyle::solidBlack, 1);
+    project.appearanceSettings.shadowEnabled = false;
+    project.cursorSettings.showKeystrokes = true;
+    project.cursorSettings.keystrokeDisplayDuration = 1000;
+    for (int i = 0; i < 20; ++i) {
+        project.cursorEvents.push_back(
+            {0.5, 0, 0, CursorEventType::keyDown, 0, std::string(1, 'a'), 0x100000});
+    }
+    FrameComposer composer(project, makeOutputTimeline(project, 2000), {kWidth, kHeight});
+    const PixelBufferPtr frames[] = {busyFrame(1), busyFrame(2)};
+    PixelBuffer out(kWidth, kHeight);
+    const double start = state.range(0) != 0 ? 760 : 5;
+    int n = 0;
+    for (auto _ : state) {
+        composer.composeFrame(frames[n % 2], frames[n / 2 % 2], n / 60.0 + start, out);
+        ++n;
+        benchmark::ClobberMemory();
+    }
+}
+BENCHMARK(composeOverlays)->ArgName("fading")->Arg(0)->Arg(1)->Unit(benchmark::kMillisecond);
+
 /// A blur of radius 40 over a whole 1080p frame, way back included.
 void blurFrame(benchmark::State& state) {
     const PixelBufferPtr frame = busyFrame(1);
