@@ -3,6 +3,7 @@
 #include <pango/pangocairo.h>
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 
 namespace tavi {
@@ -41,6 +42,17 @@ DescriptionPtr describe(KeystrokeFont font, double fontSize) {
     return description;
 }
 
+double pixels(int pangoUnits) {
+    return static_cast<double>(pangoUnits) / PANGO_SCALE;
+}
+
+/// How far a font's lines reach, in pixels.
+struct LineHeight {
+    double fontSize = 0;
+    double ascent = 0;
+    double descent = 0;
+};
+
 /// Where the next character of UTF-8 text begins.
 std::size_t afterCharacter(std::string_view text, std::size_t at) {
     do {
@@ -73,14 +85,43 @@ struct KeystrokeText::Fonts {
         return layout;
     }
 
-    std::unique_ptr<PangoFontMetrics, FreeMetrics> metrics(KeystrokeFont font,
-                                                           double fontSize) const {
-        return std::unique_ptr<PangoFontMetrics, FreeMetrics>(
-            pango_context_get_metrics(context.get(), describe(font, fontSize).get(), nullptr));
+    /// The same of what can be shown of the text.
+    LayoutPtr showableLayout(std::string_view text, KeystrokeFont font, double fontSize) const {
+        LayoutPtr whole = layout(text, font, fontSize);
+        return pango_layout_get_unknown_glyphs_count(whole.get()) == 0
+                   ? std::move(whole)
+                   : layout(showable(text, font, fontSize), font, fontSize);
+    }
+
+    std::string showable(std::string_view text, KeystrokeFont font, double fontSize) const {
+        std::string kept;
+        for (std::size_t at = 0; at < text.size();) {
+            const std::size_t next = afterCharacter(text, at);
+            const std::string_view character = text.substr(at, next - at);
+            if (pango_layout_get_unknown_glyphs_count(layout(character, font, fontSize).get()) ==
+                0) {
+                kept += character;
+            }
+            at = next;
+        }
+        return kept.empty() ? kNothingShowable : kept;
+    }
+
+    /// Asking Pango costs more than laying a chip's text out; it is asked once a size.
+    const LineHeight& lineHeight(KeystrokeFont font, double fontSize) {
+        LineHeight& kept = lineHeights[static_cast<std::size_t>(font)];
+        if (kept.fontSize != fontSize) {
+            const std::unique_ptr<PangoFontMetrics, FreeMetrics> metrics(
+                pango_context_get_metrics(context.get(), describe(font, fontSize).get(), nullptr));
+            kept = {fontSize, pixels(pango_font_metrics_get_ascent(metrics.get())),
+                    pixels(pango_font_metrics_get_descent(metrics.get()))};
+        }
+        return kept;
     }
 
     std::unique_ptr<PangoFontMap, Unreference> map;
     std::unique_ptr<PangoContext, Unreference> context;
+    std::array<LineHeight, 2> lineHeights; ///< Of each font's last size.
 };
 
 KeystrokeText::KeystrokeText() : m_fonts(std::make_unique<Fonts>()) {}
@@ -92,39 +133,25 @@ int KeystrokeText::missingGlyphs(std::string_view text, KeystrokeFont font, doub
 }
 
 std::string KeystrokeText::showable(std::string_view text, KeystrokeFont font, double fontSize) {
-    if (text.empty() || missingGlyphs(text, font, fontSize) == 0) {
-        return std::string(text);
-    }
-    std::string kept;
-    for (std::size_t at = 0; at < text.size();) {
-        const std::size_t next = afterCharacter(text, at);
-        const std::string_view character = text.substr(at, next - at);
-        if (missingGlyphs(character, font, fontSize) == 0) {
-            kept += character;
-        }
-        at = next;
-    }
-    return kept.empty() ? kNothingShowable : kept;
+    return text.empty() || missingGlyphs(text, font, fontSize) == 0
+               ? std::string(text)
+               : m_fonts->showable(text, font, fontSize);
 }
 
 Size KeystrokeText::size(std::string_view text, KeystrokeFont font, double fontSize) {
-    const LayoutPtr layout = m_fonts->layout(showable(text, font, fontSize), font, fontSize);
+    const LayoutPtr layout = m_fonts->showableLayout(text, font, fontSize);
     int width = 0;
     pango_layout_get_size(layout.get(), &width, nullptr);
-    const auto metrics = m_fonts->metrics(font, fontSize);
-    const int height = pango_font_metrics_get_ascent(metrics.get()) +
-                       pango_font_metrics_get_descent(metrics.get());
-    return {static_cast<double>(width) / PANGO_SCALE, static_cast<double>(height) / PANGO_SCALE};
+    const LineHeight& line = m_fonts->lineHeight(font, fontSize);
+    return {pixels(width), line.ascent + line.descent};
 }
 
 void KeystrokeText::draw(cairo_t* context, std::string_view text, KeystrokeFont font,
                          double fontSize, Point corner, double opacity) {
-    const LayoutPtr layout = m_fonts->layout(showable(text, font, fontSize), font, fontSize);
-    const auto metrics = m_fonts->metrics(font, fontSize);
+    const LayoutPtr layout = m_fonts->showableLayout(text, font, fontSize);
     // The font's own descent, not that of the line: a symbol that comes from
     // another font must not lift its chip's text above the others.
-    const double descent =
-        static_cast<double>(pango_font_metrics_get_descent(metrics.get())) / PANGO_SCALE;
+    const double descent = m_fonts->lineHeight(font, fontSize).descent;
     cairo_set_source_rgba(context, 1, 1, 1, opacity);
     cairo_move_to(context, std::round(corner.x), std::round(corner.y - descent));
     pango_cairo_show_layout_line(context, pango_layout_get_line_readonly(layout.get(), 0));
