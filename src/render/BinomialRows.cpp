@@ -3,6 +3,7 @@
 #include "render/BlurKernels.h"
 
 #include <algorithm>
+#include <hwy/cache_control.h>
 #include <hwy/foreach_target.h> // before highway.h
 #include <hwy/highway.h>
 
@@ -35,10 +36,13 @@ bool addRows(const FourRows<std::uint8_t>& rows, std::uint16_t* sums, std::size_
     }
     const auto load = [&](const std::uint8_t* row)
                           HWY_ATTR { return hn::PromoteTo(words, hn::LoadU(bytes, row)); };
+    const auto [a, b, c, d, next, afterNext] = rows; // in registers
     for (std::size_t i = 0; i < count; i += step) {
         i = std::min(i, count - step); // the last vector overlaps the one before
-        const auto inner = hn::Add(load(rows.b + i), load(rows.c + i));
-        const auto outer = hn::Add(load(rows.a + i), load(rows.d + i));
+        hwy::Prefetch(next + i);
+        hwy::Prefetch(afterNext + i);
+        const auto inner = hn::Add(load(b + i), load(c + i));
+        const auto outer = hn::Add(load(a + i), load(d + i));
         const auto sum = hn::Add(outer, hn::Add(inner, hn::Add(inner, inner)));
         hn::StoreU(sum, words, sums + i);
     }

@@ -17,6 +17,8 @@ struct FourRows {
     const Sample* b = nullptr;
     const Sample* c = nullptr;
     const Sample* d = nullptr;
+    const Sample* next = a; ///< Rows that are wanted next, fetched meanwhile.
+    const Sample* afterNext = a;
 };
 
 /// Rows of 8-bit samples by 1 3 3 1: sums of up to 8 * 255, exact.
@@ -78,5 +80,7 @@ void plainMixPixels(const std::uint16_t* samples, const PixelPlace* places, std:
 /// The same between two rows of `count` samples, the results being samples.
 void mixSamples(const std::uint16_t* a, const std::uint16_t* b, std::int32_t fraction,
                 std::uint16_t* out, std::size_t count);
+void plainMixSamples(const std::uint16_t* a, const std::uint16_t* b, std::int32_t fraction,
+                     std::uint16_t* out, std::size_t count);
 
 } // namespace tavi

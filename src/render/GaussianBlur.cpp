@@ -133,8 +133,9 @@ void GaussianBlur::halveSource(const SampleView& source, Level& to) {
     };
     for (int y = -kBorder; y < to.height + kBorder; ++y) {
         std::uint16_t* row = m_row.data() + margin * channels;
-        addBinomialRows({rowAt(2 * y - 1), rowAt(2 * y), rowAt(2 * y + 1), rowAt(2 * y + 2)}, row,
-                        count);
+        addBinomialRows({rowAt(2 * y - 1), rowAt(2 * y), rowAt(2 * y + 1), rowAt(2 * y + 2),
+                         rowAt(2 * y + 3), rowAt(2 * y + 4)},
+                        row, count);
         if (m_edges == BlurEdges::extended) {
             extendRow(row, width, channels, margin);
         }

@@ -17,6 +17,11 @@ bool mixPlaces(const std::uint16_t*, const PixelPlace*, std::size_t, std::uint8_
     return false;
 }
 
+bool mixRowsOfSamples(const std::uint16_t*, const std::uint16_t*, std::int32_t, std::uint16_t*,
+                      std::size_t) {
+    return false;
+}
+
 #else
 
 namespace hn = hwy::HWY_NAMESPACE;
@@ -42,6 +47,26 @@ bool mixPlaces(const std::uint16_t* samples, const PixelPlace* places, std::size
     return true;
 }
 
+/// Returns false, having done nothing, where there is less than a vector.
+bool mixRowsOfSamples(const std::uint16_t* a, const std::uint16_t* b, std::int32_t fraction,
+                      std::uint16_t* out, std::size_t count) {
+    const hn::ScalableTag<std::uint16_t> samples;
+    const hn::ScalableTag<std::int16_t> words;
+    const std::size_t step = hn::Lanes(words);
+    if (count < step) {
+        return false;
+    }
+    const auto share = hn::Set(words, static_cast<std::int16_t>(fraction));
+    for (std::size_t i = 0; i < count; i += step) {
+        i = std::min(i, count - step); // the last vector overlaps the one before
+        const auto above = hn::BitCast(words, hn::LoadU(samples, a + i));
+        const auto below = hn::BitCast(words, hn::LoadU(samples, b + i));
+        const auto part = hn::MulFixedPoint15(hn::Sub(below, above), share);
+        hn::StoreU(hn::BitCast(samples, hn::Add(above, part)), samples, out + i);
+    }
+    return true;
+}
+
 #endif
 
 } // namespace HWY_NAMESPACE
@@ -53,11 +78,19 @@ HWY_AFTER_NAMESPACE();
 namespace tavi {
 
 HWY_EXPORT(mixPlaces);
+HWY_EXPORT(mixRowsOfSamples);
 
 void mixPixels(const std::uint16_t* samples, const PixelPlace* places, std::size_t count,
                std::size_t channels, std::uint8_t* out) {
     if (channels != 4 || !HWY_DYNAMIC_DISPATCH(mixPlaces)(samples, places, count, out)) {
         plainMixPixels(samples, places, count, channels, out);
+    }
+}
+
+void mixSamples(const std::uint16_t* a, const std::uint16_t* b, std::int32_t fraction,
+                std::uint16_t* out, std::size_t count) {
+    if (!HWY_DYNAMIC_DISPATCH(mixRowsOfSamples)(a, b, fraction, out, count)) {
+        plainMixSamples(a, b, fraction, out, count);
     }
 }
 

@@ -25,32 +25,53 @@ bool mixVectors(std::span<const std::uint16_t* const>, const std::int16_t*, std:
 
 namespace hn = hwy::HWY_NAMESPACE;
 
-/// What `rows` make of a vector of numbers from `i` on.
-template<class Rows>
-HWY_INLINE auto mixedBlock(const Rows& rows, const std::int16_t* weights, std::size_t i) {
-    const hn::ScalableTag<std::uint16_t> samples;
+/// A weight in 1/32768. A whole, 32768, is one too many; rounding makes up for it.
+HWY_INLINE auto weightVector(std::int16_t weight) {
     const hn::ScalableTag<std::int16_t> words;
-    auto sum = hn::Set(words, 1 << (ResampleColumns::kExtraBits - 1));
-    for (std::size_t tap = 0; tap < rows.size(); ++tap) {
-        const auto row = hn::BitCast(words, hn::LoadU(samples, rows[tap] + i));
-        // A whole, 32768, is one too many; rounding makes up for it.
-        const int weight = std::min(2 * weights[tap], 32767);
-        sum = hn::Add(sum,
-                      hn::MulFixedPoint15(row, hn::Set(words, static_cast<std::int16_t>(weight))));
-    }
-    const hn::Rebind<std::uint8_t, decltype(words)> bytes;
-    return hn::DemoteTo(bytes, hn::ShiftRight<ResampleColumns::kExtraBits>(sum));
+    return hn::Set(words, static_cast<std::int16_t>(std::min(2 * weight, 32767)));
 }
 
-template<class Rows>
-HWY_INLINE void mixAll(const Rows& rows, const std::int16_t* weights, std::uint8_t* out,
-                       std::size_t count) {
+/// The share that a row has in the vector of numbers from `i` on.
+template<class Vector>
+HWY_INLINE Vector partOf(const std::uint16_t* row, std::size_t i, Vector weight) {
+    const hn::ScalableTag<std::uint16_t> samples;
+    return hn::MulFixedPoint15(hn::BitCast(hn::DFromV<Vector>(), hn::LoadU(samples, row + i)),
+                               weight);
+}
+
+/// Writes the sum of the shares of all rows, with which half a step came.
+template<class Vector>
+HWY_INLINE void storeSum(Vector sum, std::uint8_t* out) {
+    const hn::Rebind<std::uint8_t, hn::DFromV<Vector>> bytes;
+    hn::StoreU(hn::DemoteTo(bytes, hn::ShiftRight<ResampleColumns::kExtraBits>(sum)), bytes, out);
+}
+
+/// By far the most frequent number of rows: everything stays in registers.
+void mixTwo(const std::uint16_t* first, const std::uint16_t* second, const std::int16_t* weights,
+            std::uint8_t* out, std::size_t count) {
     const hn::ScalableTag<std::int16_t> words;
-    const hn::Rebind<std::uint8_t, decltype(words)> bytes;
+    const auto half = hn::Set(words, 1 << (ResampleColumns::kExtraBits - 1));
+    const auto firstWeight = weightVector(weights[0]);
+    const auto secondWeight = weightVector(weights[1]);
     const std::size_t step = hn::Lanes(words);
     for (std::size_t i = 0; i < count; i += step) {
         i = std::min(i, count - step); // the last vector overlaps the one before
-        hn::StoreU(mixedBlock(rows, weights, i), bytes, out + i);
+        const auto sum = hn::Add(partOf(first, i, firstWeight), partOf(second, i, secondWeight));
+        storeSum(hn::Add(sum, half), out + i);
+    }
+}
+
+void mixSome(std::span<const std::uint16_t* const> rows, const std::int16_t* weights,
+             std::uint8_t* out, std::size_t count) {
+    const hn::ScalableTag<std::int16_t> words;
+    const std::size_t step = hn::Lanes(words);
+    for (std::size_t i = 0; i < count; i += step) {
+        i = std::min(i, count - step);
+        auto sum = hn::Set(words, 1 << (ResampleColumns::kExtraBits - 1));
+        for (std::size_t tap = 0; tap < rows.size(); ++tap) {
+            sum = hn::Add(sum, partOf(rows[tap], i, weightVector(weights[tap])));
+        }
+        storeSum(sum, out + i);
     }
 }
 
@@ -60,10 +81,10 @@ bool mixVectors(std::span<const std::uint16_t* const> rows, const std::int16_t* 
     if (count < hn::Lanes(hn::ScalableTag<std::int16_t>())) {
         return false;
     }
-    if (rows.size() == 2) { // by far the most frequent: its weights stay in registers
-        mixAll(std::span<const std::uint16_t* const, 2>(rows), weights, out, count);
+    if (rows.size() == 2) {
+        mixTwo(rows[0], rows[1], weights, out, count);
     } else {
-        mixAll(rows, weights, out, count);
+        mixSome(rows, weights, out, count);
     }
     return true;
 }

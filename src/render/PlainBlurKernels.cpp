@@ -72,8 +72,8 @@ void plainMixPixels(const std::uint16_t* samples, const PixelPlace* places, std:
     }
 }
 
-void mixSamples(const std::uint16_t* a, const std::uint16_t* b, std::int32_t fraction,
-                std::uint16_t* out, std::size_t count) {
+void plainMixSamples(const std::uint16_t* a, const std::uint16_t* b, std::int32_t fraction,
+                     std::uint16_t* out, std::size_t count) {
     for (std::size_t i = 0; i < count; ++i) {
         out[i] = static_cast<std::uint16_t>(mix(a[i], b[i], fraction));
     }

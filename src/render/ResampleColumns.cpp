@@ -3,6 +3,7 @@
 #include "render/ResampleColumns.h"
 
 #include <algorithm>
+#include <hwy/cache_control.h>
 #include <hwy/foreach_target.h> // before highway.h
 #include <hwy/highway.h>
 
@@ -13,8 +14,8 @@ namespace HWY_NAMESPACE {
 #if HWY_TARGET == HWY_SCALAR
 
 /// Without vectors the plain version serves.
-bool interpolateColumns(const std::uint8_t*, int, const std::vector<int>&, const std::int16_t*,
-                        std::uint16_t*) {
+bool interpolateColumns(const std::uint8_t*, const std::uint8_t*, int, const std::vector<int>&,
+                        const std::int16_t*, std::uint16_t*) {
     return false;
 }
 
@@ -52,8 +53,9 @@ HWY_INLINE void interpolateBlock(const std::uint8_t* in, const Indices& indices,
 }
 
 /// Returns false, having done nothing, where there is less than a vector.
-bool interpolateColumns(const std::uint8_t* in, int sourceWidth, const std::vector<int>& first,
-                        const std::int16_t* shares, std::uint16_t* out) {
+bool interpolateColumns(const std::uint8_t* in, const std::uint8_t* next, int sourceWidth,
+                        const std::vector<int>& first, const std::int16_t* shares,
+                        std::uint16_t* out) {
     const hn::ScalableTag<std::int32_t> columns;
     const int step = static_cast<int>(hn::Lanes(columns));
     const int count = static_cast<int>(first.size());
@@ -66,6 +68,7 @@ bool interpolateColumns(const std::uint8_t* in, int sourceWidth, const std::vect
         const int base = std::min(first[static_cast<std::size_t>(x)], sourceWidth - step - 1);
         const auto places = hn::LoadU(columns, first.data() + x);
         const auto indices = hn::IndicesFromVec(pixels, hn::Sub(places, hn::Set(columns, base)));
+        hwy::Prefetch(next + base * std::ptrdiff_t{4});
         interpolateBlock(in + base * std::ptrdiff_t{4}, indices, shares + x * std::ptrdiff_t{4},
                          out + x * std::ptrdiff_t{4});
     }
@@ -114,10 +117,10 @@ void ResampleColumns::begin(const AxisTaps& taps, int sourceWidth) {
     }
 }
 
-void ResampleColumns::columns(const std::uint8_t* in, const AxisTaps& taps,
-                              std::uint16_t* out) const {
-    if (m_isInterpolation && HWY_DYNAMIC_DISPATCH(interpolateColumns)(in, m_sourceWidth, taps.first,
-                                                                      m_shares.data(), out)) {
+void ResampleColumns::columns(const std::uint8_t* in, const std::uint8_t* next,
+                              const AxisTaps& taps, std::uint16_t* out) const {
+    if (m_isInterpolation && HWY_DYNAMIC_DISPATCH(interpolateColumns)(
+                                 in, next, m_sourceWidth, taps.first, m_shares.data(), out)) {
         return;
     }
     plainColumns(in, taps, out);

@@ -21,8 +21,10 @@ public:
     void begin(const AxisTaps& taps, int sourceWidth);
 
     /// Resamples the row `in` by the fastest means this processor has; `taps` are
-    /// those of begin(). A result is within 1 of plainColumns().
-    void columns(const std::uint8_t* in, const AxisTaps& taps, std::uint16_t* out) const;
+    /// those of begin(). A result is within 1 of plainColumns(). `next` is the row
+    /// that is wanted next, which is fetched from memory meanwhile.
+    void columns(const std::uint8_t* in, const std::uint8_t* next, const AxisTaps& taps,
+                 std::uint16_t* out) const;
 
 private:
     int m_sourceWidth = 0;

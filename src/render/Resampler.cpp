@@ -67,7 +67,8 @@ const std::uint16_t* Resampler::horizontalRow(int sourceY) {
     const auto place = static_cast<std::size_t>(sourceY) % m_ringRow.size();
     std::uint16_t* row = m_ring.data() + place * m_ringStride;
     if (m_ringRow[place] != sourceY) {
-        m_columnPass.columns(m_source.row(sourceY), m_columns, row);
+        const int nextY = std::min(sourceY + 1, m_source.height - 1);
+        m_columnPass.columns(m_source.row(sourceY), m_source.row(nextY), m_columns, row);
         m_ringRow[place] = sourceY;
     }
     return row;

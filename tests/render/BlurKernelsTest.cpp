@@ -142,5 +142,21 @@ TEST(BlurKernels, mixedPixelsAreThoseOfThePlainVersion) {
     });
 }
 
+TEST(BlurKernels, mixedSamplesAreThoseOfThePlainVersion) {
+    test::forEachVectorTarget([] {
+        std::mt19937 random(26);
+        for (std::size_t count = 1; count <= kLongestRow; ++count) {
+            const RandomRow<std::uint16_t> a(count, kLargestSample, random);
+            const RandomRow<std::uint16_t> b(count, kLargestSample, random);
+            const auto fraction = static_cast<std::int32_t>(random() % kPlaceOne);
+            std::vector<std::uint16_t> found(count + 1, 0xBEEF);
+            std::vector<std::uint16_t> expected = found;
+            mixSamples(a.data(), b.data(), fraction, found.data(), count);
+            plainMixSamples(a.data(), b.data(), fraction, expected.data(), count);
+            ASSERT_EQ(found, expected) << count << " samples";
+        }
+    });
+}
+
 } // namespace
 } // namespace tavi

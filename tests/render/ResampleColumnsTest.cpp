@@ -35,7 +35,7 @@ void checkRow(int sourceWidth, int columns, const AxisMapping& mapping, std::siz
     std::vector<std::uint16_t> plain(count + 1, kUntouched);
     ResampleColumns pass;
     pass.begin(taps, sourceWidth);
-    pass.columns(bytes.data() + shift, taps, fast.data());
+    pass.columns(bytes.data() + shift, bytes.data() + shift, taps, fast.data());
     plainColumns(bytes.data() + shift, taps, plain.data());
     ASSERT_EQ(fast[count], kUntouched);
     for (std::size_t i = 0; i < count; ++i) {
