@@ -4,7 +4,7 @@ BUILD := build/release
 DEV := build/dev
 export CCACHE_DIR ?= $(HOME)/.cache/ccache
 
-.PHONY: help setup build demo test run bench asan tsan fuzz format lint clean
+.PHONY: help setup build demo gallery test run bench asan tsan fuzz format lint clean
 
 help: ## this list
 	@awk -F':.*## ' '/^[a-z-]+:.*## /{printf "  make %-8s %s\n", $$1, $$2}' $(MAKEFILE_LIST)
@@ -17,6 +17,9 @@ build: setup ## build everything (release) into build/release/bin
 
 demo: build ## record a real screen, zoom, export, and look at the result
 	@tools/demo
+
+gallery: build ## stills of every background, pointer, chip size and camera corner
+	@tools/gallery
 
 test: setup ## build and run every test
 	@tools/build dev
