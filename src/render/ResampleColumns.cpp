@@ -2,6 +2,8 @@
 #define HWY_TARGET_INCLUDE "render/ResampleColumns.cpp" // compiled once for each target
 #include "render/ResampleColumns.h"
 
+#include "render/ReduceColumns.h"
+
 #include <algorithm>
 #include <hwy/cache_control.h>
 #include <hwy/foreach_target.h> // before highway.h
@@ -107,31 +109,55 @@ std::int16_t share(std::int16_t weight) {
 
 void ResampleColumns::begin(const AxisTaps& taps, int sourceWidth) {
     m_sourceWidth = sourceWidth;
-    m_isInterpolation = taps.count == 2 && advancesByPixels(taps.first);
-    if (!m_isInterpolation) {
-        return;
+    if (taps.count == 2 && advancesByPixels(taps.first)) {
+        m_means = Means::interpolation;
+        m_shares.resize(taps.first.size() * kChannels);
+        for (std::size_t x = 0; x < taps.first.size(); ++x) {
+            std::fill_n(m_shares.data() + x * kChannels, kChannels, share(taps.weights[2 * x + 1]));
+        }
+    } else if (taps.count <= kReduceTaps) {
+        m_means = Means::reduction;
+        prepareReduction(taps);
+    } else {
+        m_means = Means::plain;
     }
-    m_shares.resize(taps.first.size() * kChannels);
+}
+
+void ResampleColumns::prepareReduction(const AxisTaps& taps) {
+    m_shares.assign(taps.first.size() * kReduceTaps * kChannels, 0);
+    const std::int16_t* weight = taps.weights.data();
     for (std::size_t x = 0; x < taps.first.size(); ++x) {
-        std::fill_n(m_shares.data() + x * kChannels, kChannels, share(taps.weights[2 * x + 1]));
+        std::int16_t* shares = m_shares.data() + x * kReduceTaps * kChannels;
+        for (int tap = 0; tap < taps.count; ++tap, shares += kChannels) {
+            std::fill_n(shares, kChannels, share(*weight++));
+        }
     }
 }
 
 void ResampleColumns::columns(const std::uint8_t* in, const std::uint8_t* next,
                               const AxisTaps& taps, std::uint16_t* out) const {
-    if (m_isInterpolation && HWY_DYNAMIC_DISPATCH(interpolateColumns)(
-                                 in, next, m_sourceWidth, taps.first, m_shares.data(), out)) {
-        return;
+    std::size_t done = 0;
+    if (m_means == Means::interpolation) {
+        done = HWY_DYNAMIC_DISPATCH(interpolateColumns)(in, next, m_sourceWidth, taps.first,
+                                                        m_shares.data(), out)
+                   ? taps.first.size()
+                   : 0;
+    } else if (m_means == Means::reduction) {
+        done = static_cast<std::size_t>(
+            reduceColumns(in, next, m_sourceWidth, taps.first, m_shares.data(), out));
     }
-    plainColumns(in, taps, out);
+    plainColumns(in, taps, out, done);
 }
 
-void plainColumns(const std::uint8_t* in, const AxisTaps& taps, std::uint16_t* out) {
+void plainColumns(const std::uint8_t* in, const AxisTaps& taps, std::uint16_t* out,
+                  std::size_t begin) {
     constexpr int kShift = AxisTaps::kBits - ResampleColumns::kExtraBits;
     constexpr std::uint32_t kHalf = 1U << (kShift - 1);
-    const std::int16_t* weights = taps.weights.data();
-    for (const int first : taps.first) {
-        const std::uint8_t* pixel = in + static_cast<std::ptrdiff_t>(first) * kChannels;
+    const std::int16_t* weights =
+        taps.weights.data() + begin * static_cast<std::size_t>(taps.count);
+    out += begin * kChannels;
+    for (std::size_t x = begin; x < taps.first.size(); ++x) {
+        const std::uint8_t* pixel = in + static_cast<std::ptrdiff_t>(taps.first[x]) * kChannels;
         std::uint32_t sums[kChannels] = {kHalf, kHalf, kHalf, kHalf};
         for (int tap = 0; tap < taps.count; ++tap, pixel += kChannels) {
             const auto weight = static_cast<std::uint32_t>(weights[tap]);

@@ -12,7 +12,7 @@
 namespace tavi {
 namespace {
 
-constexpr int kLargestDifference = 1; // of 64 to a step of a channel
+constexpr int kLargestDifference = 2; // of 64 to a step of a channel
 constexpr int kChannels = 4;
 constexpr std::uint16_t kUntouched = 0xBEEF;
 
