@@ -14,7 +14,7 @@ std::vector<float> gaussian(double sigma) {
     double total = 0;
     for (int i = -reach; i <= reach; ++i) {
         const double weight = std::exp(-0.5 * i * i / (sigma * sigma));
-        weights[static_cast<std::size_t>(i + reach)] = weight;
+        weights.data()[i + reach] = weight;
         total += weight;
     }
     std::vector<float> kernel(weights.size());
@@ -31,7 +31,7 @@ AlphaPicture blurredAlongColumns(const AlphaPicture& in, const std::vector<float
     for (int y = 0; y < in.height; ++y) {
         float* sums = out.values.data() + y * width;
         for (int i = std::max(-reach, -y); i <= std::min(reach, in.height - 1 - y); ++i) {
-            const float weight = kernel[static_cast<std::size_t>(i + reach)];
+            const float weight = kernel.data()[i + reach];
             const float* row = in.values.data() + (y + i) * width;
             for (std::ptrdiff_t x = 0; x < width; ++x) {
                 sums[x] += weight * row[x];
