@@ -4,7 +4,7 @@ namespace tavi {
 
 namespace {
 
-std::string withDetail(std::string sentence, const std::string& detail) {
+std::string withDetail(const std::string& sentence, const std::string& detail) {
     return detail.empty() ? sentence : sentence + " (" + detail + ").";
 }
 

@@ -15,10 +15,10 @@ PixelBufferPtr readCursorImage(const std::filesystem::path& path) {
 } // namespace
 
 std::filesystem::path takeFolder(const std::string& argument) {
-    const std::filesystem::path path(argument);
+    std::filesystem::path path(argument);
     std::error_code error;
     if (!std::filesystem::exists(path, error) && path.is_relative()) {
-        const auto inLibrary = recordingsDirectory() / path;
+        auto inLibrary = recordingsDirectory() / path;
         if (std::filesystem::exists(inLibrary, error)) {
             return inLibrary;
         }

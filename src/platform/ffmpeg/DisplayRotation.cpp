@@ -56,8 +56,8 @@ PixelBuffer DisplayRotation::apply(PixelBuffer image) const {
         for (int x = 0; x < width; ++x) {
             const int toX = originX + a * x + c * y;
             const int toY = originY + b * x + d * y;
-            std::memcpy(turned.row(toY) + toX * PixelBuffer::kBytesPerPixel,
-                        image.row(y) + x * PixelBuffer::kBytesPerPixel,
+            const auto pixelBytes = static_cast<std::ptrdiff_t>(PixelBuffer::kBytesPerPixel);
+            std::memcpy(turned.row(toY) + toX * pixelBytes, image.row(y) + x * pixelBytes,
                         PixelBuffer::kBytesPerPixel);
         }
     }
