@@ -15,28 +15,27 @@ std::vector<ActivitySegment> detect(const std::vector<CursorEvent>& events, doub
     return detectActivity(events, fullHd(a));
 }
 
+struct ThresholdCase {
+    double Thresholds::*quantity;
+    double calm;   ///< At aggressiveness 0.
+    double middle; ///< At 0.5.
+    double eager;  ///< At 1.
+};
+
 TEST(Thresholds, followTheAggressiveness) {
-    const Thresholds calm(0);
-    EXPECT_EQ(calm.activityGap, 2.5);
-    EXPECT_EQ(calm.mergeGap, 3.0);
-    EXPECT_EQ(calm.zoomFactor, 1.3);
-    EXPECT_EQ(calm.leadIn, 0.8);
-    EXPECT_EQ(calm.tail, 1.5);
-    EXPECT_EQ(calm.minWaypointInterval, 0.6);
-    const Thresholds middle(0.5);
-    EXPECT_DOUBLE_EQ(middle.activityGap, 1.85);
-    EXPECT_DOUBLE_EQ(middle.mergeGap, 2.25);
-    EXPECT_DOUBLE_EQ(middle.zoomFactor, 2.15);
-    EXPECT_DOUBLE_EQ(middle.leadIn, 0.6);
-    EXPECT_DOUBLE_EQ(middle.tail, 1.15);
-    EXPECT_DOUBLE_EQ(middle.minWaypointInterval, 0.45);
-    const Thresholds eager(1);
-    EXPECT_DOUBLE_EQ(eager.activityGap, 1.2);
-    EXPECT_DOUBLE_EQ(eager.mergeGap, 1.5);
-    EXPECT_DOUBLE_EQ(eager.zoomFactor, 3.0);
-    EXPECT_DOUBLE_EQ(eager.leadIn, 0.4);
-    EXPECT_DOUBLE_EQ(eager.tail, 0.8);
-    EXPECT_DOUBLE_EQ(eager.minWaypointInterval, 0.3);
+    const ThresholdCase cases[] = {
+        {&Thresholds::activityGap, 2.5, 1.85, 1.2},
+        {&Thresholds::mergeGap, 3.0, 2.25, 1.5},
+        {&Thresholds::zoomFactor, 1.3, 2.15, 3.0},
+        {&Thresholds::leadIn, 0.8, 0.6, 0.4},
+        {&Thresholds::tail, 1.5, 1.15, 0.8},
+        {&Thresholds::minWaypointInterval, 0.6, 0.45, 0.3},
+    };
+    for (const ThresholdCase& c : cases) {
+        EXPECT_DOUBLE_EQ(Thresholds(0).*c.quantity, c.calm);
+        EXPECT_DOUBLE_EQ(Thresholds(0.5).*c.quantity, c.middle);
+        EXPECT_DOUBLE_EQ(Thresholds(1).*c.quantity, c.eager);
+    }
 }
 
 TEST(DetectActivity, anEmptyLogHasNone) {

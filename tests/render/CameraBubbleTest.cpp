@@ -1,6 +1,7 @@
 #include "render/CameraBubble.h"
 
 #include "support/Pictures.h"
+#include "support/PixelArea.h"
 
 #include <gtest/gtest.h>
 
@@ -41,16 +42,7 @@ protected:
 
     /// What differs from the grey, rows from the top.
     static PixelBounds changed(const PixelBuffer& image) {
-        PixelBounds area{image.width(), image.height(), 0, 0};
-        for (int y = 0; y < image.height(); ++y) {
-            for (int x = 0; x < image.width(); ++x) {
-                if (pixelAt(image, x, y) != kGrey) {
-                    area = {std::min(area.left, x), std::min(area.top, y),
-                            std::max(area.right, x + 1), std::max(area.bottom, y + 1)};
-                }
-            }
-        }
-        return area;
+        return test::areaDifferingFrom(image, kGrey);
     }
 
     CameraSettings settings;

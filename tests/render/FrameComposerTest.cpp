@@ -2,6 +2,7 @@
 
 #include "cursor/CursorPictures.h"
 #include "support/Pictures.h"
+#include "support/PixelArea.h"
 
 #include <gtest/gtest.h>
 
@@ -55,16 +56,7 @@ protected:
 
     /// What differs from the video, rows from the top; empty when nothing does.
     static PixelBounds overlay(const PixelBuffer& image) {
-        PixelBounds area{image.width(), image.height(), 0, 0};
-        for (int y = 0; y < image.height(); ++y) {
-            for (int x = 0; x < image.width(); ++x) {
-                if (pixelAt(image, x, y) != kVideo) {
-                    area = {std::min(area.left, x), std::min(area.top, y),
-                            std::max(area.right, x + 1), std::max(area.bottom, y + 1)};
-                }
-            }
-        }
-        return area;
+        return test::areaDifferingFrom(image, kVideo);
     }
 
     static Point middle(const PixelBounds& area) {
