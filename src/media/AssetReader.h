@@ -1,5 +1,6 @@
 #pragma once
 
+#include "base/AudioBuffer.h"
 #include "base/Geometry.h"
 #include "base/MediaTime.h"
 #include "base/PixelBuffer.h"
@@ -14,10 +15,12 @@ namespace tavi {
 struct VideoTrack {
     int index = 0;    ///< Position among the file's streams.
     Size naturalSize; ///< Coded size in pixels, before any rotation tag.
+    MediaTime end;    ///< When its last picture ends, on the movie's timeline; 0 where unknown.
 };
 
+/// The first facts of one track of sound.
 struct AudioTrack {
-    int index = 0;
+    int index = 0;      ///< Position among the file's streams.
     int sampleRate = 0; ///< Hz.
     int channels = 0;
 };
@@ -36,6 +39,12 @@ struct VideoSample {
     PixelBufferPtr image;       ///< Absent for a sample that has a time but no picture.
 };
 
+/// A piece of the sound of a track.
+struct AudioSample {
+    MediaTime presentationTime; ///< Of its first moment, on the movie's timeline.
+    AudioBufferPtr buffer;      ///< Not null.
+};
+
 enum class AssetReaderStatus { unknown = 0, reading = 1, completed = 2, failed = 3, cancelled = 4 };
 
 /// Decodes one video track over one stretch of time, one picture at a time, in
@@ -52,6 +61,27 @@ public:
     /// The next picture, absent at the end of the range, after a failure and
     /// after cancelReading(); status() tells which.
     virtual std::optional<VideoSample> copyNextSample() = 0;
+
+    virtual AssetReaderStatus status() const = 0;
+
+    /// Ends reading early.
+    virtual void cancelReading() = 0;
+};
+
+/// Decodes one track of sound from its beginning to its end, in buffers of
+/// kFramesPerBuffer moments (the last one may be shorter), at the rate and with
+/// the channels of the source, in order of time and without overlap. What the
+/// encoder put in front of the sound (priming) and what an edit list hides is left out.
+/// Threads: one caller at a time; the adapter may decode ahead on its own.
+class AudioReader {
+public:
+    static constexpr int kFramesPerBuffer = 1024;
+
+    virtual ~AudioReader() = default;
+
+    /// The next piece, absent at the end, after a failure and after
+    /// cancelReading(); status() tells which.
+    virtual std::optional<AudioSample> copyNextSample() = 0;
 
     virtual AssetReaderStatus status() const = 0;
 

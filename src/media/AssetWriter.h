@@ -1,10 +1,12 @@
 #pragma once
 
+#include "base/AudioBuffer.h"
 #include "base/MediaTime.h"
 #include "base/PixelBuffer.h"
 #include "base/Result.h"
 #include "media/MediaError.h"
 
+#include <cstdint>
 #include <memory>
 #include <optional>
 #include <string>
@@ -30,6 +32,14 @@ struct VideoSettings {
     bool realTime = false;
 };
 
+/// What one track of sound (AAC) is to be.
+struct AudioSettings {
+    int channels = 1;
+    int sampleRate = 44100;         ///< Hz.
+    std::int64_t bitRate = 128'000; ///< Bits per second.
+    bool realTime = false;          ///< As in VideoSettings.
+};
+
 enum class AssetWriterStatus { unknown = 0, writing = 1, completed = 2, failed = 3, cancelled = 4 };
 
 /// The way of one track into an AssetWriter: a bounded queue in front of an
@@ -48,6 +58,11 @@ public:
     /// session hasn't begun, or `time` is not after the last one.
     virtual bool append(PixelBufferPtr image, MediaTime time) = 0;
 
+    /// Queues the picture of the last append() once more, as append() does: for
+    /// a frame that equals the one before it, which costs next to nothing here.
+    /// False also when nothing was appended before.
+    virtual bool appendRepeat(MediaTime time) = 0;
+
     /// No more pictures will come.
     virtual void markAsFinished() = 0;
 
@@ -56,10 +71,36 @@ public:
     virtual std::shared_ptr<PixelBuffer> makePixelBuffer() = 0;
 };
 
+/// The way of one track of sound into an AssetWriter.
+///
+/// Threads: one thread feeds an input; markAsFinished() after the last append.
+class AudioWriterInput {
+public:
+    virtual ~AudioWriterInput() = default;
+
+    /// True while the queue has room and, unless the source is live, the sound is
+    /// less than a second ahead of the pictures appended so far, so that the two
+    /// lie side by side in the file. Pictures marked as finished hold nothing back.
+    /// False also after a failure: nothing more is taken.
+    virtual bool isReadyForMoreMediaData() const = 0;
+
+    /// Queues a piece of sound, of any rate and channels; returns at once.
+    ///
+    /// The sound is heard at `time`, to the sample: what would lie over sound that
+    /// was appended before (or before the session's start) is cut off at its
+    /// front, a gap is silent. False (and the piece is dropped) when the queue is
+    /// full, the writer isn't writing, the session hasn't begun, or nothing of
+    /// the piece is left.
+    virtual bool append(AudioBufferPtr buffer, MediaTime time) = 0;
+
+    /// No more sound will come.
+    virtual void markAsFinished() = 0;
+};
+
 /// Encodes and writes one file.
 ///
 /// States: unknown -> writing -> completed, failed or cancelled.
-/// Order: addVideoInput, startWriting, startSession, appends, markAsFinished on
+/// Order: addVideoInput, addAudioInput, startWriting, startSession, appends, markAsFinished on
 /// each input, finishWriting.
 /// Threads: one controlling thread; inputs as told there. The destructor
 /// cancels a writer that is still writing.
@@ -70,6 +111,9 @@ public:
     /// Adds the video track. The encoder is chosen here, by trial.
     /// The input lives as long as the writer.
     virtual Result<VideoWriterInput*, MediaError> addVideoInput(const VideoSettings& settings) = 0;
+
+    /// Adds a track of sound. The input lives as long as the writer. Errors: noEncoder.
+    virtual Result<AudioWriterInput*, MediaError> addAudioInput(const AudioSettings& settings) = 0;
 
     /// Opens the file and the encoder threads.
     virtual Result<void, MediaError> startWriting() = 0;

@@ -21,6 +21,10 @@ public:
     virtual Result<std::unique_ptr<VideoReader>, MediaError>
     makeVideoReader(const Asset& asset, const VideoTrack& track, MediaTimeRange range) = 0;
 
+    /// Starts reading a track of sound from its beginning.
+    virtual Result<std::unique_ptr<AudioReader>, MediaError>
+    makeAudioReader(const Asset& asset, const AudioTrack& track) = 0;
+
     /// A writer for a file that does not exist yet or is to be replaced. What
     /// stands at `path` is untouched until the new file is complete (mp4), or
     /// replaced at startWriting() (quickTimeMovie).

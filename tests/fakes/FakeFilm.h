@@ -25,16 +25,23 @@ public:
     struct WrittenFrame {
         MediaTime time;
         std::uint8_t shade = 0; ///< Blue of the middle pixel.
+        bool isRepeat = false;
     };
 
     // The source.
     double duration = 1;
+    double videoEnd = 0; ///< Of the track, where it isn't the duration.
     Size naturalSize{32, 18};
     bool hasVideoTrack = true;
     std::vector<ScriptedSample> samples;
     std::optional<MediaError> openError;
     std::optional<MediaError> readerError;
     bool readerFails = false; ///< Its status at the end.
+
+    // Its sound: pieces of 1024 moments at 48 kHz, told by their times.
+    bool hasAudioTrack = false;
+    std::vector<double> audioTimes;
+    std::optional<MediaError> audioReaderError;
 
     // The camera's film, "camera.mov"; its pictures are `naturalSize` large, too.
     bool hasCamera = false;
@@ -46,13 +53,17 @@ public:
     // The writer.
     std::optional<MediaError> writerError;
     std::optional<MediaError> inputError;
+    std::optional<MediaError> audioInputError;
     std::optional<MediaError> startError;
-    int notReadyPolls = 0;     ///< Times that the input says "not ready" before each frame.
+    int notReadyPolls = 0; ///< Times that the input says "not ready" before each frame.
+    std::function<bool(const FakeFilm&)> isAudioReady; ///< Always, where absent.
     int failsAfterFrames = -1; ///< The writer fails once it has that many; -1 never.
     std::set<std::size_t> framesWithoutBuffer; ///< Requests, from 0, that get no buffer.
 
     // What happened.
     std::vector<WrittenFrame> written;
+    std::vector<MediaTime> writtenAudio;
+    std::size_t audioSamplesRead = 0;
     std::vector<std::string> calls;
     std::vector<MediaTimeRange> readRanges;
     std::vector<MediaTimeRange> cameraReadRanges;
@@ -60,6 +71,7 @@ public:
     std::filesystem::path openedPath;
     std::filesystem::path writtenPath;
     VideoSettings settings;
+    std::optional<AudioSettings> audioSettings;
     AssetWriterStatus writerStatus = AssetWriterStatus::unknown;
 
     Result<Asset, MediaError> openAsset(const std::filesystem::path& path) override {
@@ -72,9 +84,21 @@ public:
         }
         Asset asset{path, MediaTime::fromSeconds(duration, 90000), {}, {}};
         if (hasVideoTrack) {
-            asset.videoTracks.push_back({0, naturalSize});
+            asset.videoTracks.push_back({0, naturalSize, MediaTime::fromSeconds(videoEnd, 90000)});
+        }
+        if (hasAudioTrack) {
+            asset.audioTracks.push_back({1, 48000, 2});
         }
         return asset;
+    }
+
+    Result<std::unique_ptr<AudioReader>, MediaError>
+    makeAudioReader(const Asset&, const AudioTrack& track) override {
+        calls.push_back("makeAudioReader " + std::to_string(track.index));
+        if (audioReaderError) {
+            return fail(*audioReaderError);
+        }
+        return std::make_unique<SoundReader>(*this);
     }
 
     Result<std::unique_ptr<VideoReader>, MediaError>
@@ -111,7 +135,7 @@ private:
         }
         Asset asset{path, MediaTime::fromSeconds(cameraDuration, 90000), {}, {}};
         if (hasCameraTrack) {
-            asset.videoTracks.push_back({0, naturalSize});
+            asset.videoTracks.push_back({0, naturalSize, {}});
         }
         return asset;
     }
@@ -156,6 +180,50 @@ private:
         AssetReaderStatus m_status = AssetReaderStatus::reading;
     };
 
+    class SoundReader final : public AudioReader {
+    public:
+        explicit SoundReader(FakeFilm& film) : m_film(film) {}
+        std::optional<AudioSample> copyNextSample() override {
+            if (m_status != AssetReaderStatus::reading) {
+                return std::nullopt;
+            }
+            if (m_film.audioSamplesRead == m_film.audioTimes.size()) {
+                m_status = AssetReaderStatus::completed;
+                return std::nullopt;
+            }
+            const double time = m_film.audioTimes[m_film.audioSamplesRead++];
+            auto buffer = std::make_shared<AudioBuffer>();
+            *buffer = {48000, 2, std::vector<float>(2 * kFramesPerBuffer)};
+            return AudioSample{MediaTime::fromSeconds(time, 48000), std::move(buffer)};
+        }
+        AssetReaderStatus status() const override { return m_status; }
+        void cancelReading() override {
+            m_film.calls.push_back("cancelReading sound");
+            m_status = AssetReaderStatus::cancelled;
+        }
+
+    private:
+        FakeFilm& m_film;
+        AssetReaderStatus m_status = AssetReaderStatus::reading;
+    };
+
+    class SoundInput final : public AudioWriterInput {
+    public:
+        explicit SoundInput(FakeFilm& film) : m_film(film) {}
+        bool isReadyForMoreMediaData() const override {
+            return m_film.writerStatus == AssetWriterStatus::writing &&
+                   (!m_film.isAudioReady || m_film.isAudioReady(m_film));
+        }
+        bool append(AudioBufferPtr, MediaTime time) override {
+            m_film.writtenAudio.push_back(time);
+            return true;
+        }
+        void markAsFinished() override { m_film.calls.push_back("markAsFinished sound"); }
+
+    private:
+        FakeFilm& m_film;
+    };
+
     class Input final : public VideoWriterInput {
     public:
         explicit Input(FakeFilm& film) : m_film(film), m_polls(film.notReadyPolls) {}
@@ -166,11 +234,14 @@ private:
             m_polls = m_film.notReadyPolls;
             const std::uint8_t* middle =
                 image->row(image->height() / 2) + std::ptrdiff_t{4} * (image->width() / 2);
-            m_film.written.push_back({time, *middle});
-            if (static_cast<int>(m_film.written.size()) == m_film.failsAfterFrames) {
-                m_film.writerStatus = AssetWriterStatus::failed;
+            return keep({time, *middle});
+        }
+        bool appendRepeat(MediaTime time) override {
+            if (m_film.written.empty()) {
+                return false;
             }
-            return true;
+            m_polls = m_film.notReadyPolls;
+            return keep({time, m_film.written.back().shade, true});
         }
         void markAsFinished() override { m_film.calls.push_back("markAsFinished"); }
         std::shared_ptr<PixelBuffer> makePixelBuffer() override {
@@ -181,6 +252,14 @@ private:
         }
 
     private:
+        bool keep(WrittenFrame frame) {
+            m_film.written.push_back(frame);
+            if (static_cast<int>(m_film.written.size()) == m_film.failsAfterFrames) {
+                m_film.writerStatus = AssetWriterStatus::failed;
+            }
+            return true;
+        }
+
         FakeFilm& m_film;
         mutable int m_polls;
         std::size_t m_requests = 0;
@@ -188,7 +267,7 @@ private:
 
     class Writer final : public AssetWriter {
     public:
-        explicit Writer(FakeFilm& film) : m_film(film), m_input(film) {}
+        explicit Writer(FakeFilm& film) : m_film(film), m_input(film), m_sound(film) {}
         ~Writer() override {
             if (m_film.writerStatus == AssetWriterStatus::writing) {
                 m_film.calls.push_back("dropped while writing");
@@ -202,6 +281,15 @@ private:
                 return fail(*m_film.inputError);
             }
             return &m_input;
+        }
+        Result<AudioWriterInput*, MediaError>
+        addAudioInput(const AudioSettings& settings) override {
+            m_film.audioSettings = settings;
+            m_film.calls.push_back("addAudioInput");
+            if (m_film.audioInputError) {
+                return fail(*m_film.audioInputError);
+            }
+            return &m_sound;
         }
         Result<void, MediaError> startWriting() override {
             m_film.calls.push_back("startWriting");
@@ -238,6 +326,7 @@ private:
     private:
         FakeFilm& m_film;
         Input m_input;
+        SoundInput m_sound;
     };
 
     PixelBufferPtr picture(std::uint8_t shade) const {

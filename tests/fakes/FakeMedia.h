@@ -22,6 +22,10 @@ public:
     makeVideoReader(const Asset&, const VideoTrack&, MediaTimeRange) override {
         return fail(MediaError{MediaError::Kind::notFound, "", ""});
     }
+    Result<std::unique_ptr<AudioReader>, MediaError> makeAudioReader(const Asset&,
+                                                                     const AudioTrack&) override {
+        return fail(MediaError{MediaError::Kind::notFound, "", ""});
+    }
     Result<std::unique_ptr<AssetWriter>, MediaError> makeWriter(const std::filesystem::path& path,
                                                                 FileType type) override {
         lastPath = path;
@@ -68,6 +72,10 @@ private:
             m_owner.note(at("append", time));
             return m_owner.takesPictures;
         }
+        bool appendRepeat(MediaTime time) override {
+            m_owner.note(at("appendRepeat", time));
+            return m_owner.takesPictures;
+        }
         void markAsFinished() override { m_owner.note("markAsFinished"); }
         std::shared_ptr<PixelBuffer> makePixelBuffer() override { return nullptr; }
 
@@ -86,6 +94,10 @@ private:
                 return fail(*m_owner.inputError);
             }
             return &m_input;
+        }
+        Result<AudioWriterInput*, MediaError> addAudioInput(const AudioSettings&) override {
+            m_owner.note("addAudioInput");
+            return fail(MediaError{MediaError::Kind::noEncoder, "video.mov", "sound"});
         }
         Result<void, MediaError> startWriting() override {
             m_owner.note("startWriting");

@@ -30,6 +30,10 @@ FfmpegAssetWriter::addVideoInput(const VideoSettings& settings) {
     return m_inputs.back().get();
 }
 
+Result<AudioWriterInput*, MediaError> FfmpegAssetWriter::addAudioInput(const AudioSettings&) {
+    return fail(mediaError(MediaError::Kind::noEncoder, m_path, "sound"));
+}
+
 Result<void, MediaError> FfmpegAssetWriter::startWriting() {
     assert(status() == AssetWriterStatus::unknown && !m_inputs.empty());
     auto opened = m_file.open();

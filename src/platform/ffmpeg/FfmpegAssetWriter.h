@@ -19,6 +19,7 @@ public:
     ~FfmpegAssetWriter() override;
 
     Result<VideoWriterInput*, MediaError> addVideoInput(const VideoSettings& settings) override;
+    Result<AudioWriterInput*, MediaError> addAudioInput(const AudioSettings& settings) override;
     Result<void, MediaError> startWriting() override;
     void startSession(MediaTime time) override;
     void endSession(MediaTime time) override;

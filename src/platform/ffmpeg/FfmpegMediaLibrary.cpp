@@ -43,6 +43,11 @@ FfmpegMediaLibrary::makeVideoReader(const Asset& asset, const VideoTrack& track,
         std::move(*decoder), range, static_cast<int>(size.width), static_cast<int>(size.height));
 }
 
+Result<std::unique_ptr<AudioReader>, MediaError>
+FfmpegMediaLibrary::makeAudioReader(const Asset& asset, const AudioTrack&) {
+    return fail(mediaError(MediaError::Kind::cannotDecode, asset.path, "sound"));
+}
+
 Result<std::unique_ptr<AssetWriter>, MediaError>
 FfmpegMediaLibrary::makeWriter(const std::filesystem::path& path, FileType type) {
     return std::make_unique<FfmpegAssetWriter>(path, type, EncoderChoice::shared());

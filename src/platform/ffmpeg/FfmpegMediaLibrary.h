@@ -14,6 +14,8 @@ public:
     Result<Asset, MediaError> openAsset(const std::filesystem::path& path) override;
     Result<std::unique_ptr<VideoReader>, MediaError>
     makeVideoReader(const Asset& asset, const VideoTrack& track, MediaTimeRange range) override;
+    Result<std::unique_ptr<AudioReader>, MediaError>
+    makeAudioReader(const Asset& asset, const AudioTrack& track) override;
     Result<std::unique_ptr<AssetWriter>, MediaError> makeWriter(const std::filesystem::path& path,
                                                                 FileType type) override;
 };

@@ -46,7 +46,7 @@ FfmpegVideoInput::FfmpegVideoInput(const VideoSettings& settings,
       m_target(std::move(target)),
       m_track(file.addTrack(m_encoder->context(), settings.expectedFrameRate)),
       m_capacity(queueCapacity(settings)),
-      m_pool(settings.width, settings.height, m_capacity + 2) {}
+      m_pool(settings.width, settings.height, m_capacity + 3) {}
 
 FfmpegVideoInput::~FfmpegVideoInput() {
     stop();
@@ -74,10 +74,20 @@ bool FfmpegVideoInput::append(PixelBufferPtr image, MediaTime time) {
         const std::int64_t ticks = (time - *m_sessionStart).rescaled(m_timescale).value;
         m_lastTicks = std::max(ticks, m_lastTicks + 1);
         m_lastTime = time;
+        m_lastImage = image;
         m_queue.push_back({std::move(image), m_lastTicks});
     }
     m_changed.notify_all();
     return true;
+}
+
+bool FfmpegVideoInput::appendRepeat(MediaTime time) {
+    PixelBufferPtr last;
+    {
+        const std::lock_guard lock(m_mutex);
+        last = m_lastImage;
+    }
+    return append(std::move(last), time);
 }
 
 void FfmpegVideoInput::markAsFinished() {
@@ -111,6 +121,7 @@ void FfmpegVideoInput::stop() {
         const std::lock_guard lock(m_mutex);
         m_isStopped = true;
         m_queue.clear();
+        m_lastImage.reset();
     }
     m_changed.notify_all();
     join();

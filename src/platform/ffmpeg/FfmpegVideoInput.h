@@ -28,6 +28,7 @@ public:
 
     bool isReadyForMoreMediaData() const override;
     bool append(PixelBufferPtr image, MediaTime time) override;
+    bool appendRepeat(MediaTime time) override;
     void markAsFinished() override;
     std::shared_ptr<PixelBuffer> makePixelBuffer() override;
 
@@ -70,6 +71,7 @@ private:
     std::deque<Picture> m_queue;
     std::optional<MediaTime> m_sessionStart;
     std::optional<MediaTime> m_lastTime;
+    PixelBufferPtr m_lastImage; ///< For appendRepeat().
     std::int64_t m_lastTicks = -1;
     bool m_isFinished = false;
     bool m_isStopped = false;
