@@ -7,6 +7,7 @@
 #include <cstring>
 #include <ctime>
 #include <memory>
+#include <vector>
 
 namespace tavi {
 namespace {
@@ -77,40 +78,118 @@ double secondsOfACopy(const PixelBuffer& from, PixelBuffer& to) {
     return least.count();
 }
 
+/// Processor time since `start`, in seconds: others may be at work.
+double secondsSince(std::clock_t start) {
+    return static_cast<double>(std::clock() - start) / CLOCKS_PER_SEC;
+}
+
+/// What an export goes through: every source frame and every output frame is
+/// another piece of memory, more of it than the processor's caches hold.
+struct FramesInTurn {
+    static constexpr std::size_t kCount = 8;
+
+    std::vector<PixelBufferPtr> sources;
+    std::vector<PixelBuffer> outputs;
+
+    explicit FramesInTurn(int scale) {
+        for (unsigned i = 0; i < kCount; ++i) {
+            sources.push_back(busyFrame(i + 1, scale));
+            outputs.emplace_back(kWidth * scale, kHeight * scale);
+        }
+    }
+
+    const PixelBufferPtr& source(std::size_t n) const { return sources[n % kCount]; }
+    PixelBuffer& output(std::size_t n) { return outputs[n % kCount]; }
+
+    void copy(std::size_t n) {
+        const PixelBuffer& from = *source(n);
+        std::memcpy(output(n).data(), from.data(),
+                    from.stride() * static_cast<std::size_t>(from.height()));
+        benchmark::ClobberMemory();
+    }
+
+    /// Mean processor time of a copy of each source into its output, in seconds.
+    double secondsOfACopy() {
+        constexpr std::size_t kCopies = 4 * kCount;
+        const std::clock_t start = std::clock();
+        for (std::size_t n = 0; n < kCopies; ++n) {
+            copy(n);
+        }
+        return secondsSince(start) / kCopies;
+    }
+};
+
+/// copyFrame() through frames in turn. The argument is the size as a multiple of
+/// 1080p.
+void copyFrameInTurn(benchmark::State& state) {
+    FramesInTurn frames(static_cast<int>(state.range(0)));
+    std::size_t n = 0;
+    for (auto _ : state) {
+        frames.copy(n++);
+    }
+}
+BENCHMARK(copyFrameInTurn)->ArgName("size")->Arg(1)->Arg(2)->Unit(benchmark::kMillisecond);
+
+void forEachLook(benchmark::internal::Benchmark* bench) {
+    bench->ArgNames({"background", "zoom", "size"})
+        ->ArgsProduct(
+            {{static_cast<int>(BackgroundStyle::gradient), static_cast<int>(BackgroundStyle::blur)},
+             {100, 180},
+             {1, 2}})
+        ->Unit(benchmark::kMillisecond);
+}
+
+FrameComposer composerFor(const benchmark::State& state) {
+    const int scale = static_cast<int>(state.range(2));
+    const EditProject project = fullProject(static_cast<BackgroundStyle>(state.range(0)),
+                                            static_cast<double>(state.range(1)) / 100, scale);
+    return {project,
+            makeOutputTimeline(project, 100),
+            {static_cast<double>(kWidth * scale), static_cast<double>(kHeight * scale)}};
+}
+
 /// One frame with padding, corners, shadow and pointer, panning. The arguments
 /// are the background, the zoom in percent, and the size as a multiple of 1080p.
 /// `copies` is the mean time in copies of the frame; the bars at zoom 180 are 4
 /// over a gradient, 15 over a blur made anew for each frame, and at twice the size
 /// 4.5 times the milliseconds.
 void composeFrame(benchmark::State& state) {
-    const auto style = static_cast<BackgroundStyle>(state.range(0));
     const int scale = static_cast<int>(state.range(2));
-    const EditProject project =
-        fullProject(style, static_cast<double>(state.range(1)) / 100, scale);
-    FrameComposer composer(
-        project, makeOutputTimeline(project, 100),
-        {static_cast<double>(kWidth * scale), static_cast<double>(kHeight * scale)});
+    FrameComposer composer = composerFor(state);
     const PixelBufferPtr frames[] = {busyFrame(1, scale), busyFrame(2, scale)};
     const FrameSize size = composer.frameSize();
     PixelBuffer out(size.width, size.height);
     const double copy = secondsOfACopy(PixelBuffer(size.width, size.height), out);
     int n = 0;
-    const std::clock_t start = std::clock(); // processor time: others may be at work
+    const std::clock_t start = std::clock();
     for (auto _ : state) {
         composer.composeFrame(frames[n % 2], nullptr, n / 60.0 + 5, out);
         ++n;
         benchmark::ClobberMemory();
     }
-    const double seconds = static_cast<double>(std::clock() - start) / CLOCKS_PER_SEC;
-    state.counters["copies"] = seconds / n / copy;
+    state.counters["copies"] = secondsSince(start) / n / copy;
 }
-BENCHMARK(composeFrame)
-    ->ArgNames({"background", "zoom", "size"})
-    ->ArgsProduct({{static_cast<int>(BackgroundStyle::gradient),
-                    static_cast<int>(BackgroundStyle::blur)},
-                   {100, 180},
-                   {1, 2}})
-    ->Unit(benchmark::kMillisecond);
+BENCHMARK(composeFrame)->Apply(forEachLook);
+
+/// The same through frames in turn; `copies` is in copies of the same frames, the
+/// mean of those before and those after.
+void composeFrameInTurn(benchmark::State& state) {
+    FrameComposer composer = composerFor(state);
+    FramesInTurn frames(static_cast<int>(state.range(2)));
+    double copy = frames.secondsOfACopy();
+    std::size_t n = 0;
+    const std::clock_t start = std::clock();
+    for (auto _ : state) {
+        composer.composeFrame(frames.source(n), nullptr, static_cast<double>(n) / 60 + 5,
+                              frames.output(n));
+        ++n;
+        benchmark::ClobberMemory();
+    }
+    const double seconds = secondsSince(start) / static_cast<double>(n);
+    copy = (copy + frames.secondsOfACopy()) / 2;
+    state.counters["copies"] = seconds / copy;
+}
+BENCHMARK(composeFrameInTurn)->Apply(forEachLook);
 
 /// A blur of radius 40 over a whole 1080p frame, way back included.
 void blurFrame(benchmark::State& state) {
