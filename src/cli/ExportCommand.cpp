@@ -7,6 +7,7 @@
 #include "platform/ffmpeg/FfmpegMediaLibrary.h"
 #include "project/RecordingFolder.h"
 #include "render/VideoExportService.h"
+#include "render/YuvConverter.h"
 
 #include <CLI/CLI.hpp>
 
@@ -52,12 +53,16 @@ int report(const ExportReport& result, const std::string& output) {
         cli::failed(
             "Warning: a part of the take's video is damaged; a picture stands still there.");
     }
+    if (result.isSoundDamaged) {
+        cli::failed(
+            "Warning: the take's sound can't be read to its end; the film is silent there.");
+    }
     cli::printLine(output);
     return 0;
 }
 
 int runExport(const cli::OutputRequest& request) {
-    FfmpegMediaLibrary media;
+    FfmpegMediaLibrary media(std::make_shared<YuvConverter>());
     const auto take = cli::openForOutput(request, media);
     if (!take) {
         cli::failed(take.error().message);

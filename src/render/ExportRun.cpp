@@ -19,6 +19,12 @@ int number(AssetWriterStatus status) {
     return static_cast<int>(status);
 }
 
+/// When the last picture ends, in seconds.
+double endOfVideo(const Asset& asset) {
+    const double end = asset.videoTracks.front().end.seconds();
+    return end > 0 ? end : asset.duration.seconds();
+}
+
 MediaTimeRange mediaRange(const TimeRange& range) {
     return {MediaTime::fromSeconds(range.start), MediaTime::fromSeconds(range.end - range.start)};
 }
@@ -66,6 +72,23 @@ Result<void, ExportFailure> ExportRun::startWriting(const std::filesystem::path&
         return fail(ExportFailure(std::move(writer.error())));
     }
     m_writer = *std::move(writer);
+    if (auto added = addVideoInput(); !added) {
+        return added;
+    }
+    if (auto added = addAudioInput(); !added) {
+        return added;
+    }
+    if (auto started = m_writer->startWriting(); !started) {
+        return fail(ExportFailure(std::move(started.error())));
+    }
+    m_writer->startSession(MediaTime{});
+    startReadingAudio();
+    m_ports.log.reset();
+    logStart();
+    return {};
+}
+
+Result<void, ExportFailure> ExportRun::addVideoInput() {
     const FrameSize size = m_composer->frameSize();
     auto input = m_writer->addVideoInput({
         .codec = VideoCodec::hevc,
@@ -78,13 +101,29 @@ Result<void, ExportFailure> ExportRun::startWriting(const std::filesystem::path&
         return fail(ExportFailure(std::move(input.error())));
     }
     m_videoInput = *input;
-    if (auto started = m_writer->startWriting(); !started) {
-        return fail(ExportFailure(std::move(started.error())));
-    }
-    m_writer->startSession(MediaTime{});
-    m_ports.log.reset();
-    logStart();
     return {};
+}
+
+/// The first track of sound becomes the film's, in mono.
+Result<void, ExportFailure> ExportRun::addAudioInput() {
+    if (m_asset.audioTracks.empty()) {
+        return {};
+    }
+    auto input = m_writer->addAudioInput({.channels = 1, .sampleRate = 44100, .bitRate = 128'000});
+    if (!input) {
+        return fail(ExportFailure(std::move(input.error())));
+    }
+    m_audioInput = *input;
+    return {};
+}
+
+/// One reader serves all ranges. Sound that can't be read leaves a silent film.
+void ExportRun::startReadingAudio() {
+    if (m_audioInput) {
+        auto reader = m_ports.media.makeAudioReader(m_asset, m_asset.audioTracks.front());
+        m_isSoundDamaged = !reader;
+        m_audio = AudioPump(reader ? *std::move(reader) : nullptr, *m_audioInput, m_timeline);
+    }
 }
 
 Result<void, ExportFailure> ExportRun::writeRanges(const VideoExportService::Progress& progress) {
@@ -130,7 +169,7 @@ Result<ExportRun::RangeState, ExportFailure> ExportRun::openRange(std::size_t in
     if (!reader) {
         return fail(ExportFailure(std::move(reader.error())));
     }
-    if (range.start >= m_asset.duration.seconds()) {
+    if (range.start >= endOfVideo(m_asset)) {
         (*reader)->cancelReading(); // a range beyond the video writes nothing
     }
     return RangeState{range.start, m_timeline.outputOffsets[index], framesOf(range),
@@ -174,6 +213,7 @@ Result<void, ExportFailure> ExportRun::writeFrame(RangeState& range, std::int64_
     // Kept on purpose: the result is not looked at; a grid point that the file
     // can't hold is left out.
     m_videoInput->append(buffer, MediaTime::fromSeconds(outputTime));
+    m_audio.pumpUntil(sourceTime);
     ++m_globalFrameIndex;
     progress(static_cast<double>(m_globalFrameIndex) / static_cast<double>(m_totalFrames));
     return {};
@@ -187,26 +227,55 @@ Result<void, ExportFailure> ExportRun::waitForVideoInput(std::int64_t n) {
         if (count % kWaitsPerLogLine == 0) {
             m_ports.log.log(fmt::format(
                 "  WAITING for writer (count={}) frame={} writerStatus={} audioExhausted={}", count,
-                n, number(m_writer->status()), m_globalAudioExhausted));
+                n, number(m_writer->status()), m_audio.isExhausted()));
         }
         if (m_ports.isCancelled) {
             return fail(ExportFailure(ExportError::cancelled));
         }
-        m_ports.sleep(kWaitStep);
+        makeUseOfWait();
     }
     return {};
 }
 
-ExportReport ExportRun::finish() {
+/// Feeds the sound while the pictures have to wait, else sleeps.
+void ExportRun::makeUseOfWait() {
+    if (m_audio.canPump()) {
+        m_audio.pumpOne();
+    } else if (m_audio.isExhausted() && m_audio.markAsFinished()) {
+        m_ports.log.log("  Audio marked finished (exhausted during writer wait)");
+    } else {
+        m_ports.sleep(kWaitStep);
+    }
+}
+
+/// Kept on purpose: sound that is unread when the film first stops taking it is
+/// lost. One that waits for pictures which will not come is not waited for.
+Result<void, ExportFailure> ExportRun::drainAudio() {
+    const bool isStopped = m_audio.drain();
+    while (isStopped && !m_audio.isInputReady() && !m_videoInput->isReadyForMoreMediaData() &&
+           !hasWriterEnded()) {
+        m_ports.sleep(kWaitStep);
+        if (m_ports.isCancelled) {
+            return fail(ExportFailure(ExportError::cancelled));
+        }
+    }
+    return {};
+}
+
+Result<ExportReport, ExportFailure> ExportRun::finish() {
     m_ports.log.log(
         fmt::format("All ranges done, draining remaining audio. globalAudioExhausted={}",
-                    m_globalAudioExhausted));
+                    m_audio.isExhausted()));
+    if (auto drained = drainAudio(); !drained) {
+        return fail(std::move(drained.error()));
+    }
     m_videoInput->markAsFinished();
+    m_audio.markAsFinished();
     m_ports.log.log("All ranges done, finishing writer...");
     auto finished = m_writer->finishWriting();
     m_ports.log.log(fmt::format("Export DONE. writerStatus={}", number(m_writer->status())));
     ExportReport report{m_writer->status(), m_writer->error(), m_globalFrameIndex,
-                        m_isSourceDamaged};
+                        m_isSourceDamaged, m_isSoundDamaged || m_audio.isDamaged()};
     if (!finished && !report.writerError) {
         report.writerError = std::move(finished.error());
     }

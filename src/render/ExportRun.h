@@ -1,5 +1,6 @@
 #pragma once
 
+#include "render/AudioPump.h"
 #include "render/CameraFrames.h"
 #include "render/ExportLog.h"
 #include "render/FrameComposer.h"
@@ -36,8 +37,8 @@ public:
     /// Writes every range, one after the other.
     Result<void, ExportFailure> writeRanges(const VideoExportService::Progress& progress);
 
-    /// Completes the file.
-    ExportReport finish();
+    /// Hands on the rest of the sound and completes the file.
+    Result<ExportReport, ExportFailure> finish();
 
 private:
     /// What one range needs while it is written.
@@ -49,6 +50,9 @@ private:
         CameraFrames camera;
     };
 
+    Result<void, ExportFailure> addVideoInput();
+    Result<void, ExportFailure> addAudioInput();
+    void startReadingAudio();
     Result<void, ExportFailure> writeRange(std::size_t index,
                                            const VideoExportService::Progress& progress);
     Result<RangeState, ExportFailure> openRange(std::size_t index);
@@ -56,6 +60,8 @@ private:
     Result<void, ExportFailure> writeFrame(RangeState& range, std::int64_t n,
                                            const VideoExportService::Progress& progress);
     Result<void, ExportFailure> waitForVideoInput(std::int64_t n);
+    void makeUseOfWait();
+    Result<void, ExportFailure> drainAudio();
     std::int64_t framesOf(const TimeRange& range) const;
     std::int64_t framesFor(double seconds) const;
     bool hasWriterEnded() const;
@@ -69,11 +75,13 @@ private:
     OutputTimeline m_timeline;
     std::unique_ptr<FrameComposer> m_composer;
     std::unique_ptr<AssetWriter> m_writer;
-    VideoWriterInput* m_videoInput = nullptr; ///< Owned by the writer.
+    VideoWriterInput* m_videoInput = nullptr; ///< Owned by the writer, as the next.
+    AudioWriterInput* m_audioInput = nullptr; ///< Null for a take without sound.
     std::int64_t m_totalFrames = 0;
     std::int64_t m_globalFrameIndex = 0;
-    bool m_globalAudioExhausted = false;
+    AudioPump m_audio;
     bool m_isSourceDamaged = false;
+    bool m_isSoundDamaged = false;
 };
 
 } // namespace tavi

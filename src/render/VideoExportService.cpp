@@ -37,7 +37,7 @@ VideoExportService::exportProject(const EditProject& project, const std::filesys
     return run.open()
         .and_then([&] { return run.startWriting(output); })
         .and_then([&] { return run.writeRanges(progress); })
-        .map([&] { return run.finish(); });
+        .and_then([&] { return run.finish(); });
 }
 
 std::filesystem::path exportLogFile() {

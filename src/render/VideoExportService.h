@@ -20,8 +20,9 @@ struct ExportReport {
     AssetWriterStatus writerStatus = AssetWriterStatus::unknown;
     std::optional<MediaError> writerError; ///< Why the writer failed, when it did.
     std::int64_t framesAppended = 0;
-    bool isSourceDamaged =
-        false; ///< A part of the video can't be read; a picture stands still there.
+    bool isSourceDamaged = false; ///< A part of the video can't be read; a picture
+                                  ///< stands still there.
+    bool isSoundDamaged = false;  ///< The sound can't be read to its end, or not at all.
 
     /// True when there is a finished file.
     bool hasFile() const {
