@@ -141,7 +141,7 @@ PixelBufferPtr scaledPicture(const PixelBuffer& picture, int width, int height) 
     return canvas.isValid() ? image : nullptr;
 }
 
-PixelBufferPtr builtInArrow(double size) {
+PixelBufferPtr drawBuiltInArrow(double size) {
     const double unit = size / kArrowUnits;
     auto image = std::make_shared<PixelBuffer>(wholePixels(kArrowWidth * unit),
                                                wholePixels(kArrowHeight * unit));
@@ -160,6 +160,17 @@ PixelBufferPtr builtInArrow(double size) {
     cairo_set_source_rgba(context, 0, 0, 0, kArrowOutlineAlpha);
     cairo_set_line_width(context, kArrowOutline);
     cairo_stroke(context);
+    return image;
+}
+
+/// Kept in a slot of its own: it never stands in for a desktop arrow that comes later.
+PixelBufferPtr builtInArrow(double size) {
+    static PictureSlot slot;
+    PixelBufferPtr image = slot.find(size);
+    if (!image) {
+        image = drawBuiltInArrow(size);
+        slot.store(size, image);
+    }
     return image;
 }
 

@@ -19,12 +19,6 @@ int number(AssetWriterStatus status) {
     return static_cast<int>(status);
 }
 
-/// When the last picture ends, in seconds.
-double endOfVideo(const Asset& asset) {
-    const double end = asset.videoTracks.front().end.seconds();
-    return end > 0 ? end : asset.duration.seconds();
-}
-
 MediaTimeRange mediaRange(const TimeRange& range) {
     return {MediaTime::fromSeconds(range.start), MediaTime::fromSeconds(range.end - range.start)};
 }
@@ -205,18 +199,35 @@ Result<void, ExportFailure> ExportRun::writeFrame(RangeState& range, std::int64_
     if (auto waited = waitForVideoInput(n); !waited) {
         return waited;
     }
-    const std::shared_ptr<PixelBuffer> buffer = m_videoInput->makePixelBuffer();
-    if (!buffer) {
+    if (!appendPicture(range, outputTime)) {
         return {};
     }
-    m_composer->composeFrame(range.source.current(), range.camera.current(), outputTime, *buffer);
-    // Kept on purpose: the result is not looked at; a grid point that the file
-    // can't hold is left out.
-    m_videoInput->append(buffer, MediaTime::fromSeconds(outputTime));
     m_audio.pumpUntil(sourceTime);
     ++m_globalFrameIndex;
     progress(static_cast<double>(m_globalFrameIndex) / static_cast<double>(m_totalFrames));
     return {};
+}
+
+/// Composes and appends the picture of a grid point, or repeats the last one where
+/// nothing has changed. False when there was no memory for it.
+///
+/// Kept on purpose: what append says doesn't count; a grid point that the file
+/// can't hold is left out.
+bool ExportRun::appendPicture(const RangeState& range, double outputTime) {
+    const PixelBufferPtr& frame = range.source.current();
+    const PixelBufferPtr& camera = range.camera.current();
+    const MediaTime time = MediaTime::fromSeconds(outputTime);
+    if (m_isLastInFilm && m_composer->isRepeat(frame, camera, outputTime)) {
+        m_videoInput->appendRepeat(time);
+        return true;
+    }
+    std::shared_ptr<PixelBuffer> buffer = m_videoInput->makePixelBuffer();
+    if (!buffer) {
+        return false;
+    }
+    m_composer->composeFrame(frame, camera, outputTime, *buffer);
+    m_isLastInFilm = m_videoInput->append(std::move(buffer), time);
+    return true;
 }
 
 Result<void, ExportFailure> ExportRun::waitForVideoInput(std::int64_t n) {

@@ -59,6 +59,7 @@ private:
     CameraFrames openCameraRange(const TimeRange& range) const;
     Result<void, ExportFailure> writeFrame(RangeState& range, std::int64_t n,
                                            const VideoExportService::Progress& progress);
+    bool appendPicture(const RangeState& range, double outputTime);
     Result<void, ExportFailure> waitForVideoInput(std::int64_t n);
     void makeUseOfWait();
     Result<void, ExportFailure> drainAudio();
@@ -80,6 +81,7 @@ private:
     std::int64_t m_totalFrames = 0;
     std::int64_t m_globalFrameIndex = 0;
     AudioPump m_audio;
+    bool m_isLastInFilm = false; ///< The picture composed last was appended.
     bool m_isSourceDamaged = false;
     bool m_isSoundDamaged = false;
 };

@@ -11,22 +11,15 @@ namespace tavi {
 
 namespace {
 
-/// Where a picture touches the point that it marks, as fractions of its sides
-/// from its top left corner.
-struct HotSpot {
-    double x = 0;
-    double y = 0;
-};
-
 double fraction(double part, double whole) {
     const double f = part / whole;
     return std::isfinite(f) ? f : 0;
 }
 
-/// A cursor picture with its hot spot.
+/// A cursor picture with its hot spot, as fractions of its sides from its top left corner.
 struct CursorPicture {
     PixelBufferPtr image;
-    HotSpot hotSpot;
+    Point hotSpot;
 };
 
 CursorPicture systemPicture(const CursorRenderer& cursor, double time, double size) {
@@ -64,6 +57,10 @@ CursorRenderer makeCursorRenderer(const EditProject& project, std::vector<Cursor
                                 project.cursorImages, project.cursorImageInfos);
 }
 
+bool isMoving(const AppearanceSettings& settings) {
+    return settings.backgroundStyle == BackgroundStyle::wallpaper && settings.animateBackground;
+}
+
 Size outputSizeOf(const EditProject& project, Size sourceSize) {
     const OutputSettings& output = project.outputSettings;
     return resolvedOutputSize(output.resolution, output.autoAspectRatio, sourceSize);
@@ -77,7 +74,8 @@ FrameComposer::FrameComposer(const EditProject& project, OutputTimeline timeline
       m_keyframes(std::move(timeline.keyframes)),
       m_cursor(makeCursorRenderer(project, std::move(timeline.cursorEvents), sourceSize)),
       m_background(project.appearanceSettings, m_outputSize),
-      m_cameraBubble(project.cameraSettings, m_background.outputSize()) {
+      m_cameraBubble(project.cameraSettings, m_background.outputSize()),
+      m_hasMovingBackground(isMoving(project.appearanceSettings)) {
     m_outputSize = m_background.outputSize();
 }
 
@@ -87,57 +85,80 @@ Point FrameComposer::Placement::place(Point source) const {
 
 void FrameComposer::composeFrame(const PixelBufferPtr& frame, const PixelBufferPtr& cameraImage,
                                  double outputTime, ImageView out) {
-    const Rect crop = evaluateCamera(m_keyframes, outputTime, m_sourceSize,
-                                     m_outputSize.width / m_outputSize.height);
-    m_background.compose(frame, crop, outputTime, out);
-    drawContentOverlays(crop, outputTime, out);
-    if (const auto keys = m_keystrokes.keystrokeOverlayImage(m_cursor, outputTime, m_outputSize)) {
-        drawPicture(*keys, {0, 0}, out);
+    m_drawn = lookAt(frame, cameraImage, outputTime);
+    m_background.compose(frame, m_drawn->crop, outputTime, out);
+    drawContentOverlays(*m_drawn, out);
+    if (m_drawn->keys) {
+        drawPicture(*m_drawn->keys, {0, 0}, out);
     }
     m_cameraBubble.draw(cameraImage, out);
 }
 
-void FrameComposer::drawContentOverlays(const Rect& crop, double time, ImageView out) const {
+bool FrameComposer::isRepeat(const PixelBufferPtr& frame, const PixelBufferPtr& cameraImage,
+                             double outputTime) {
+    return m_drawn && frame == m_drawn->frame && *m_drawn == lookAt(frame, cameraImage, outputTime);
+}
+
+FrameComposer::Look FrameComposer::lookAt(const PixelBufferPtr& frame,
+                                          const PixelBufferPtr& cameraImage, double outputTime) {
+    const Rect crop = evaluateCamera(m_keyframes, outputTime, m_sourceSize,
+                                     m_outputSize.width / m_outputSize.height);
+    return {frame,
+            cameraImage,
+            crop,
+            m_hasMovingBackground ? outputTime : 0,
+            cursorLook(crop, outputTime),
+            rippleLook(crop, outputTime),
+            m_keystrokes.keystrokeOverlayImage(m_cursor, outputTime, m_outputSize)};
+}
+
+std::optional<FrameComposer::CursorLook> FrameComposer::cursorLook(const Rect& crop,
+                                                                   double time) const {
+    if (!m_cursor.settings.showCursor) {
+        return std::nullopt;
+    }
+    const std::optional<Point> position = m_cursor.position(time);
+    if (!position || !crop.contains(*position)) {
+        return std::nullopt;
+    }
+    // Kept on purpose: the content grows with the zoom and the cursor shrinks.
+    CursorPicture picture =
+        cursorPicture(m_cursor, time, m_cursor.settings.cursorSize / zoomOf(crop));
+    return CursorLook{std::move(picture.image), picture.hotSpot, *position};
+}
+
+/// Kept on purpose: one ripple a frame, the oldest one inside the crop.
+std::optional<FrameComposer::RippleLook> FrameComposer::rippleLook(const Rect& crop,
+                                                                   double time) const {
+    for (const CursorRenderer::ClickEffectState& click : m_cursor.clickEffects(time)) {
+        const Point source{click.position.x, m_cursor.videoHeight - click.position.y};
+        if (crop.contains(source)) {
+            return RippleLook{source, click.progress};
+        }
+    }
+    return std::nullopt;
+}
+
+void FrameComposer::drawContentOverlays(const Look& look, ImageView out) const {
     if (!(m_background.contentScale() > 0)) {
         return; // no content, nothing to point at
     }
-    const Placement placement{crop, m_background.contentScale(), m_background.contentOffset(),
-                              m_sourceSize.width / crop.width};
-    drawCursor(placement, time, out);
-    drawClickEffect(placement, time, out);
-}
-
-void FrameComposer::drawCursor(const Placement& placement, double time, ImageView out) const {
-    if (!m_cursor.settings.showCursor) {
-        return;
+    const Placement placement{look.crop, m_background.contentScale(), m_background.contentOffset()};
+    if (look.cursor) {
+        const Point point = placement.place(look.cursor->position);
+        const PixelBuffer& image = *look.cursor->image;
+        drawPicture(image,
+                    {point.x - image.width() * look.cursor->hotSpot.x,
+                     point.y - (1 - look.cursor->hotSpot.y) * image.height()},
+                    out);
     }
-    const std::optional<Point> position = m_cursor.position(time);
-    if (!position || !placement.crop.contains(*position)) {
-        return;
-    }
-    // Kept on purpose: the content grows with the zoom and the cursor shrinks.
-    const double size = m_cursor.settings.cursorSize / placement.zoom;
-    const CursorPicture picture = cursorPicture(m_cursor, time, size);
-    const Point point = placement.place(*position);
-    drawPicture(*picture.image,
-                {point.x - picture.image->width() * picture.hotSpot.x,
-                 point.y - (1 - picture.hotSpot.y) * picture.image->height()},
-                out);
-}
-
-void FrameComposer::drawClickEffect(const Placement& placement, double time, ImageView out) const {
-    for (const CursorRenderer::ClickEffectState& click : m_cursor.clickEffects(time)) {
-        const Point source{click.position.x, m_cursor.videoHeight - click.position.y};
-        if (!placement.crop.contains(source)) {
-            continue;
-        }
-        // Kept on purpose: one ripple a frame, the oldest one inside the crop.
-        const Point point = placement.place(source);
+    if (look.ripple) {
+        const Point point = placement.place(look.ripple->position);
         const double radius = m_cursor.settings.cursorSize *
-                              CursorRenderer::kClickEffectRadiusFactor / placement.zoom;
-        const PlacedPicture ripple = clickEffectImage(point.x, point.y, click.progress, radius);
+                              CursorRenderer::kClickEffectRadiusFactor / zoomOf(look.crop);
+        const PlacedPicture ripple =
+            clickEffectImage(point.x, point.y, look.ripple->progress, radius);
         drawPicture(*ripple.image, ripple.origin, out);
-        return;
     }
 }
 

@@ -9,6 +9,7 @@
 #include "render/CameraBubble.h"
 #include "render/OutputTimeline.h"
 
+#include <optional>
 #include <vector>
 
 namespace tavi {
@@ -40,20 +41,53 @@ public:
     void composeFrame(const PixelBufferPtr& frame, const PixelBufferPtr& cameraImage,
                       double outputTime, ImageView out);
 
+    /// True where composeFrame() would draw, pixel for pixel, what it drew last.
+    /// Costs next to nothing beside it.
+    bool isRepeat(const PixelBufferPtr& frame, const PixelBufferPtr& cameraImage,
+                  double outputTime);
+
 private:
+    /// The cursor: what is drawn, and the source point that it marks.
+    struct CursorLook {
+        PixelBufferPtr image;
+        Point hotSpot; ///< As fractions of the picture's sides from its top left corner.
+        Point position;
+        bool operator==(const CursorLook&) const = default;
+    };
+
+    /// The ripple of a click.
+    struct RippleLook {
+        Point position; ///< Source point.
+        double progress = 0;
+        bool operator==(const RippleLook&) const = default;
+    };
+
+    /// All that decides what a frame looks like.
+    struct Look {
+        PixelBufferPtr frame;
+        PixelBufferPtr cameraImage;
+        Rect crop;                 ///< Source pixels.
+        double backgroundTime = 0; ///< 0 for a background that doesn't move.
+        std::optional<CursorLook> cursor;
+        std::optional<RippleLook> ripple;
+        PixelBufferPtr keys; ///< Null without.
+        bool operator==(const Look&) const = default;
+    };
+
     /// Where source points land in the output for one frame.
     struct Placement {
         Rect crop; ///< Source pixels.
         double scale = 0;
         Point offset;
-        double zoom = 1; ///< Source width over the crop's.
 
         Point place(Point source) const;
     };
 
-    void drawContentOverlays(const Rect& crop, double time, ImageView out) const;
-    void drawCursor(const Placement& placement, double time, ImageView out) const;
-    void drawClickEffect(const Placement& placement, double time, ImageView out) const;
+    Look lookAt(const PixelBufferPtr& frame, const PixelBufferPtr& cameraImage, double outputTime);
+    double zoomOf(const Rect& crop) const { return m_sourceSize.width / crop.width; }
+    std::optional<CursorLook> cursorLook(const Rect& crop, double time) const;
+    std::optional<RippleLook> rippleLook(const Rect& crop, double time) const;
+    void drawContentOverlays(const Look& look, ImageView out) const;
 
     Size m_sourceSize;
     Size m_outputSize;
@@ -62,6 +96,8 @@ private:
     BackgroundRenderer m_background;
     KeystrokePictures m_keystrokes;
     CameraBubble m_cameraBubble;
+    bool m_hasMovingBackground = false;
+    std::optional<Look> m_drawn; ///< The last one drawn.
 };
 
 } // namespace tavi

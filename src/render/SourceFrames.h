@@ -7,6 +7,9 @@
 
 namespace tavi {
 
+/// When the last picture of a video ends, in seconds. The asset has a track of it.
+double endOfVideo(const Asset& asset);
+
 /// The source frame in force while time runs forward over one range.
 ///
 /// The first frame of the range stands from its beginning, whatever its time;
@@ -21,7 +24,8 @@ public:
     /// without a picture leaves the one before it in force.
     void advance(double sourceTime);
 
-    /// The picture in force; null where the range has none.
+    /// The picture in force; null where the range has none. It stays the same
+    /// object while what the source shows stays the same.
     const PixelBufferPtr& current() const { return m_current; }
 
     VideoReader& reader() { return *m_reader; }

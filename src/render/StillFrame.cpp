@@ -62,7 +62,7 @@ Result<PixelBuffer, std::string> renderStillFrame(MediaLibrary& media, const Ass
     if (!reader) {
         return fail(reader.error().description());
     }
-    if (moment->rangeStart >= asset.duration.seconds()) {
+    if (moment->rangeStart >= endOfVideo(asset)) {
         (*reader)->cancelReading(); // a range beyond the video shows nothing
     }
     SourceFrames source(*std::move(reader));

@@ -43,8 +43,13 @@ TEST_F(CursorPictures, theBuiltInArrowHasItsTipAtTheTopLeft) {
     EXPECT_NEAR(pixelAt(*arrow, 7, 100).alpha, 217, 2); // and beyond it
 }
 
-TEST_F(CursorPictures, theBuiltInArrowIsNotStored) {
-    EXPECT_NE(pointerImage(20), pointerImage(20));
+TEST_F(CursorPictures, theBuiltInArrowIsKeptButGivesWayToTheDesktops) {
+    const PixelBufferPtr builtIn = pointerImage(20);
+    EXPECT_EQ(pointerImage(20), builtIn);
+    setDesktopArrow(shared(plainPicture(12, 24, {0, 0, 200, 255})));
+    EXPECT_NE(pointerImage(20), builtIn);
+    setDesktopArrow(nullptr);
+    EXPECT_EQ(pointerImage(20), builtIn);
 }
 
 TEST_F(CursorPictures, theDesktopsArrowIsScaledToTheSizeAndKept) {

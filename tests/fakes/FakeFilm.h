@@ -60,6 +60,8 @@ public:
     int failsAfterFrames = -1; ///< The writer fails once it has that many; -1 never.
     std::set<std::size_t> framesWithoutBuffer; ///< Requests, from 0, that get no buffer.
 
+    std::set<std::size_t> framesNotTaken; ///< Appends, from 0, that are refused.
+
     // What happened.
     std::vector<WrittenFrame> written;
     std::vector<MediaTime> writtenAudio;
@@ -253,6 +255,9 @@ private:
 
     private:
         bool keep(WrittenFrame frame) {
+            if (m_film.framesNotTaken.count(m_appends++) > 0) {
+                return false;
+            }
             m_film.written.push_back(frame);
             if (static_cast<int>(m_film.written.size()) == m_film.failsAfterFrames) {
                 m_film.writerStatus = AssetWriterStatus::failed;
@@ -263,6 +268,7 @@ private:
         FakeFilm& m_film;
         mutable int m_polls;
         std::size_t m_requests = 0;
+        std::size_t m_appends = 0;
     };
 
     class Writer final : public AssetWriter {

@@ -50,6 +50,32 @@ TEST_F(ExportOfATake, sourceFramesAreRepeatedWhereTheGridIsFiner) {
                                       60, 60, 70, 70, 80, 80, 80, 90, 90));
 }
 
+std::vector<bool> repeats(const FakeFilm& film) {
+    std::vector<bool> values;
+    for (const auto& frame : film.written) {
+        values.push_back(frame.isRepeat);
+    }
+    return values;
+}
+
+TEST_F(ExportOfATake, picturesThatStayTheSameAreRepeated) {
+    film.samples = {{0, true, 10}, {0.2, true, 20}, {0.3, true, 20}, {0.5, true, 30}};
+    project.trimState.outPoint = 0.7;
+    ASSERT_TRUE(run());
+    EXPECT_THAT(shades(), ElementsAre(10, 10, 20, 20, 20, 30, 30));
+    EXPECT_THAT(repeats(film), ElementsAre(false, true, false, true, true, false, true));
+    EXPECT_EQ(progress.size(), 7u);
+}
+
+TEST_F(ExportOfATake, pictureThatTheFilmRefusedIsNotRepeated) {
+    film.samples = {{0, true, 10}};
+    film.framesNotTaken = {0, 3};
+    project.trimState.outPoint = 0.5;
+    ASSERT_TRUE(run());
+    EXPECT_THAT(times(), ElementsAre(60, 120, 240));
+    EXPECT_THAT(repeats(film), ElementsAre(false, true, true));
+}
+
 TEST_F(ExportOfATake, sourceFramesAreSkippedWhereTheGridIsCoarser) {
     project.outputSettings.fps = 4;
     ASSERT_TRUE(run());
