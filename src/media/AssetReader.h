@@ -69,9 +69,12 @@ public:
 };
 
 /// Decodes one track of sound from its beginning to its end, in buffers of
-/// kFramesPerBuffer moments (the last one may be shorter), at the rate and with
-/// the channels of the source, in order of time and without overlap. What the
-/// encoder put in front of the sound (priming) and what an edit list hides is left out.
+/// kFramesPerBuffer moments (the last one and one before a gap may be shorter), at
+/// the rate and with the channels of the source, in order of time and without
+/// overlap. A gap in the file, also one left by a damaged stretch, stays one: the
+/// next buffer's time is later than the end of the one before. What the encoder put
+/// in front of the sound (priming) and behind it (padding), what an edit list hides
+/// and what lies before the movie's zero is left out.
 /// Threads: one caller at a time; the adapter may decode ahead on its own.
 class AudioReader {
 public:

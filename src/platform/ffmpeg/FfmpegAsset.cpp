@@ -83,12 +83,11 @@ MediaTime durationFromTracks(const AVFormatContext& input) {
     return longest;
 }
 
-int channelCount(const AVCodecParameters& codec) {
-#if LIBAVCODEC_VERSION_INT >= AV_VERSION_INT(59, 24, 100)
-    return codec.ch_layout.nb_channels;
-#else
-    return codec.channels;
-#endif
+/// Where a track's own description says that it ends; 0 where it says nothing.
+MediaTime trackEnd(const AVStream& stream) {
+    const bool isKnown = stream.start_time != AV_NOPTS_VALUE && stream.duration > 0;
+    return isKnown ? streamTime(stream.start_time + stream.duration, stream.time_base)
+                   : MediaTime{};
 }
 
 } // namespace
@@ -130,10 +129,10 @@ Asset describeAsset(const fs::path& path, const AVFormatContext& input) {
         const AVCodecParameters& codec = *input.streams[i]->codecpar;
         if (isPicture(*input.streams[i])) {
             const Size size{static_cast<double>(codec.width), static_cast<double>(codec.height)};
-            asset.videoTracks.push_back({static_cast<int>(i), size});
+            asset.videoTracks.push_back({static_cast<int>(i), size, trackEnd(*input.streams[i])});
         } else if (codec.codec_type == AVMEDIA_TYPE_AUDIO) {
             asset.audioTracks.push_back(
-                {static_cast<int>(i), codec.sample_rate, channelCount(codec)});
+                {static_cast<int>(i), codec.sample_rate, codec.ch_layout.nb_channels});
         }
     }
     return asset;

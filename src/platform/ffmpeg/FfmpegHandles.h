@@ -5,6 +5,7 @@ extern "C" {
 #include <libavformat/avformat.h>
 #include <libavutil/buffer.h>
 #include <libavutil/frame.h>
+#include <libswresample/swresample.h>
 #include <libswscale/swscale.h>
 }
 
@@ -40,6 +41,10 @@ struct FreeScaler {
     void operator()(SwsContext* context) const { sws_freeContext(context); }
 };
 
+struct FreeResampler {
+    void operator()(SwrContext* context) const { swr_free(&context); }
+};
+
 struct FreeBuffer {
     void operator()(AVBufferRef* buffer) const { av_buffer_unref(&buffer); }
 };
@@ -50,6 +55,7 @@ using CodecHandle = std::unique_ptr<AVCodecContext, FreeCodec>;
 using FrameHandle = std::unique_ptr<AVFrame, FreeFrame>;
 using PacketHandle = std::unique_ptr<AVPacket, FreePacket>;
 using ScalerHandle = std::unique_ptr<SwsContext, FreeScaler>;
+using ResamplerHandle = std::unique_ptr<SwrContext, FreeResampler>;
 using BufferHandle = std::unique_ptr<AVBufferRef, FreeBuffer>;
 
 /// The options of an open call; what the call leaves in it are unknown options.
