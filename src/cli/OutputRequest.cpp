@@ -1,6 +1,8 @@
 #include "cli/OutputRequest.h"
 
 #include "cli/OutputFile.h"
+#include "cursor/CursorPictures.h"
+#include "platform/x11/DesktopArrow.h"
 #include "project/ProjectOverrides.h"
 #include "project/RecordingFolder.h"
 
@@ -17,6 +19,8 @@ constexpr int kWrongUsage = 2;
 constexpr std::int64_t kHighestRate = MediaTime::kPreferredTimescale; // one step of the time grid
 constexpr double kSmallestSide = 16;                                  // of H.265 encoders
 constexpr double kLargestSide = 16384;
+
+constexpr int kArrowHeight = 96; ///< Pixels: the largest that themes commonly have.
 
 Result<void, Failure> checkOutputOptions(const OpenTake& take) {
     const OutputSettings& output = take.project.outputSettings;
@@ -64,6 +68,7 @@ Result<OpenTake, Failure> openForOutput(const OutputRequest& request, MediaLibra
     if (auto checked = checkOutputFile(request.output, take->folder); !checked) {
         return fail(Failure{kFailed, std::move(checked.error())});
     }
+    setDesktopArrow(desktopArrow(kArrowHeight));
     return *std::move(take);
 }
 

@@ -30,7 +30,7 @@ struct Failure {
 /// Opens the take for one run, with its `recordingPath` set to the folder that
 /// was named, after looking whether the options can make a film at all (rates
 /// and sizes that the encoder and the time grid can hold) and the output can be
-/// written.
+/// written. The desktop's arrow becomes the one that is drawn.
 Result<OpenTake, Failure> openForOutput(const OutputRequest& request, MediaLibrary& media);
 
 } // namespace tavi::cli

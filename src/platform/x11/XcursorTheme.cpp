@@ -107,10 +107,8 @@ std::optional<XcursorImage> arrowIn(const std::filesystem::path& theme, int size
     return std::nullopt;
 }
 
-} // namespace
-
-XcursorChoice xcursorChoice(const XConnection& connection) {
-    const std::string resources = serverResources(connection);
+/// What the environment says, else the resources; a size of 0 where neither does.
+XcursorChoice choiceFrom(const std::string& resources) {
     XcursorChoice choice;
     for (const auto& theme : {environment("XCURSOR_THEME"), resource(resources, "Xcursor.theme")}) {
         if (!theme.empty()) {
@@ -118,12 +116,31 @@ XcursorChoice xcursorChoice(const XConnection& connection) {
             break;
         }
     }
-    choice.size = usualSize(connection, resources);
+    choice.size = 0;
     for (const auto& size : {environment("XCURSOR_SIZE"), resource(resources, "Xcursor.size")}) {
         if (numberIn(size) > 0) {
             choice.size = numberIn(size);
             break;
         }
+    }
+    return choice;
+}
+
+} // namespace
+
+XcursorChoice xcursorChoice() {
+    XcursorChoice choice = choiceFrom({});
+    if (choice.size == 0) {
+        choice.size = XcursorChoice{}.size;
+    }
+    return choice;
+}
+
+XcursorChoice xcursorChoice(const XConnection& connection) {
+    const std::string resources = serverResources(connection);
+    XcursorChoice choice = choiceFrom(resources);
+    if (choice.size == 0) {
+        choice.size = usualSize(connection, resources);
     }
     return choice;
 }

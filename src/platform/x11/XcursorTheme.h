@@ -21,6 +21,9 @@ struct XcursorChoice {
 /// that goes with the screen's resolution.
 XcursorChoice xcursorChoice(const XConnection& connection);
 
+/// The same where there is no server to ask.
+XcursorChoice xcursorChoice();
+
 /// The folders that hold cursor themes: $XCURSOR_PATH, else the usual ones.
 std::vector<std::filesystem::path> xcursorFolders();
 
