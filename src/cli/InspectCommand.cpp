@@ -3,6 +3,7 @@
 #include "cli/Output.h"
 #include "cli/TakeInspection.h"
 #include "platform/ffmpeg/FfmpegMediaLibrary.h"
+#include "render/YuvConverter.h"
 
 #include <CLI/CLI.hpp>
 
@@ -13,7 +14,7 @@ namespace tavi {
 namespace {
 
 int runInspect(const std::string& argument, const cli::InspectionRequest& request) {
-    FfmpegMediaLibrary media;
+    FfmpegMediaLibrary media(std::make_shared<YuvConverter>());
     const auto take = cli::openTake(argument, media);
     if (!take) {
         return cli::failed(take.error());

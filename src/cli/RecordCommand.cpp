@@ -13,6 +13,7 @@
 #include "platform/x11/X11ScreenStreams.h"
 #include "platform/x11/X11ShareableContent.h"
 #include "project/RecordingFolder.h"
+#include "render/YuvConverter.h"
 
 #include <CLI/CLI.hpp>
 #include <QCoreApplication>
@@ -116,7 +117,7 @@ int recordDisplay(const Display& display, const TakeOptions& options,
         return cli::failed((monitors ? pointer.error() : monitors.error()).description());
     }
     X11ScreenStreams streams;
-    FfmpegMediaLibrary media;
+    FfmpegMediaLibrary media(std::make_shared<YuvConverter>());
     FfmpegImageFiles imageFiles;
     PosixHelperLauncher launcher;
     SystemClock clock;

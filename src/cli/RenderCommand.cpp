@@ -5,6 +5,7 @@
 #include "platform/ffmpeg/FfmpegImageFiles.h"
 #include "platform/ffmpeg/FfmpegMediaLibrary.h"
 #include "render/StillFrame.h"
+#include "render/YuvConverter.h"
 
 #include <CLI/CLI.hpp>
 
@@ -20,7 +21,7 @@ struct RenderOptions {
 };
 
 int runRender(const RenderOptions& options) {
-    FfmpegMediaLibrary media;
+    FfmpegMediaLibrary media(std::make_shared<YuvConverter>());
     const auto take = cli::openForOutput(options.request, media);
     if (!take) {
         cli::failed(take.error().message);

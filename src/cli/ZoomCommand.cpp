@@ -7,6 +7,7 @@
 #include "project/EditProjectJson.h"
 #include "project/RecordingFolder.h"
 #include "project/TakeLoader.h"
+#include "render/YuvConverter.h"
 
 #include <CLI/CLI.hpp>
 #include <fmt/format.h>
@@ -35,7 +36,7 @@ int printKeyframes(const std::vector<ZoomKeyframe>& keyframes) {
 }
 
 int runZoom(const ZoomOptions& options) {
-    FfmpegMediaLibrary media;
+    FfmpegMediaLibrary media(std::make_shared<YuvConverter>());
     auto take = cli::openTake(options.take, media);
     if (!take) {
         return cli::failed(take.error());

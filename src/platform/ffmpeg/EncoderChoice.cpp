@@ -38,7 +38,7 @@ std::string failureOf(const EncoderKind& kind, VideoSettings settings) {
         settings.width = kSoftwareTrialWidth;
         settings.height = kSoftwareTrialHeight;
     }
-    auto encoder = VideoEncoder::open(kind, settings, settings.expectedFrameRate);
+    auto encoder = VideoEncoder::open(kind, settings, settings.expectedFrameRate, nullptr);
     if (!encoder) {
         return encoder.error();
     }
@@ -82,8 +82,9 @@ const EncoderTrial& EncoderChoice::trial(const EncoderKind& kind, const VideoSet
     return found->second;
 }
 
-Result<std::unique_ptr<VideoEncoder>, MediaError> EncoderChoice::open(const VideoSettings& settings,
-                                                                      int timescale) {
+Result<std::unique_ptr<VideoEncoder>, MediaError>
+EncoderChoice::open(const VideoSettings& settings, int timescale,
+                    std::shared_ptr<const ColorConverter> colours) {
     std::string reason = "none is known";
     for (const EncoderKind& kind : encoderKinds(settings.codec)) {
         const EncoderTrial& tried = trial(kind, settings);
@@ -91,7 +92,7 @@ Result<std::unique_ptr<VideoEncoder>, MediaError> EncoderChoice::open(const Vide
             reason = tried.name + ": " + tried.reason;
             continue;
         }
-        auto encoder = VideoEncoder::open(kind, settings, timescale);
+        auto encoder = VideoEncoder::open(kind, settings, timescale, colours);
         if (encoder) {
             return std::move(*encoder);
         }

@@ -32,10 +32,11 @@ public:
     /// The one of this process.
     static EncoderChoice& shared();
 
-    /// Opens the first encoder that works for `settings`.
+    /// Opens the first encoder that works for `settings`. `colours`: see PictureEncoding.
     /// Errors: noEncoder, with the reason of the last one tried.
-    Result<std::unique_ptr<VideoEncoder>, MediaError> open(const VideoSettings& settings,
-                                                           int timescale);
+    Result<std::unique_ptr<VideoEncoder>, MediaError>
+    open(const VideoSettings& settings, int timescale,
+         std::shared_ptr<const ColorConverter> colours);
 
     /// The result of every encoder that is known for the codec, in the order of
     /// preference, each of them tried.

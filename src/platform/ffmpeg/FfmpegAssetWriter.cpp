@@ -8,10 +8,12 @@
 namespace tavi {
 
 FfmpegAssetWriter::FfmpegAssetWriter(std::filesystem::path path, FileType type,
-                                     EncoderChoice& encoders)
+                                     EncoderChoice& encoders,
+                                     std::shared_ptr<const ColorConverter> colours)
     : m_path(std::move(path)),
       m_timescale(MovieFile::timescale(type)),
       m_encoders(encoders),
+      m_colours(std::move(colours)),
       m_file(m_path, type) {}
 
 FfmpegAssetWriter::~FfmpegAssetWriter() {
@@ -21,7 +23,7 @@ FfmpegAssetWriter::~FfmpegAssetWriter() {
 Result<VideoWriterInput*, MediaError>
 FfmpegAssetWriter::addVideoInput(const VideoSettings& settings) {
     assert(status() == AssetWriterStatus::unknown);
-    auto encoder = m_encoders.open(settings, m_timescale);
+    auto encoder = m_encoders.open(settings, m_timescale, m_colours);
     if (!encoder) {
         return fail(mediaError(encoder.error().kind, m_path, encoder.error().reason));
     }

@@ -15,7 +15,9 @@ namespace tavi {
 /// in AssetWriter, what lies on the disk meanwhile in MovieFile.
 class FfmpegAssetWriter final : public AssetWriter {
 public:
-    FfmpegAssetWriter(std::filesystem::path path, FileType type, EncoderChoice& encoders);
+    /// `colours`: see PictureEncoding.
+    FfmpegAssetWriter(std::filesystem::path path, FileType type, EncoderChoice& encoders,
+                      std::shared_ptr<const ColorConverter> colours);
     ~FfmpegAssetWriter() override;
 
     Result<VideoWriterInput*, MediaError> addVideoInput(const VideoSettings& settings) override;
@@ -35,6 +37,7 @@ private:
     const std::filesystem::path m_path;
     const int m_timescale;
     EncoderChoice& m_encoders;
+    const std::shared_ptr<const ColorConverter> m_colours;
     WriterState m_state;
     MovieFile m_file;
     std::vector<std::unique_ptr<FfmpegVideoInput>>

@@ -8,6 +8,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <utility>
 
 namespace tavi {
 
@@ -43,7 +44,8 @@ Size fitted(Size size, Size bounds) {
 
 } // namespace
 
-FfmpegImageGenerator::FfmpegImageGenerator() {
+FfmpegImageGenerator::FfmpegImageGenerator(std::shared_ptr<const ColorConverter> colours)
+    : m_colours(std::move(colours)) {
     silenceFfmpegLog();
 }
 
@@ -75,7 +77,7 @@ FfmpegImageGenerator::copyImage(const std::filesystem::path& path, MediaTime tim
     const Size size =
         fitted({static_cast<double>(picture->width), static_cast<double>(picture->height)}, bounds);
     PixelBuffer image(static_cast<int>(size.width), static_cast<int>(size.height));
-    if (!PictureDecoding().convert(*picture, image)) {
+    if (!PictureDecoding(m_colours).convert(*picture, image)) {
         return fail(mediaError(Kind::cannotDecode, path, "its pixel format is not supported"));
     }
     return std::make_shared<PixelBuffer>(rotation.apply(std::move(image)));

@@ -5,6 +5,8 @@
 #include "platform/ffmpeg/FfmpegErrors.h"
 #include "platform/ffmpeg/FfmpegVideoReader.h"
 
+#include <utility>
+
 namespace tavi {
 
 namespace {
@@ -19,7 +21,8 @@ bool isReasonable(Size size) {
 
 } // namespace
 
-FfmpegMediaLibrary::FfmpegMediaLibrary() {
+FfmpegMediaLibrary::FfmpegMediaLibrary(std::shared_ptr<const ColorConverter> colours)
+    : m_colours(std::move(colours)) {
     silenceFfmpegLog();
 }
 
@@ -39,8 +42,9 @@ FfmpegMediaLibrary::makeVideoReader(const Asset& asset, const VideoTrack& track,
     if (!decoder) {
         return fail(decoder.error());
     }
-    return std::make_unique<FfmpegVideoReader>(
-        std::move(*decoder), range, static_cast<int>(size.width), static_cast<int>(size.height));
+    return std::make_unique<FfmpegVideoReader>(std::move(*decoder), range,
+                                               static_cast<int>(size.width),
+                                               static_cast<int>(size.height), m_colours);
 }
 
 Result<std::unique_ptr<AudioReader>, MediaError>
@@ -50,7 +54,7 @@ FfmpegMediaLibrary::makeAudioReader(const Asset& asset, const AudioTrack&) {
 
 Result<std::unique_ptr<AssetWriter>, MediaError>
 FfmpegMediaLibrary::makeWriter(const std::filesystem::path& path, FileType type) {
-    return std::make_unique<FfmpegAssetWriter>(path, type, EncoderChoice::shared());
+    return std::make_unique<FfmpegAssetWriter>(path, type, EncoderChoice::shared(), m_colours);
 }
 
 } // namespace tavi

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "media/ColorConversion.h"
 #include "media/MediaLibrary.h"
 #include "platform/ffmpeg/EncoderChoice.h"
 
@@ -9,7 +10,9 @@ namespace tavi {
 /// standard error.
 class FfmpegMediaLibrary final : public MediaLibrary {
 public:
-    FfmpegMediaLibrary();
+    /// `colours` converts the pictures of the usual kinds; null leaves all of them
+    /// to the scaling library.
+    explicit FfmpegMediaLibrary(std::shared_ptr<const ColorConverter> colours);
 
     Result<Asset, MediaError> openAsset(const std::filesystem::path& path) override;
     Result<std::unique_ptr<VideoReader>, MediaError>
@@ -18,6 +21,9 @@ public:
     makeAudioReader(const Asset& asset, const AudioTrack& track) override;
     Result<std::unique_ptr<AssetWriter>, MediaError> makeWriter(const std::filesystem::path& path,
                                                                 FileType type) override;
+
+private:
+    std::shared_ptr<const ColorConverter> m_colours;
 };
 
 } // namespace tavi

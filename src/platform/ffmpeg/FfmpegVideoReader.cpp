@@ -16,12 +16,14 @@ constexpr std::size_t kMostKept = kMostAhead + 3;
 } // namespace
 
 FfmpegVideoReader::FfmpegVideoReader(std::unique_ptr<VideoDecoder> decoder, MediaTimeRange range,
-                                     int width, int height)
+                                     int width, int height,
+                                     std::shared_ptr<const ColorConverter> colours)
     : m_decoder(std::move(decoder)),
       m_range(range),
       m_pool(width, height, kMostKept),
       m_width(width),
       m_height(height),
+      m_conversion(std::move(colours)),
       m_thread([this] { decodeRange(); }) {}
 
 FfmpegVideoReader::~FfmpegVideoReader() {

@@ -20,9 +20,9 @@ namespace tavi {
 class FfmpegVideoReader final : public VideoReader {
 public:
     /// Starts decoding. Pictures are given in `size`, whatever size a single
-    /// one is coded in.
+    /// one is coded in. `colours`: see PictureDecoding.
     FfmpegVideoReader(std::unique_ptr<VideoDecoder> decoder, MediaTimeRange range, int width,
-                      int height);
+                      int height, std::shared_ptr<const ColorConverter> colours);
     ~FfmpegVideoReader() override;
 
     std::optional<VideoSample> copyNextSample() override;

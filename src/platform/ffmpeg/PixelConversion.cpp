@@ -131,6 +131,51 @@ bool hasAlpha(int format) {
     return description && (description->flags & (AV_PIX_FMT_FLAG_ALPHA | AV_PIX_FMT_FLAG_PAL));
 }
 
+std::optional<YuvMatrix> knownMatrix(const AVFrame& frame) {
+    switch (matrixOf(frame)) {
+    case SWS_CS_ITU709:
+        return YuvMatrix::bt709;
+    case SWS_CS_ITU601:
+        return YuvMatrix::bt601;
+    default:
+        return std::nullopt;
+    }
+}
+
+std::optional<ChromaSiting> knownSiting(AVChromaLocation location) {
+    switch (location) {
+    case AVCHROMA_LOC_UNSPECIFIED:
+    case AVCHROMA_LOC_LEFT:
+        return ChromaSiting::left;
+    case AVCHROMA_LOC_CENTER:
+        return ChromaSiting::centre;
+    case AVCHROMA_LOC_TOPLEFT:
+        return ChromaSiting::topLeft;
+    default:
+        return std::nullopt;
+    }
+}
+
+/// The frame's samples for a ColorConverter; absent where it is of a kind that none knows.
+template<class View>
+std::optional<View> viewOf(const AVFrame& frame) {
+    const AVPixelFormat format = plainFormat(frame.format);
+    const auto matrix = knownMatrix(frame);
+    const auto siting = knownSiting(frame.chroma_location);
+    if ((format != AV_PIX_FMT_YUV420P && format != AV_PIX_FMT_NV12) || !matrix || !siting) {
+        return std::nullopt;
+    }
+    View view;
+    view.width = frame.width;
+    view.height = frame.height;
+    view.y = {frame.data[0], frame.linesize[0]};
+    view.u = {frame.data[1], frame.linesize[1]};
+    view.v = {frame.data[2], frame.linesize[2]};
+    view.isInterleaved = format == AV_PIX_FMT_NV12;
+    view.encoding = {*matrix, isFullRange(frame) ? YuvRange::full : YuvRange::limited, *siting};
+    return view;
+}
+
 } // namespace
 
 PictureDecoding::Kind PictureDecoding::kindOf(const AVFrame& from, const PixelBuffer& to) {
@@ -150,6 +195,16 @@ bool PictureDecoding::prepare(const Kind& kind) {
 }
 
 bool PictureDecoding::convert(const AVFrame& from, PixelBuffer& to) {
+    const bool isOfSize = from.width == to.width() && from.height == to.height();
+    const auto view = m_colours && isOfSize ? viewOf<ConstYuvView>(from) : std::nullopt;
+    if (!view) {
+        return scale(from, to);
+    }
+    m_colours->toBgra(*view, to);
+    return true;
+}
+
+bool PictureDecoding::scale(const AVFrame& from, PixelBuffer& to) {
     if (!prepare(kindOf(from, to))) {
         return false;
     }
@@ -170,6 +225,16 @@ bool PictureEncoding::convert(const PixelBuffer& from, AVFrame& to) {
     if (from.width() != to.width || from.height() != to.height) {
         return false;
     }
+    auto view = m_colours ? viewOf<YuvView>(to) : std::nullopt;
+    if (!view) {
+        return scale(from, to);
+    }
+    view->encoding = {YuvMatrix::bt709, YuvRange::limited, ChromaSiting::left};
+    m_colours->fromBgra(from, *view);
+    return true;
+}
+
+bool PictureEncoding::scale(const PixelBuffer& from, AVFrame& to) {
     if (!m_scaler) {
         const auto format = static_cast<AVPixelFormat>(to.format);
         m_scaler = makeScaler({from.width(), from.height(), AV_PIX_FMT_BGRA},

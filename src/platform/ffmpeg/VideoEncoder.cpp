@@ -8,6 +8,7 @@ extern "C" {
 
 #include <cerrno>
 #include <filesystem>
+#include <utility>
 
 namespace tavi {
 
@@ -34,8 +35,13 @@ bool needsRenderNode(const EncoderKind& kind) {
 
 } // namespace
 
+VideoEncoder::VideoEncoder(const EncoderKind& kind, std::shared_ptr<const ColorConverter> colours)
+    : m_kind(kind),
+      m_conversion(std::move(colours)) {}
+
 Result<std::unique_ptr<VideoEncoder>, std::string>
-VideoEncoder::open(const EncoderKind& kind, const VideoSettings& settings, int timescale) {
+VideoEncoder::open(const EncoderKind& kind, const VideoSettings& settings, int timescale,
+                   std::shared_ptr<const ColorConverter> colours) {
     silenceFfmpegLog();
     if (settings.width <= 0 || settings.height <= 0 || settings.width % 2 != 0 ||
         settings.height % 2 != 0) {
@@ -47,7 +53,7 @@ VideoEncoder::open(const EncoderKind& kind, const VideoSettings& settings, int t
     if (needsRenderNode(kind) && renderNode().empty()) {
         return fail(std::string("no graphics device in /dev/dri"));
     }
-    std::unique_ptr<VideoEncoder> encoder(new VideoEncoder(kind));
+    std::unique_ptr<VideoEncoder> encoder(new VideoEncoder(kind, std::move(colours)));
     if (const int code = encoder->openCodec(settings, timescale); code < 0) {
         return fail(ffmpegReason(code));
     }

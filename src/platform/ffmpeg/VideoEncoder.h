@@ -19,9 +19,11 @@ public:
     /// Takes each packet as it comes; a negative library code from it ends the encoding.
     using Sink = std::function<int(AVPacket&)>;
 
-    /// Opens the encoder; `timescale` is its clock, ticks per second.
+    /// Opens the encoder; `timescale` is its clock, ticks per second. `colours`: see
+    /// PictureEncoding.
     static Result<std::unique_ptr<VideoEncoder>, std::string>
-    open(const EncoderKind& kind, const VideoSettings& settings, int timescale);
+    open(const EncoderKind& kind, const VideoSettings& settings, int timescale,
+         std::shared_ptr<const ColorConverter> colours);
 
     /// Encodes one picture, shown from `ticks` on. Returns what the sink or
     /// the library said, 0 for success.
@@ -34,7 +36,7 @@ public:
     std::string name() const { return m_codec->codec->name; }
 
 private:
-    explicit VideoEncoder(const EncoderKind& kind) : m_kind(kind) {}
+    VideoEncoder(const EncoderKind& kind, std::shared_ptr<const ColorConverter> colours);
 
     int openCodec(const VideoSettings& settings, int timescale);
     int openDevice();

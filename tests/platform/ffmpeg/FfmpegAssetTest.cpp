@@ -22,7 +22,7 @@ fs::path sample() {
 }
 
 MediaError errorOf(const fs::path& path) {
-    const auto asset = FfmpegMediaLibrary().openAsset(path);
+    const auto asset = mediaLibrary().openAsset(path);
     EXPECT_FALSE(asset) << path;
     return asset ? MediaError{} : asset.error();
 }
@@ -72,7 +72,7 @@ std::vector<std::uint8_t> mvhd(int version, std::uint32_t timescale, std::uint64
 TEST(FfmpegAsset, tellsDurationAndTracks) {
     const fs::path file = generated(
         "sound.mov", numberedSource(30, 2) + " -f lavfi -i sine=440:d=2 -c:v libx264 -c:a aac");
-    const auto asset = FfmpegMediaLibrary().openAsset(file);
+    const auto asset = mediaLibrary().openAsset(file);
     ASSERT_TRUE(asset);
     ASSERT_EQ(asset->videoTracks.size(), 1U);
     EXPECT_EQ(asset->videoTracks[0].naturalSize, (Size{64, 48}));
@@ -87,7 +87,7 @@ TEST(FfmpegAsset, durationIsTheMovieHeadersOwnFraction) {
     const fs::path file =
         generated("ntsc.mp4", "-f lavfi -i color=red:s=64x48:r=30000/1001 -frames:v 100 "
                               "-c:v libx264 -movie_timescale 30000");
-    const auto asset = FfmpegMediaLibrary().openAsset(file);
+    const auto asset = mediaLibrary().openAsset(file);
     ASSERT_TRUE(asset);
     EXPECT_EQ(asset->duration.timescale, 30000);
     EXPECT_EQ(asset->duration.value, 100100);
@@ -97,7 +97,7 @@ TEST(FfmpegAsset, fragmentedFileLastsAsLongAsItsTracks) {
     const fs::path file =
         generated("fragments.mov", numberedSource(30, 2) + " -c:v libx264 -g 15 -bf 0 "
                                                            "-movflags frag_keyframe+empty_moov");
-    const auto asset = FfmpegMediaLibrary().openAsset(file);
+    const auto asset = mediaLibrary().openAsset(file);
     ASSERT_TRUE(asset);
     EXPECT_NEAR(asset->duration.seconds(), 2, 0.001);
 }
@@ -105,7 +105,7 @@ TEST(FfmpegAsset, fragmentedFileLastsAsLongAsItsTracks) {
 TEST(FfmpegAsset, naturalSizeIsBeforeRotation) {
     const fs::path file = generated(
         "rotated.mov", fmt::format("-i '{}' -c copy -metadata:s:v:0 rotate=90", sample().string()));
-    const auto asset = FfmpegMediaLibrary().openAsset(file);
+    const auto asset = mediaLibrary().openAsset(file);
     ASSERT_TRUE(asset);
     EXPECT_EQ(asset->videoTracks[0].naturalSize, (Size{64, 48}));
 }
@@ -113,14 +113,14 @@ TEST(FfmpegAsset, naturalSizeIsBeforeRotation) {
 TEST(FfmpegAsset, oddSizesAreKept) {
     const fs::path file =
         generated("odd.mov", numberedSource(30, 0.2, "641x359") + " -c:v libx264 -pix_fmt yuv444p");
-    const auto asset = FfmpegMediaLibrary().openAsset(file);
+    const auto asset = mediaLibrary().openAsset(file);
     ASSERT_TRUE(asset);
     EXPECT_EQ(asset->videoTracks[0].naturalSize, (Size{641, 359}));
 }
 
 TEST(FfmpegAsset, soundAloneHasNoVideoTrack) {
     const fs::path file = generated("sound.m4a", "-f lavfi -i sine=440:d=1 -c:a aac");
-    const auto asset = FfmpegMediaLibrary().openAsset(file);
+    const auto asset = mediaLibrary().openAsset(file);
     ASSERT_TRUE(asset);
     EXPECT_TRUE(asset->videoTracks.empty());
 }
@@ -128,7 +128,7 @@ TEST(FfmpegAsset, soundAloneHasNoVideoTrack) {
 TEST(FfmpegAsset, opensPathsThatLookLikeAddresses) {
     const fs::path file = freshPath("http:--x.mov?a=%20 b");
     fs::copy_file(sample(), file);
-    EXPECT_TRUE(FfmpegMediaLibrary().openAsset(file));
+    EXPECT_TRUE(mediaLibrary().openAsset(file));
 }
 
 TEST(FfmpegAsset, missingFileIsNotFound) {
@@ -181,7 +181,7 @@ TEST(FfmpegAsset, everyCutOfAFileOpensOrIsRefused) {
     for (std::uintmax_t size = 1; size < fs::file_size(whole); size += 37) {
         fs::copy_file(whole, file, fs::copy_options::overwrite_existing);
         fs::resize_file(file, size);
-        const auto asset = FfmpegMediaLibrary().openAsset(file);
+        const auto asset = mediaLibrary().openAsset(file);
         if (!asset) {
             EXPECT_EQ(asset.error().kind, Kind::notMedia);
         }

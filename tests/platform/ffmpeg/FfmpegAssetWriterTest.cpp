@@ -50,7 +50,7 @@ PixelBufferPtr noise(int seed) {
 /// A writer with its one input, started.
 struct Writing {
     Writing(const fs::path& path, FileType type, VideoSettings video)
-        : writer(std::move(FfmpegMediaLibrary().makeWriter(path, type).value())),
+        : writer(std::move(mediaLibrary().makeWriter(path, type).value())),
           input(writer->addVideoInput(video).value()) {
         const auto started = writer->startWriting();
         EXPECT_TRUE(started) << started.error().description();
@@ -154,7 +154,7 @@ TEST_P(FfmpegAssetWriterRates, everyRateOfExportsIsExact) {
     ASSERT_TRUE(writing.writer->finishWriting());
     EXPECT_EQ(probe(file, "stream=r_frame_rate"), fmt::format("{}/1", rate));
     EXPECT_EQ(probe(file, "stream=avg_frame_rate"), fmt::format("{}/1", rate));
-    EXPECT_EQ(FfmpegMediaLibrary().openAsset(file)->duration, (MediaTime{12, rate}));
+    EXPECT_EQ(mediaLibrary().openAsset(file)->duration, (MediaTime{12, rate}));
 }
 
 INSTANTIATE_TEST_SUITE_P(Rates, FfmpegAssetWriterRates, ::testing::Values(24, 25, 30, 50, 60));
@@ -171,7 +171,7 @@ TEST(FfmpegAssetWriter, movieIsPlainAndTaggedOnceFinished) {
     EXPECT_EQ(probe(file, "stream=color_primaries"), "bt709");
     EXPECT_TRUE(holds(file, "colrncl"));
     EXPECT_FALSE(holds(file, "moof"));
-    EXPECT_EQ(FfmpegMediaLibrary().openAsset(file)->duration, (MediaTime{1, 1}));
+    EXPECT_EQ(mediaLibrary().openAsset(file)->duration, (MediaTime{1, 1}));
     EXPECT_EQ(namesIn(folder), std::vector<std::string>{"video.mov"});
 }
 
@@ -219,7 +219,7 @@ TEST(FfmpegAssetWriter, aLateFirstPictureStaysLate) {
         ASSERT_EQ(samples.size(), 30U);
         EXPECT_NEAR(samples.front().time, 0.5, 1e-6);
         EXPECT_NEAR(samples.back().time, 0.5 + 29 / 60.0, 1e-6);
-        EXPECT_NEAR(FfmpegMediaLibrary().openAsset(file)->duration.seconds(), 1.5, 1e-6);
+        EXPECT_NEAR(mediaLibrary().openAsset(file)->duration.seconds(), 1.5, 1e-6);
     }
 }
 
@@ -232,7 +232,7 @@ TEST(FfmpegAssetWriter, theLastPictureLastsUntilTheSessionEnds) {
         EXPECT_TRUE(writing.append(numbered(2), {8, 1}));
         writing.writer->endSession({25, 2});
         ASSERT_TRUE(writing.writer->finishWriting());
-        EXPECT_EQ(FfmpegMediaLibrary().openAsset(file)->duration, (MediaTime{55, 10}));
+        EXPECT_EQ(mediaLibrary().openAsset(file)->duration, (MediaTime{55, 10}));
         EXPECT_EQ(readNumbers(file, 4, 5.4).size(), 1U);
     }
 }
@@ -301,7 +301,7 @@ TEST(FfmpegAssetWriter, refusesWhatIsOutOfOrderOrOfAnotherSize) {
 
 TEST(FfmpegAssetWriter, takesNothingBeforeTheSession) {
     const fs::path file = freshPath("nosession.mov");
-    auto writer = FfmpegMediaLibrary().makeWriter(file, FileType::quickTimeMovie).value();
+    auto writer = mediaLibrary().makeWriter(file, FileType::quickTimeMovie).value();
     auto* input = writer->addVideoInput(settings(FileType::quickTimeMovie)).value();
     EXPECT_FALSE(input->append(numbered(0), {0, 1}));
     ASSERT_TRUE(writer->startWriting());
@@ -381,7 +381,7 @@ TEST(FfmpegAssetWriter, whatStandsAtTheTargetStaysUntilTheMp4IsWhole) {
 TEST(FfmpegAssetWriter, tellsWhyAFileCanNotBeMade) {
     for (const FileType type : {FileType::quickTimeMovie, FileType::mp4}) {
         const fs::path missing = mediaFolder() / "no such folder" / "video.mov";
-        auto writer = FfmpegMediaLibrary().makeWriter(missing, type).value();
+        auto writer = mediaLibrary().makeWriter(missing, type).value();
         ASSERT_TRUE(writer->addVideoInput(settings(type)));
         const auto started = writer->startWriting();
         ASSERT_FALSE(started);
@@ -394,7 +394,7 @@ TEST(FfmpegAssetWriter, tellsWhyAFileCanNotBeMade) {
         EXPECT_EQ(finished.error().kind, Kind::cannotWrite);
 
         const fs::path folder = freshFolder("a folder.mov");
-        auto other = FfmpegMediaLibrary().makeWriter(folder, type).value();
+        auto other = mediaLibrary().makeWriter(folder, type).value();
         ASSERT_TRUE(other->addVideoInput(settings(type)));
         EXPECT_EQ(other->startWriting().error().reason, "Is a directory");
         EXPECT_TRUE(fs::is_directory(folder));
@@ -402,7 +402,7 @@ TEST(FfmpegAssetWriter, tellsWhyAFileCanNotBeMade) {
 }
 
 TEST(FfmpegAssetWriter, refusesSizesThatNoEncoderTakes) {
-    auto writer = FfmpegMediaLibrary().makeWriter(freshPath("x.mp4"), FileType::mp4).value();
+    auto writer = mediaLibrary().makeWriter(freshPath("x.mp4"), FileType::mp4).value();
     VideoSettings video = settings(FileType::mp4);
     video.width = 161;
     const auto added = writer->addVideoInput(video);
@@ -414,7 +414,7 @@ TEST(FfmpegAssetWriter, refusesSizesThatNoEncoderTakes) {
 TEST(FfmpegAssetWriter, aFullDeviceIsToldWhileWriting) {
     const fs::path link = freshPath("full-device.mov");
     fs::create_symlink("/dev/full", link);
-    auto writer = FfmpegMediaLibrary().makeWriter(link, FileType::quickTimeMovie).value();
+    auto writer = mediaLibrary().makeWriter(link, FileType::quickTimeMovie).value();
     ASSERT_TRUE(writer->addVideoInput(settings(FileType::quickTimeMovie)));
     const auto started = writer->startWriting();
     ASSERT_FALSE(started);
@@ -512,7 +512,7 @@ TEST(FfmpegAssetWriterCrash, aKilledTakeHoldsAllButItsLastSecond) {
         EXPECT_EQ(samples[static_cast<std::size_t>(n)].number, n);
         EXPECT_NEAR(samples[static_cast<std::size_t>(n)].time, n / 50.0, 1e-4);
     }
-    const auto asset = FfmpegMediaLibrary().openAsset(file);
+    const auto asset = mediaLibrary().openAsset(file);
     ASSERT_TRUE(asset);
     EXPECT_GE(asset->duration.seconds(), samples.back().time);
 }
@@ -544,7 +544,7 @@ TEST(FfmpegAssetWriter, picturesAfterAPauseKeepTheirTimes) {
     EXPECT_NEAR(samples[3].time, 1.4, 1e-4);
     EXPECT_NEAR(samples[4].time, 1.42, 1e-4);
     EXPECT_NEAR(samples[5].time, 3.0, 1e-4);
-    EXPECT_EQ(FfmpegMediaLibrary().openAsset(file)->duration, (MediaTime{4, 1}));
+    EXPECT_EQ(mediaLibrary().openAsset(file)->duration, (MediaTime{4, 1}));
 }
 
 TEST(EncoderChoice, reportsEveryEncoderWithItsReason) {

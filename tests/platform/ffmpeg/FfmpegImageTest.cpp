@@ -75,7 +75,7 @@ PixelBuffer samplePicture() {
 } // namespace
 
 TEST(FfmpegImageGenerator, givesThePictureInForceAtExactlyThatTime) {
-    FfmpegImageGenerator generator;
+    FfmpegImageGenerator generator = imageGenerator();
     for (const int n : {0, 1, 14, 15, 29, 59}) {
         const MediaTime time = MediaTime::fromSeconds((n + 0.5) / 30, 90000);
         const auto image = generator.copyImage(numberedMovie(), time, kUnbounded);
@@ -85,15 +85,15 @@ TEST(FfmpegImageGenerator, givesThePictureInForceAtExactlyThatTime) {
 }
 
 TEST(FfmpegImageGenerator, aTimeBeforeTheFirstPictureGivesTheFirst) {
-    const auto image = FfmpegImageGenerator().copyImage(numberedMovie(), {-1, 1}, kUnbounded);
+    const auto image = imageGenerator().copyImage(numberedMovie(), {-1, 1}, kUnbounded);
     ASSERT_TRUE(image);
     EXPECT_EQ(numberIn(**image), 0);
 }
 
 TEST(FfmpegImageGenerator, aTimePastTheEndIsAnError) {
     for (const double seconds : {2.0, 5.0}) {
-        const auto image = FfmpegImageGenerator().copyImage(
-            numberedMovie(), MediaTime::fromSeconds(seconds), kUnbounded);
+        const auto image = imageGenerator().copyImage(numberedMovie(),
+                                                      MediaTime::fromSeconds(seconds), kUnbounded);
         ASSERT_FALSE(image);
         EXPECT_EQ(image.error().kind, Kind::cannotDecode);
         EXPECT_EQ(image.error().reason, "it ends before the wanted time");
@@ -101,7 +101,7 @@ TEST(FfmpegImageGenerator, aTimePastTheEndIsAnError) {
 }
 
 TEST(FfmpegImageGenerator, reducesToFitAndNeverEnlarges) {
-    FfmpegImageGenerator generator;
+    FfmpegImageGenerator generator = imageGenerator();
     const auto sizeFor = [&](Size bounds) {
         const auto image = generator.copyImage(numberedMovie(), {1, 2}, bounds).value();
         return std::pair(image->width(), image->height());
@@ -125,7 +125,7 @@ class FfmpegImageGeneratorRotation : public ::testing::TestWithParam<RotationCas
 TEST_P(FfmpegImageGeneratorRotation, appliesTheTag) {
     const RotationCase c = GetParam();
     const fs::path file = cornered(c.tag);
-    const auto image = FfmpegImageGenerator().copyImage(file, {0, 1}, kUnbounded);
+    const auto image = imageGenerator().copyImage(file, {0, 1}, kUnbounded);
     ASSERT_TRUE(image);
     EXPECT_EQ((*image)->width(), c.width);
     EXPECT_EQ((*image)->height(), c.height);
@@ -133,7 +133,7 @@ TEST_P(FfmpegImageGeneratorRotation, appliesTheTag) {
     const fs::path shown = generated(fmt::format("shown-{}.png", c.tag),
                                      fmt::format("-i '{}' -frames:v 1", file.string()));
     EXPECT_EQ(quarters(*FfmpegImageFiles().readPng(shown).value()), c.quarters);
-    const auto reduced = FfmpegImageGenerator().copyImage(file, {0, 1}, {32, 32}).value();
+    const auto reduced = imageGenerator().copyImage(file, {0, 1}, {32, 32}).value();
     EXPECT_EQ(std::max(reduced->width(), reduced->height()), 32);
     EXPECT_EQ(quarters(*reduced), c.quarters);
 }
@@ -145,7 +145,7 @@ INSTANTIATE_TEST_SUITE_P(Tags, FfmpegImageGeneratorRotation,
                                            RotationCase{"270", "brbg", 32, 64}));
 
 TEST(FfmpegImageGenerator, tellsWhatIsWrongWithAFile) {
-    FfmpegImageGenerator generator;
+    FfmpegImageGenerator generator = imageGenerator();
     EXPECT_EQ(generator.copyImage("/nonexistent.mov", {0, 1}, kUnbounded).error().kind,
               Kind::notFound);
     const fs::path sound = generated("only-sound.m4a", "-f lavfi -i sine=440:d=1 -c:a aac");

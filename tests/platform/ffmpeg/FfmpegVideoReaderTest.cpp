@@ -85,7 +85,7 @@ INSTANTIATE_TEST_SUITE_P(Ranges, FfmpegVideoReaderRange,
                                            RangeCase{-1.0, 0.05, 0, 1}));
 
 TEST(FfmpegVideoReader, givesTheExactPictureAtEveryTime) {
-    FfmpegMediaLibrary library;
+    FfmpegMediaLibrary library = mediaLibrary();
     for (int i = 0; i < 90; i += 7) {
         EXPECT_EQ(numberIn(*readPicture(hevcOpenGop(), (i + 0.5) / kFps)), i);
         EXPECT_EQ(numberIn(*readPicture(bFrames(), (i + 0.5) / kFps)), i);
@@ -98,7 +98,7 @@ TEST(FfmpegVideoReader, givesNothingForAnEmptyRange) {
 }
 
 TEST(FfmpegVideoReader, tellsItsStatus) {
-    FfmpegMediaLibrary library;
+    FfmpegMediaLibrary library = mediaLibrary();
     const auto asset = library.openAsset(bFrames());
     ASSERT_TRUE(asset);
     auto reader = library.makeVideoReader(*asset, asset->videoTracks[0], {{0, 600}, {60, 600}});
@@ -111,7 +111,7 @@ TEST(FfmpegVideoReader, tellsItsStatus) {
 }
 
 TEST(FfmpegVideoReader, givesNothingMoreOnceCancelled) {
-    FfmpegMediaLibrary library;
+    FfmpegMediaLibrary library = mediaLibrary();
     const auto asset = library.openAsset(bFrames());
     ASSERT_TRUE(asset);
     auto reader = library.makeVideoReader(*asset, asset->videoTracks[0], {{0, 600}, {6000, 600}});
@@ -300,7 +300,7 @@ TEST(FfmpegVideoReader, readsACutFileAsFarAsItGoes) {
 }
 
 TEST(FfmpegVideoReader, refusesATrackThatIsNotThere) {
-    FfmpegMediaLibrary library;
+    FfmpegMediaLibrary library = mediaLibrary();
     const auto asset = library.openAsset(bFrames());
     ASSERT_TRUE(asset);
     const auto reader = library.makeVideoReader(*asset, {7, {64, 48}}, {{0, 600}, {60, 600}});

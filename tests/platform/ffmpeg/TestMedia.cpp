@@ -1,6 +1,6 @@
 #include "platform/ffmpeg/TestMedia.h"
 
-#include "platform/ffmpeg/FfmpegMediaLibrary.h"
+#include "render/YuvConverter.h"
 
 #include <fmt/format.h>
 #include <gtest/gtest.h>
@@ -44,6 +44,14 @@ int digitAt(const PixelBuffer& image, int x) {
 }
 
 } // namespace
+
+FfmpegMediaLibrary mediaLibrary() {
+    return FfmpegMediaLibrary(std::make_shared<YuvConverter>());
+}
+
+FfmpegImageGenerator imageGenerator() {
+    return FfmpegImageGenerator(std::make_shared<YuvConverter>());
+}
 
 const fs::path& mediaFolder() {
     static const MediaFolder folder;
@@ -112,7 +120,7 @@ std::string probe(const fs::path& file, const std::string& entries) {
 }
 
 std::vector<NumberedTime> readNumbers(const fs::path& file, double start, double end) {
-    FfmpegMediaLibrary library;
+    FfmpegMediaLibrary library = mediaLibrary();
     std::vector<NumberedTime> samples;
     const auto asset = library.openAsset(file);
     if (!asset || asset->videoTracks.empty()) {
@@ -134,7 +142,7 @@ std::vector<NumberedTime> readNumbers(const fs::path& file, double start, double
 }
 
 PixelBufferPtr readPicture(const fs::path& file, double time) {
-    FfmpegMediaLibrary library;
+    FfmpegMediaLibrary library = mediaLibrary();
     const auto asset = library.openAsset(file);
     if (!asset || asset->videoTracks.empty()) {
         ADD_FAILURE() << (asset ? "no video track" : asset.error().description());

@@ -2,6 +2,8 @@
 
 #include "media/AssetReader.h"
 #include "media/MediaLibrary.h"
+#include "platform/ffmpeg/FfmpegImageGenerator.h"
+#include "platform/ffmpeg/FfmpegMediaLibrary.h"
 
 #include <array>
 #include <filesystem>
@@ -9,6 +11,10 @@
 #include <vector>
 
 namespace tavi::testing {
+
+/// The media stack as the programs put it together.
+FfmpegMediaLibrary mediaLibrary();
+FfmpegImageGenerator imageGenerator();
 
 /// A folder of this test run; removed at its end.
 const std::filesystem::path& mediaFolder();

@@ -9,6 +9,7 @@
 #include "platform/x11/X11ShareableContent.h"
 #include "platform/x11/XTestServer.h"
 #include "project/RecordingMetadataJson.h"
+#include "render/YuvConverter.h"
 #include "support/TemporaryFolder.h"
 
 #include <QCoreApplication>
@@ -61,7 +62,7 @@ public:
 
 private:
     X11ScreenStreams m_streams;
-    FfmpegMediaLibrary m_media;
+    FfmpegMediaLibrary m_media{std::make_shared<YuvConverter>()};
     FfmpegImageFiles m_imageFiles;
     PosixHelperLauncher m_launcher;
     SystemClock m_clock;
@@ -73,7 +74,7 @@ private:
 };
 
 std::vector<VideoSample> readAll(const std::filesystem::path& video) {
-    FfmpegMediaLibrary media;
+    FfmpegMediaLibrary media(std::make_shared<YuvConverter>());
     const auto asset = media.openAsset(video);
     if (!asset || asset->videoTracks.empty()) {
         return {};
@@ -136,8 +137,9 @@ TEST(Recording, ofThreeSecondsHasVideoLogKeysAndImages) {
     EXPECT_LE(difference(*samples.front().image, 320, 400, 0x204080), kCodingNoise);
     EXPECT_LE(difference(*samples.back().image, 320, 400, 0xC04020), kCodingNoise);
     EXPECT_LE(difference(*samples.back().image, 320, 100, 0x204080), kCodingNoise);
-    const double duration =
-        FfmpegMediaLibrary().openAsset(*folder / "video.mov")->duration.seconds();
+    const double duration = FfmpegMediaLibrary(std::make_shared<YuvConverter>())
+                                .openAsset(*folder / "video.mov")
+                                ->duration.seconds();
     EXPECT_GT(duration, 2.4) << "the last picture lasts until the stop";
     EXPECT_LT(duration, wall);
     EXPECT_NEAR(duration, elapsed, 0.1);
