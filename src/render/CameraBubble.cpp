@@ -149,7 +149,7 @@ void CameraBubble::drawLayer(const PixelBuffer& image) {
     for (int y = 0; y < m_layer.height(); ++y) {
         std::uint8_t* out = m_layer.row(y);
         std::memcpy(out, m_shadow.row(y), static_cast<std::size_t>(bytes(m_layer.width())));
-        if (y >= covered.top && y < covered.bottom) {
+        if (!covered.empty() && y >= covered.top && y < covered.bottom) {
             const CoverageMask::Row mask = m_mask.row(y);
             m_resampler.writeRow(y, mask.begin, mask.end, m_row.data());
             const auto content = [&](int x) { return m_row.data() + bytes(x - mask.begin); };
