@@ -1,13 +1,18 @@
 # tavi_folder(<folder> [DEPS <target>...] [QT])
 # Makes the static library tavi_<folder> of every source file of the folder
 # ("/" in the folder's name becomes "_"), an interface library where the
-# folder holds headers only. QT switches the meta-object compiler on.
+# folder holds headers only. QT switches the meta-object compiler on. View
+# models stand on Qt wherever they live: those of a folder without QT make a
+# second library, tavi_<folder>_viewmodels, so that its logic does without.
 function(tavi_folder folder)
   cmake_parse_arguments(ARG "QT" "" "DEPS" ${ARGN})
   string(REPLACE "/" "_" name "tavi_${folder}")
   file(GLOB sources CONFIGURE_DEPENDS ${CMAKE_SOURCE_DIR}/src/${folder}/*.cpp)
   list(FILTER sources EXCLUDE REGEX "/main\\.cpp$") # belongs to a program
-  if(ARG_QT)
+  if(NOT ARG_QT)
+    tavi_view_models(${folder} ${name})
+    list(FILTER sources EXCLUDE REGEX "ViewModel\\.cpp$")
+  else()
     file(GLOB headers CONFIGURE_DEPENDS ${CMAKE_SOURCE_DIR}/src/${folder}/*.h)
     list(APPEND sources ${headers})
   endif()
@@ -23,25 +28,49 @@ function(tavi_folder folder)
   endif()
 endfunction()
 
+function(tavi_view_models folder logic)
+  file(GLOB sources CONFIGURE_DEPENDS ${CMAKE_SOURCE_DIR}/src/${folder}/*ViewModel.cpp
+    ${CMAKE_SOURCE_DIR}/src/${folder}/*ViewModel.h)
+  if(sources)
+    add_library(${logic}_viewmodels STATIC ${sources})
+    target_link_libraries(${logic}_viewmodels PUBLIC ${logic} Qt6::Core)
+    # The standard headers are read right only behind their configuration.
+    set_target_properties(${logic}_viewmodels PROPERTIES AUTOMOC ON
+      AUTOMOC_MOC_OPTIONS "--include=cstddef")
+  endif()
+endfunction()
+
 # tavi_tests(<folder> [DEPS <target>...])
 # Makes one test program of every source file in tests/<folder> and registers
-# it; TAVI_TEST_DATA and TAVI_SOURCE_DIR are compiled in.
+# it; TAVI_TEST_DATA and TAVI_BINARY_DIR are compiled in. The tests of view
+# models (*ViewModelTest.cpp) make a second program with a Qt loop.
 function(tavi_tests folder)
   cmake_parse_arguments(ARG "" "TIMEOUT" "DEPS" ${ARGN})
-  string(REPLACE "/" "_" name "${folder}_tests")
   file(GLOB sources CONFIGURE_DEPENDS ${CMAKE_SOURCE_DIR}/tests/${folder}/*.cpp)
-  if(NOT sources)
-    return()
+  set(view_models ${sources})
+  list(FILTER sources EXCLUDE REGEX "ViewModelTest\\.cpp$")
+  list(FILTER view_models INCLUDE REGEX "ViewModelTest\\.cpp$")
+  if(sources)
+    tavi_test_program(${folder} "${sources}" "${ARG_DEPS}" "${ARG_TIMEOUT}" GTest::gmock_main)
   endif()
-  if(NOT ARG_TIMEOUT)
-    set(ARG_TIMEOUT 300)
+  if(view_models)
+    list(APPEND view_models ${CMAKE_SOURCE_DIR}/tests/support/QtMain.cpp)
+    tavi_test_program(${folder}_viewmodels "${view_models}" "${ARG_DEPS};tavi_${folder}_viewmodels"
+      "${ARG_TIMEOUT}" GTest::gmock)
+  endif()
+endfunction()
+
+function(tavi_test_program folder sources deps timeout main)
+  string(REPLACE "/" "_" name "${folder}_tests")
+  if(NOT timeout)
+    set(timeout 300)
   endif()
   add_executable(${name} ${sources})
   target_include_directories(${name} PRIVATE ${CMAKE_SOURCE_DIR}/tests)
-  target_link_libraries(${name} PRIVATE ${ARG_DEPS} GTest::gmock_main)
+  target_link_libraries(${name} PRIVATE ${deps} ${main})
   target_compile_definitions(${name} PRIVATE
     TAVI_TEST_DATA="${CMAKE_SOURCE_DIR}/tests/data"
     TAVI_BINARY_DIR="${CMAKE_BINARY_DIR}/bin")
   add_test(NAME ${folder} COMMAND ${name})
-  set_tests_properties(${folder} PROPERTIES TIMEOUT ${ARG_TIMEOUT})
+  set_tests_properties(${folder} PROPERTIES TIMEOUT ${timeout})
 endfunction()

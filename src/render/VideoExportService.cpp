@@ -17,6 +17,18 @@ constexpr std::int64_t kQhdPixels = 3'686'400;
 
 } // namespace
 
+std::optional<std::string> problemOf(const ExportReport& report,
+                                     const std::filesystem::path& output) {
+    if (report.writerError) {
+        return report.writerError->description();
+    }
+    if (!report.hasFile()) {
+        return "Nothing was exported, no kept part of the take holds a picture: " +
+               output.string();
+    }
+    return std::nullopt;
+}
+
 VideoExportService::VideoExportService(MediaLibrary& media, const Clock& clock)
     : VideoExportService(media, clock, exportLogFile(),
                          [](std::chrono::nanoseconds time) { std::this_thread::sleep_for(time); }) {

@@ -12,6 +12,7 @@
 #include <filesystem>
 #include <functional>
 #include <optional>
+#include <string>
 
 namespace tavi {
 
@@ -29,6 +30,11 @@ struct ExportReport {
         return writerStatus == AssetWriterStatus::completed && framesAppended > 0;
     }
 };
+
+/// Why an export that ran to its end left no film at `output`, for the user; absent
+/// when there is one.
+std::optional<std::string> problemOf(const ExportReport& report,
+                                     const std::filesystem::path& output);
 
 /// Turns a project with its take into an MP4: reads every kept range frame by
 /// frame, composes a new picture for each point of a regular grid and encodes it.
