@@ -14,7 +14,7 @@ namespace tavi {
 namespace {
 
 /// Of 255, from the definition in real numbers: half a step is rounding.
-constexpr double kLargestError = 0.6;
+constexpr double kLargestError = 0.55;
 
 constexpr std::uint8_t kUntouched = 0xA5;
 
