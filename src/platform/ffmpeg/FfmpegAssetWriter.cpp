@@ -2,6 +2,7 @@
 
 #include "platform/ffmpeg/FfmpegErrors.h"
 
+#include <algorithm>
 #include <cassert>
 #include <utility>
 
@@ -32,8 +33,28 @@ FfmpegAssetWriter::addVideoInput(const VideoSettings& settings) {
     return m_inputs.back().get();
 }
 
-Result<AudioWriterInput*, MediaError> FfmpegAssetWriter::addAudioInput(const AudioSettings&) {
-    return fail(mediaError(MediaError::Kind::noEncoder, m_path, "sound"));
+Result<AudioWriterInput*, MediaError>
+FfmpegAssetWriter::addAudioInput(const AudioSettings& settings) {
+    assert(status() == AssetWriterStatus::unknown);
+    auto encoder = AudioEncoder::open(settings);
+    if (!encoder) {
+        return fail(mediaError(MediaError::Kind::noEncoder, m_path, encoder.error()));
+    }
+    m_sounds.push_back(std::make_unique<FfmpegAudioInput>(
+        settings, std::move(*encoder), m_file, m_state, m_path, [this] { return picturesEnd(); }));
+    return m_sounds.back().get();
+}
+
+/// Up to where all tracks of pictures that still grow have them, in seconds;
+/// absent where none grows.
+std::optional<double> FfmpegAssetWriter::picturesEnd() const {
+    std::optional<double> end;
+    for (const auto& input : m_inputs) {
+        if (const std::optional<double> own = input->appendedSeconds()) {
+            end = std::min(end.value_or(*own), *own);
+        }
+    }
+    return end;
 }
 
 Result<void, MediaError> FfmpegAssetWriter::startWriting() {
@@ -47,6 +68,9 @@ Result<void, MediaError> FfmpegAssetWriter::startWriting() {
     for (const auto& input : m_inputs) {
         input->begin();
     }
+    for (const auto& sound : m_sounds) {
+        sound->begin();
+    }
     return {};
 }
 
@@ -55,16 +79,34 @@ void FfmpegAssetWriter::startSession(MediaTime time) {
     for (const auto& input : m_inputs) {
         input->setSessionStart(time);
     }
+    for (const auto& sound : m_sounds) {
+        sound->setSessionStart(time);
+    }
 }
 
 void FfmpegAssetWriter::endSession(MediaTime time) {
     m_sessionEnd = time;
 }
 
-Result<void, MediaError> FfmpegAssetWriter::finishWriting() {
+/// All inputs work on what they have at the same time.
+void FfmpegAssetWriter::drainInputs() {
+    for (const auto& input : m_inputs) {
+        input->markAsFinished();
+    }
+    std::optional<double> end;
+    if (m_sessionStart && m_sessionEnd) {
+        end = (*m_sessionEnd - *m_sessionStart).seconds();
+    }
+    for (const auto& sound : m_sounds) {
+        sound->drain(end);
+    }
     for (const auto& input : m_inputs) {
         input->drain();
     }
+}
+
+Result<void, MediaError> FfmpegAssetWriter::finishWriting() {
+    drainInputs();
     if (m_state.isWriting()) {
         auto completed = completeFile();
         if (!completed) {
@@ -99,6 +141,9 @@ void FfmpegAssetWriter::cancelWriting() {
     }
     for (const auto& input : m_inputs) {
         input->stop();
+    }
+    for (const auto& sound : m_sounds) {
+        sound->stop();
     }
     if (before == AssetWriterStatus::writing) {
         m_file.abandon();

@@ -2,6 +2,7 @@
 
 #include "media/AssetWriter.h"
 #include "platform/ffmpeg/EncoderChoice.h"
+#include "platform/ffmpeg/FfmpegAudioInput.h"
 #include "platform/ffmpeg/FfmpegVideoInput.h"
 #include "platform/ffmpeg/MovieFile.h"
 #include "platform/ffmpeg/WriterState.h"
@@ -33,6 +34,8 @@ public:
 
 private:
     Result<void, MediaError> completeFile();
+    std::optional<double> picturesEnd() const;
+    void drainInputs();
 
     const std::filesystem::path m_path;
     const int m_timescale;
@@ -42,6 +45,7 @@ private:
     MovieFile m_file;
     std::vector<std::unique_ptr<FfmpegVideoInput>>
         m_inputs; ///< Their threads use all of the above.
+    std::vector<std::unique_ptr<FfmpegAudioInput>> m_sounds; ///< The same; they ask m_inputs.
     std::optional<MediaTime> m_sessionStart;
     std::optional<MediaTime> m_sessionEnd;
 };

@@ -47,6 +47,9 @@ int FfmpegAudioResampler::open(const SoundFormat& from) {
         return code;
     }
     av_opt_set_double(opened, "rematrix_maxval", 1.0, 0);
+    if (m_canStretch) {
+        av_opt_set_int(opened, "flags", SWR_FLAG_RESAMPLE, 0); // Also at equal rates.
+    }
     if (from.channels != m_channels && !(hasPlaces(in) && hasPlaces(out))) {
         code = setMean(*opened, from.channels, m_channels);
     }
@@ -64,8 +67,14 @@ int FfmpegAudioResampler::convert(const std::uint8_t* const* planes, int frames,
     return frames > 0 ? run(planes, frames, to) : 0;
 }
 
+int FfmpegAudioResampler::stretch(int moments, int over) {
+    return m_resampler ? swr_set_compensation(m_resampler.get(), moments, over) : 0;
+}
+
 int FfmpegAudioResampler::flush(std::vector<float>& to) {
-    return run(nullptr, 0, to);
+    const int code = m_resampler ? run(nullptr, 0, to) : 0;
+    m_resampler.reset();
+    return code;
 }
 
 int FfmpegAudioResampler::run(const std::uint8_t* const* planes, int frames,

@@ -27,9 +27,11 @@ struct SoundFormat {
 /// Thread: one at a time.
 class FfmpegAudioResampler {
 public:
-    FfmpegAudioResampler(int sampleRate, int channels)
+    /// `canStretch`: stretch() is going to be used.
+    FfmpegAudioResampler(int sampleRate, int channels, bool canStretch = false)
         : m_sampleRate(sampleRate),
-          m_channels(channels) {}
+          m_channels(channels),
+          m_canStretch(canStretch) {}
 
     /// Prepares for sound of this kind; forgets what is inside. Returns a library code.
     int open(const SoundFormat& from);
@@ -40,6 +42,10 @@ public:
     /// Appends to `to` what comes of `frames` moments. `planes` is one pointer, or one for
     /// each channel where the format is planar. Returns a library code.
     int convert(const std::uint8_t* const* planes, int frames, std::vector<float>& to);
+
+    /// Adds so many moments to the next `over` ones that come out (takes them away
+    /// when below 0). Returns a library code.
+    int stretch(int moments, int over);
 
     /// Appends what is still inside. Nothing can be converted after it until open().
     int flush(std::vector<float>& to);
@@ -52,6 +58,7 @@ private:
 
     const int m_sampleRate;
     const int m_channels;
+    const bool m_canStretch;
     SoundFormat m_from;
     ResamplerHandle m_resampler;
 };

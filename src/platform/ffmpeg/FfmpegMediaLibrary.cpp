@@ -2,6 +2,7 @@
 
 #include "platform/ffmpeg/FfmpegAsset.h"
 #include "platform/ffmpeg/FfmpegAssetWriter.h"
+#include "platform/ffmpeg/FfmpegAudioReader.h"
 #include "platform/ffmpeg/FfmpegErrors.h"
 #include "platform/ffmpeg/FfmpegVideoReader.h"
 
@@ -17,6 +18,15 @@ constexpr double kLargestSide = 16384;
 bool isReasonable(Size size) {
     return size.width >= 1 && size.height >= 1 && size.width <= kLargestSide &&
            size.height <= kLargestSide;
+}
+
+/// No sound has more; what claims to is damaged.
+constexpr int kHighestRate = 768'000;
+constexpr int kMostChannels = 64;
+
+bool isReasonable(const AudioTrack& track) {
+    return track.sampleRate > 0 && track.sampleRate <= kHighestRate && track.channels > 0 &&
+           track.channels <= kMostChannels;
 }
 
 } // namespace
@@ -48,8 +58,17 @@ FfmpegMediaLibrary::makeVideoReader(const Asset& asset, const VideoTrack& track,
 }
 
 Result<std::unique_ptr<AudioReader>, MediaError>
-FfmpegMediaLibrary::makeAudioReader(const Asset& asset, const AudioTrack&) {
-    return fail(mediaError(MediaError::Kind::cannotDecode, asset.path, "sound"));
+FfmpegMediaLibrary::makeAudioReader(const Asset& asset, const AudioTrack& track) {
+    if (!isReasonable(track)) {
+        return fail(mediaError(MediaError::Kind::cannotDecode, asset.path,
+                               "its sound's rate or number of channels is out of bounds"));
+    }
+    auto decoder = AudioDecoder::open(asset.path, track.index, track.sampleRate, track.channels);
+    if (!decoder) {
+        return fail(decoder.error());
+    }
+    return std::make_unique<FfmpegAudioReader>(std::move(*decoder), track.sampleRate,
+                                               track.channels);
 }
 
 Result<std::unique_ptr<AssetWriter>, MediaError>

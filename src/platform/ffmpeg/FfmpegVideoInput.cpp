@@ -111,6 +111,14 @@ void FfmpegVideoInput::setSessionStart(MediaTime time) {
     m_sessionStart = time;
 }
 
+std::optional<double> FfmpegVideoInput::appendedSeconds() const {
+    const std::lock_guard lock(m_mutex);
+    if (m_isFinished || m_isStopped) {
+        return std::nullopt;
+    }
+    return m_lastTime ? (*m_lastTime - *m_sessionStart).seconds() : 0;
+}
+
 void FfmpegVideoInput::drain() {
     markAsFinished();
     join();

@@ -41,6 +41,10 @@ public:
     /// Drops what is queued.
     void stop();
 
+    /// Seconds from the session's start up to the last picture appended; absent
+    /// when no more will come. Any thread.
+    std::optional<double> appendedSeconds() const;
+
     std::string encoderName() const { return m_encoder->name(); }
 
 private:

@@ -29,6 +29,11 @@ constexpr std::chrono::milliseconds kFragmentLength{500};
 /// A picture whose successor is unknown when it is written.
 constexpr std::int64_t kOneTick = 1;
 
+/// Packets that wait for their place among those of another track are written
+/// without it when they are so far ahead, in microseconds: a track may be silent
+/// for long, have ended, or never begin.
+constexpr std::int64_t kMostApart = 2'000'000;
+
 /// A fragment is kept in memory until it is written.
 constexpr std::int64_t kFragmentBytes = 8 << 20;
 
@@ -56,18 +61,36 @@ int MovieFile::timescale(FileType type) {
     return type == FileType::mp4 ? kExportTimescale : kTakeTimescale;
 }
 
-int MovieFile::addTrack(const AVCodecContext& encoder, int frameRate) {
+AVStream& MovieFile::newStream(const AVCodecContext& encoder, int timescale) {
     AVStream* stream = avformat_new_stream(m_output.get(), nullptr);
     avcodec_parameters_from_context(stream->codecpar, &encoder);
-    stream->time_base = {1, timescale(m_type)};
-    stream->avg_frame_rate = {frameRate, 1};
-    stream->sample_aspect_ratio = encoder.sample_aspect_ratio;
+    stream->time_base = {1, timescale};
+    return *stream;
+}
+
+int MovieFile::addTrack(const AVCodecContext& encoder, int frameRate) {
+    AVStream& stream = newStream(encoder, timescale(m_type));
+    stream.avg_frame_rate = {frameRate, 1};
+    stream.sample_aspect_ratio = encoder.sample_aspect_ratio;
     Track track;
-    track.index = stream->index;
+    track.index = stream.index;
+    track.timescale = timescale(m_type);
     track.interval = std::max(timescale(m_type) / std::max(frameRate, 1), 1);
     track.held.reset(av_packet_alloc());
     m_tracks.push_back(std::move(track));
-    return stream->index;
+    return stream.index;
+}
+
+int MovieFile::addSoundTrack(const AVCodecContext& encoder) {
+    const AVStream& stream = newStream(encoder, encoder.sample_rate);
+    Track track;
+    track.index = stream.index;
+    track.isSound = true;
+    track.timescale = encoder.sample_rate;
+    track.shift = isFragmented() ? encoder.initial_padding : 0;
+    track.held.reset(av_packet_alloc());
+    m_tracks.push_back(std::move(track));
+    return stream.index;
 }
 
 Result<void, MediaError> MovieFile::open() {
@@ -80,12 +103,7 @@ Result<void, MediaError> MovieFile::open() {
         return fail(writeError(m_path, code));
     }
     m_isOpen = true;
-    Options options;
-    options.set("video_track_timescale", std::int64_t{timescale(m_type)});
-    options.set("movie_timescale", std::int64_t{timescale(m_type)});
-    options.set("movflags", isFragmented() ? "frag_custom+empty_moov+default_base_moof+skip_trailer"
-                                           : "faststart");
-    code = avformat_write_header(m_output.get(), options.address());
+    code = writeHeader();
     avio_flush(m_output->pb);
     code = code < 0 ? code : m_output->pb->error;
     if (code < 0) {
@@ -96,21 +114,67 @@ Result<void, MediaError> MovieFile::open() {
     return {};
 }
 
+int MovieFile::writeHeader() {
+    Options options;
+    options.set("video_track_timescale", std::int64_t{timescale(m_type)});
+    options.set("movie_timescale", std::int64_t{timescale(m_type)});
+    options.set("movflags", isFragmented() ? "frag_custom+empty_moov+default_base_moof+skip_trailer"
+                                           : "faststart");
+    if (isFragmented()) {
+        return writeFragmentedHeader(options);
+    }
+    m_output->max_interleave_delta = kMostApart;
+    return avformat_write_header(m_output.get(), options.address());
+}
+
+/// The library writes a fragmented file's index before it knows of any sound,
+/// so without edit lists; they are put in on the way to the file.
+int MovieFile::writeFragmentedHeader(Options& options) {
+    AVIOContext* file = m_output->pb;
+    int code = avio_open_dyn_buf(&m_output->pb);
+    if (code < 0) {
+        m_output->pb = file;
+        return code;
+    }
+    code = avformat_write_header(m_output.get(), options.address());
+    std::uint8_t* written = nullptr;
+    const int size = avio_close_dyn_buf(m_output->pb, &written);
+    m_output->pb = file;
+    std::vector<std::uint8_t> header(written, written + std::max(size, 0));
+    av_free(written);
+    for (const Track& track : m_tracks) {
+        if (track.shift > 0) {
+            header = withEditList(header, static_cast<std::size_t>(track.index), track.shift);
+        }
+    }
+    avio_write(file, header.data(), static_cast<int>(header.size()));
+    return code;
+}
+
 int MovieFile::write(int index, AVPacket& packet) {
     const std::lock_guard lock(m_mutex);
     Track& track = m_tracks[static_cast<std::size_t>(index)];
+    if (track.isSound) { // Its packets know how long they last.
+        const int code = writePacket(track, packet);
+        return code < 0 ? code : flushIfFull();
+    }
     m_hasPictures = true;
     int code = 0;
     if (track.held->data) {
         code = writeHeld(track, std::max(packet.dts - track.held->dts, kOneTick));
     }
-    if (code >= 0 && m_fragmentSince &&
-        (isDue(*m_fragmentSince) || m_fragmentBytes >= kFragmentBytes)) {
-        code = flushFragment();
+    if (code >= 0) {
+        code = flushIfFull();
     }
     av_packet_move_ref(track.held.get(), &packet);
     track.heldSince = Clock::now();
     return code;
+}
+
+int MovieFile::flushIfFull() {
+    const bool isFull =
+        m_fragmentSince && (isDue(*m_fragmentSince) || m_fragmentBytes >= kFragmentBytes);
+    return isFull ? flushFragment() : 0;
 }
 
 int MovieFile::flushIfDue() {
@@ -131,15 +195,23 @@ int MovieFile::flushIfDue() {
 }
 
 int MovieFile::writeHeld(Track& track, std::int64_t duration) {
-    AVPacket& packet = *track.held;
-    packet.stream_index = track.index;
-    packet.duration = duration;
-    track.lastPts = packet.pts;
+    track.held->duration = duration;
+    track.lastPts = track.held->pts;
     track.lastDuration = duration;
-    packet.time_base = {1, timescale(m_type)};
-    av_packet_rescale_ts(&packet, packet.time_base, m_output->streams[track.index]->time_base);
     if (isFragmented() && !m_fragmentSince) {
         m_fragmentSince = track.heldSince;
+    }
+    return writePacket(track, *track.held);
+}
+
+int MovieFile::writePacket(Track& track, AVPacket& packet) {
+    packet.stream_index = track.index;
+    packet.time_base = {1, track.timescale};
+    packet.pts += track.shift;
+    packet.dts += track.shift;
+    av_packet_rescale_ts(&packet, packet.time_base, m_output->streams[track.index]->time_base);
+    if (isFragmented() && m_fragmentBytes == 0) {
+        m_fragmentSince = m_fragmentSince.value_or(Clock::now());
         // Its time stands on its own: the last fragment may have ended before
         // it was known how long its last picture lasts.
         av_opt_set(m_output->priv_data, "movflags", "+frag_discont", 0);
@@ -170,7 +242,7 @@ int MovieFile::writeRest(std::optional<std::int64_t> endTicks) {
         if (code >= 0 && track.held->data) {
             const std::int64_t end = endTicks.value_or(track.held->pts + track.interval);
             code = writeHeld(track, std::max(end - track.held->pts, kOneTick));
-        } else if (endTicks) {
+        } else if (endTicks && !track.isSound) {
             // Written long ago to be safe in the file, when its length was unknown.
             track.lastDuration = std::max(*endTicks - track.lastPts, kOneTick);
         }
@@ -198,17 +270,18 @@ Result<void, MediaError> MovieFile::finish(std::optional<std::int64_t> endTicks)
         return fail(writeError(m_path, code));
     }
     m_isOpen = false;
-    return publish();
+    return publish(endTicks);
 }
 
-Result<void, MediaError> MovieFile::publish() {
+Result<void, MediaError> MovieFile::publish(std::optional<std::int64_t> endTicks) {
     if (isFragmented()) {
-        // Without room for the copy the fragmented file stays: nothing is lost.
-        std::vector<std::int64_t> lastDurations;
+        // Without room for the index the fragmented file stays: nothing is lost.
+        MovieEnds ends{{}, endTicks};
         for (const Track& track : m_tracks) {
-            lastDurations.push_back(track.lastDuration);
+            ends.lastDurations.push_back(track.isSound ? std::nullopt
+                                                       : std::optional(track.lastDuration));
         }
-        (void)makePlainMovie(m_path, kTakeTimescale, lastDurations);
+        (void)makePlainMovie(m_path, ends);
         return {};
     }
     if (const int code = putInPlace(m_workingPath, m_path); code != 0) {

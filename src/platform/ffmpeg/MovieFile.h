@@ -20,7 +20,9 @@ namespace tavi {
 /// was killed; finish() turns it into a plain indexed file. mp4: written beside
 /// its path under a hidden name and renamed when it is whole.
 ///
-/// One packet of each track is held back until the next one tells how long it lasts.
+/// One picture of each track is held back until the next one tells how long it
+/// lasts. Sound that starts before the zero of its track (the encoder's priming) is
+/// hidden by an edit list.
 /// Threads: write() and flushIfDue() any, also at once; the rest one at a time.
 class MovieFile {
 public:
@@ -40,21 +42,26 @@ public:
     /// times a second. Returns the track's index. Before open().
     int addTrack(const AVCodecContext& encoder, int frameRate);
 
+    /// Adds a track of the sound that `encoder` makes, whose packets are in ticks
+    /// of its sample rate and begin `initial_padding` before 0. Before open().
+    int addSoundTrack(const AVCodecContext& encoder);
+
     /// Creates the file and writes its header. Errors: cannotWrite, diskFull.
     Result<void, MediaError> open();
 
-    /// Takes the packet, in ticks of timescale(). Returns a library code,
+    /// Takes the packet, in ticks of timescale() (sound: of its rate). Returns a library code,
     /// negative when the file can't be written.
     int write(int track, AVPacket& packet);
 
     /// Brings pictures to the disk that were held back for half a second or more.
     int flushIfDue();
 
-    /// True once a packet came.
+    /// True once a picture came.
     bool hasPictures() const { return m_hasPictures; }
 
     /// Completes the file. The last picture lasts until `endTicks`, else for
-    /// one interval of the track's frame rate. Errors: cannotWrite, diskFull; a
+    /// one interval of the track's frame rate; sound ends there too at the latest (a
+    /// movie's only; in an mp4 what was written stays). Errors: cannotWrite, diskFull; a
     /// movie whose index can't be written stays as it is and is no error.
     Result<void, MediaError> finish(std::optional<std::int64_t> endTicks);
 
@@ -68,6 +75,9 @@ public:
 private:
     struct Track {
         int index = 0;
+        bool isSound = false;
+        int timescale = 1;         ///< Ticks per second.
+        std::int64_t shift = 0;    ///< Added to times, so that none in the file is below 0.
         std::int64_t interval = 1; ///< Ticks from one picture to the next.
         PacketHandle held;         ///< Empty while its `data` is null.
         std::chrono::steady_clock::time_point heldSince;
@@ -76,11 +86,16 @@ private:
     };
 
     bool isFragmented() const { return m_type == FileType::quickTimeMovie; }
+    AVStream& newStream(const AVCodecContext& encoder, int timescale);
+    int writeHeader();
+    int writeFragmentedHeader(Options& options);
+    int flushIfFull();
+    int writePacket(Track& track, AVPacket& packet);
     int writeHeld(Track& track, std::int64_t duration);
     int flushFragment();
     int writeRest(std::optional<std::int64_t> endTicks);
     int closeHandle();
-    Result<void, MediaError> publish();
+    Result<void, MediaError> publish(std::optional<std::int64_t> endTicks);
 
     const std::filesystem::path m_path;
     const FileType m_type;

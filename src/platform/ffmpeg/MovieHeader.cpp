@@ -13,58 +13,10 @@ namespace {
 /// that a damaged file can cause.
 constexpr int kMostBoxes = 4096;
 
-constexpr std::uint32_t fourCC(const char (&name)[5]) {
-    std::uint32_t code = 0;
-    for (int i = 0; i < 4; ++i) {
-        code = code << 8 | static_cast<std::uint8_t>(name[i]);
-    }
-    return code;
-}
-
-std::uint64_t bigEndian(std::span<const std::uint8_t> bytes) {
-    std::uint64_t value = 0;
-    for (const std::uint8_t byte : bytes) {
-        value = value << 8 | byte;
-    }
-    return value;
-}
-
-struct Box {
-    std::uint32_t type = 0;
-    std::uint64_t begin = 0; ///< Of the content.
-    std::uint64_t end = 0;
-};
-
-/// The box at `offset` inside a container that ends at `limit`. A box that
-/// claims to reach further is cut at the limit.
-std::optional<Box> readBox(const ReadBytes& read, std::uint64_t offset, std::uint64_t limit) {
-    std::array<std::uint8_t, 16> head{};
-    const std::span<std::uint8_t> bytes(head);
-    if (limit < 8 || offset > limit - 8 || !read(offset, bytes.first(8))) {
-        return std::nullopt;
-    }
-    std::uint64_t size = bigEndian(bytes.first(4));
-    std::uint64_t headSize = 8;
-    if (size == 1) {
-        if (limit - offset < 16 || !read(offset, bytes)) {
-            return std::nullopt;
-        }
-        size = bigEndian(bytes.subspan(8, 8));
-        headSize = 16;
-    } else if (size == 0) {
-        size = limit - offset;
-    }
-    if (size < headSize) {
-        return std::nullopt;
-    }
-    const auto type = static_cast<std::uint32_t>(bigEndian(bytes.subspan(4, 4)));
-    return Box{type, offset + headSize, offset + std::min(size, limit - offset)};
-}
-
-std::optional<Box> findBox(const ReadBytes& read, std::uint32_t type, std::uint64_t begin,
-                           std::uint64_t end) {
+std::optional<BoxRange> findBox(const ReadBytes& read, std::uint32_t type, std::uint64_t begin,
+                                std::uint64_t end) {
     for (int i = 0; i < kMostBoxes; ++i) {
-        const std::optional<Box> box = readBox(read, begin, end);
+        const std::optional<BoxRange> box = readBox(read, begin, end);
         if (!box || box->type == type) {
             return box;
         }
@@ -73,7 +25,7 @@ std::optional<Box> findBox(const ReadBytes& read, std::uint32_t type, std::uint6
     return std::nullopt;
 }
 
-std::optional<MediaTime> durationOf(const ReadBytes& read, const Box& mvhd) {
+std::optional<MediaTime> durationOf(const ReadBytes& read, const BoxRange& mvhd) {
     std::array<std::uint8_t, 32> bytes{};
     const std::span<std::uint8_t> content(bytes);
     if (mvhd.end - mvhd.begin < 20 || !read(mvhd.begin, content.first(20))) {
@@ -103,12 +55,12 @@ bool opensMovie(std::uint32_t type) {
 
 MovieHeader parseMovieHeader(const ReadBytes& read, std::uint64_t size) {
     MovieHeader header;
-    const std::optional<Box> first = readBox(read, 0, size);
+    const std::optional<BoxRange> first = readBox(read, 0, size);
     header.isMovie = first && opensMovie(first->type);
     if (!header.isMovie) {
         return header;
     }
-    const std::optional<Box> moov = findBox(read, fourCC("moov"), 0, size);
+    const std::optional<BoxRange> moov = findBox(read, fourCC("moov"), 0, size);
     header.hasIndex = moov.has_value();
     if (moov) {
         const auto mvhd = findBox(read, fourCC("mvhd"), moov->begin, moov->end);

@@ -1,12 +1,11 @@
 #pragma once
 
 #include "base/MediaTime.h"
+#include "platform/ffmpeg/MovieBoxes.h"
 
 #include <cstdint>
 #include <filesystem>
-#include <functional>
 #include <optional>
-#include <span>
 
 namespace tavi {
 
@@ -19,9 +18,6 @@ struct MovieHeader {
     /// is missing, damaged, or says 0 or "unknown" (a fragmented file).
     std::optional<MediaTime> duration;
 };
-
-/// Fills `bytes` from `offset` on; false where the source ends before.
-using ReadBytes = std::function<bool(std::uint64_t offset, std::span<std::uint8_t> bytes)>;
 
 /// Looks for the movie header. Never reads outside [0, size) and ends after a
 /// bounded number of boxes, whatever the bytes are.

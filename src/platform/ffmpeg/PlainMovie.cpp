@@ -1,124 +1,171 @@
 #include "platform/ffmpeg/PlainMovie.h"
 
-#include "platform/ffmpeg/FfmpegAsset.h"
 #include "platform/ffmpeg/FfmpegErrors.h"
-#include "platform/ffmpeg/FfmpegHandles.h"
-#include "platform/ffmpeg/WorkingFile.h"
 
-#include <vector>
+extern "C" {
+#include <libavutil/error.h>
+}
+
+#include <cerrno>
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+#include <utility>
 
 namespace tavi {
 
 namespace {
 
-int copyTracks(const AVFormatContext& input, AVFormatContext& output) {
-    for (unsigned i = 0; i < input.nb_streams; ++i) {
-        const AVStream& from = *input.streams[i];
-        AVStream* to = avformat_new_stream(&output, nullptr);
-        if (!to) {
-            return AVERROR(ENOMEM);
-        }
-        const int code = avcodec_parameters_copy(to->codecpar, from.codecpar);
-        if (code < 0) {
-            return code;
-        }
-        to->time_base = from.time_base;
-        to->sample_aspect_ratio = from.codecpar->sample_aspect_ratio;
-    }
-    return 0;
-}
+/// Our index without media in it is a few kilobytes.
+constexpr std::uint64_t kMostIndexBytes = std::uint64_t{16} << 20;
 
-/// One track's way into the new file. The last packet is held back, since its
-/// length has to be set.
-struct TrackCopy {
-    const AVStream* from = nullptr;
-    const AVStream* to = nullptr;
-    PacketHandle held{av_packet_alloc()};
-
-    int flush(AVFormatContext& output) const {
-        if (!held->data) {
-            return 0;
+/// An open file; calls give 0 or the system's error number.
+class OpenFile {
+public:
+    explicit OpenFile(const std::filesystem::path& path)
+        : m_file(::open(path.c_str(), O_RDWR | O_CLOEXEC)) {}
+    ~OpenFile() {
+        if (m_file >= 0) {
+            ::close(m_file);
         }
-        av_packet_rescale_ts(held.get(), from->time_base, to->time_base);
-        held->pos = -1;
-        return av_interleaved_write_frame(&output, held.get());
     }
+    OpenFile(const OpenFile&) = delete;
+    OpenFile& operator=(const OpenFile&) = delete;
+
+    bool isOpen() const { return m_file >= 0; }
+
+    std::uint64_t size() const {
+        struct stat status {};
+        return ::fstat(m_file, &status) == 0 ? static_cast<std::uint64_t>(status.st_size) : 0;
+    }
+
+    bool read(std::uint64_t offset, std::span<std::uint8_t> bytes) const {
+        while (!bytes.empty()) {
+            const ssize_t got =
+                ::pread(m_file, bytes.data(), bytes.size(), static_cast<off_t>(offset));
+            if (got == 0 || (got < 0 && errno != EINTR)) {
+                return false;
+            }
+            const auto some = static_cast<std::size_t>(got < 0 ? 0 : got);
+            bytes = bytes.subspan(some);
+            offset += some;
+        }
+        return true;
+    }
+
+    int write(std::uint64_t offset, std::span<const std::uint8_t> bytes) const {
+        while (!bytes.empty()) {
+            const ssize_t put =
+                ::pwrite(m_file, bytes.data(), bytes.size(), static_cast<off_t>(offset));
+            if (put < 0 && errno != EINTR) {
+                return errno;
+            }
+            const auto some = static_cast<std::size_t>(put < 0 ? 0 : put);
+            bytes = bytes.subspan(some);
+            offset += some;
+        }
+        return 0;
+    }
+
+    int synchronize() const { return ::fdatasync(m_file) == 0 ? 0 : errno; }
+
+    void cut(std::uint64_t size) const { (void)!::ftruncate(m_file, static_cast<off_t>(size)); }
+
+private:
+    int m_file;
 };
 
-int copyPackets(AVFormatContext& input, AVFormatContext& output, int timescale,
-                std::span<const std::int64_t> lastDurations) {
-    std::vector<TrackCopy> tracks(input.nb_streams);
-    for (unsigned i = 0; i < input.nb_streams; ++i) {
-        tracks[i].from = input.streams[i];
-        tracks[i].to = output.streams[i];
+/// The old index and where it lies.
+struct Index {
+    BoxRange range;
+    MovieBox box;
+};
+
+std::optional<Index> findIndex(const ReadBytes& read, std::uint64_t size) {
+    std::optional<BoxRange> range = readBox(read, 0, size);
+    while (range && range->type != fourCC("moov") && range->type != fourCC("moof")) {
+        range = readBox(read, range->end, size);
     }
-    const PacketHandle packet(av_packet_alloc());
-    int code = 0;
-    while ((code = av_read_frame(&input, packet.get())) >= 0) {
-        const TrackCopy& track = tracks[static_cast<std::size_t>(packet->stream_index)];
-        if ((code = track.flush(output)) < 0) {
-            return code;
-        }
-        av_packet_move_ref(track.held.get(), packet.get());
+    if (!range || range->type != fourCC("moov") || range->end - range->begin > kMostIndexBytes) {
+        return std::nullopt;
     }
-    for (std::size_t i = 0; i < tracks.size() && code == AVERROR_EOF; ++i) {
-        if (i < lastDurations.size()) {
-            tracks[i].held->duration =
-                av_rescale_q(lastDurations[i], {1, timescale}, tracks[i].from->time_base);
-        }
-        const int flushed = tracks[i].flush(output);
-        code = flushed < 0 ? flushed : code;
+    std::vector<std::uint8_t> content(range->end - range->begin);
+    if (!read(range->begin, content)) {
+        return std::nullopt;
     }
-    return code == AVERROR_EOF ? 0 : code;
+    return Index{*range, {range->type, {}, parseBoxes(content)}};
 }
 
-int copyMovie(AVFormatContext& input, const std::filesystem::path& to, int timescale,
-              std::span<const std::int64_t> lastDurations) {
-    AVFormatContext* created = nullptr;
-    int code = avformat_alloc_output_context2(&created, nullptr, "mov", fileUrl(to).c_str());
-    if (code < 0) {
-        return code;
+/// The header of a "mdat" box of that size, in its long form.
+std::vector<std::uint8_t> mediaHeader(std::uint64_t size) {
+    return BoxWriter().u32(1).u32(fourCC("mdat")).u64(size).take();
+}
+
+/// Puts the new index behind the media and hides the old one in them.
+int replaceIndex(const OpenFile& file, const BoxRange& old, const MovieBox& index) {
+    const std::uint64_t end = file.size();
+    std::vector<std::uint8_t> bytes;
+    appendBox(bytes, index);
+    int error = file.write(end, bytes);
+    if (error == 0) {
+        error = file.synchronize();
     }
-    const OutputHandle output(created);
-    if ((code = copyTracks(input, *output)) < 0) {
-        return code;
+    if (error == 0) {
+        error = file.write(old.start, mediaHeader(end - old.start));
     }
-    if ((code = avio_open(&output->pb, fileUrl(to).c_str(), AVIO_FLAG_WRITE)) < 0) {
-        return code;
+    if (error != 0) {
+        file.cut(end);
+        return error;
     }
-    Options options;
-    options.set("video_track_timescale", std::int64_t{timescale});
-    options.set("movie_timescale", std::int64_t{timescale});
-    if ((code = avformat_write_header(output.get(), options.address())) < 0) {
-        return code;
-    }
-    if ((code = copyPackets(input, *output, timescale, lastDurations)) < 0) {
-        return code;
-    }
-    if ((code = av_write_trailer(output.get())) < 0) {
-        return code;
-    }
-    return avio_closep(&output->pb);
+    return file.synchronize();
 }
 
 } // namespace
 
-Result<void, MediaError> makePlainMovie(const std::filesystem::path& path, int timescale,
-                                        std::span<const std::int64_t> lastDurations) {
-    const auto input = openInput(path);
-    if (!input) {
-        return fail(input.error());
+Result<void, MediaError> makePlainMovie(const std::filesystem::path& path, const MovieEnds& ends) {
+    using Kind = MediaError::Kind;
+    const OpenFile file(path);
+    if (!file.isOpen()) {
+        return fail(writeError(path, AVERROR(errno)));
     }
-    const std::filesystem::path working = workingPath(path);
-    if (const int code = copyMovie(**input, working, timescale, lastDurations); code < 0) {
-        std::error_code ignored;
-        std::filesystem::remove(working, ignored);
-        return fail(writeError(path, code));
+    const ReadBytes read = [&file](std::uint64_t offset, std::span<std::uint8_t> bytes) {
+        return file.read(offset, bytes);
+    };
+    const std::uint64_t size = file.size();
+    std::optional<Index> old = findIndex(read, size);
+    if (!old || !old->box.child(fourCC("mvex"))) {
+        return fail(mediaError(Kind::notMedia, path, "it is no fragmented movie"));
     }
-    if (const int code = putInPlace(working, path); code != 0) {
-        return fail(writeError(path, AVERROR(code)));
+    MovieFragments fragments = readFragments(read, old->range.end, size, old->box);
+    if (fragments.end != size) {
+        return fail(mediaError(Kind::notMedia, path, "its last fragment is not whole"));
+    }
+    const auto index = makePlainIndex(std::move(old->box), std::move(fragments), ends);
+    if (!index) {
+        return fail(mediaError(Kind::notMedia, path, "its index is damaged"));
+    }
+    if (const int error = replaceIndex(file, old->range, *index); error != 0) {
+        return fail(writeError(path, AVERROR(error)));
     }
     return {};
+}
+
+std::vector<std::uint8_t> withEditList(std::span<const std::uint8_t> header, std::size_t track,
+                                       std::int64_t mediaTime) {
+    std::vector<MovieBox> boxes = parseBoxes(header);
+    std::size_t number = 0;
+    for (MovieBox& moov : boxes) {
+        for (MovieBox& trak : moov.children) {
+            if (trak.type == fourCC("trak") && number++ == track && !trak.children.empty()) {
+                trak.children.insert(trak.children.begin() + 1, makeEditList(0, 0, mediaTime));
+            }
+        }
+    }
+    std::vector<std::uint8_t> bytes;
+    for (const MovieBox& box : boxes) {
+        appendBox(bytes, box);
+    }
+    return bytes;
 }
 
 } // namespace tavi

@@ -1,5 +1,6 @@
 #include "platform/ffmpeg/TestMedia.h"
 
+#include "platform/ffmpeg/MovieBoxes.h"
 #include "render/YuvConverter.h"
 
 #include <fmt/format.h>
@@ -8,6 +9,7 @@
 #include <cmath>
 #include <cstdio>
 #include <cstdlib>
+#include <fstream>
 #include <memory>
 
 namespace tavi::testing {
@@ -117,6 +119,26 @@ std::string probe(const fs::path& file, const std::string& entries) {
     return outputOf(fmt::format("ffprobe -v error -select_streams v:0 -show_entries {} "
                                 "-of default=nw=1:nk=1 '{}' | head -1",
                                 entries, file.string()));
+}
+
+std::string boxesOf(const fs::path& file) {
+    std::ifstream stream(file, std::ios::binary);
+    const ReadBytes read = [&](std::uint64_t offset, std::span<std::uint8_t> bytes) {
+        stream.clear();
+        stream.seekg(static_cast<std::streamoff>(offset));
+        stream.read(reinterpret_cast<char*>(bytes.data()),
+                    static_cast<std::streamsize>(bytes.size()));
+        return static_cast<std::size_t>(stream.gcount()) == bytes.size();
+    };
+    const std::uint64_t size = fs::file_size(file);
+    std::string types;
+    for (auto box = readBox(read, 0, size); box; box = readBox(read, box->end, size)) {
+        for (int shift = 24; shift >= 0; shift -= 8) {
+            types += static_cast<char>(box->type >> shift);
+        }
+        types += box->end < size ? " " : "";
+    }
+    return types;
 }
 
 std::vector<NumberedTime> readNumbers(const fs::path& file, double start, double end) {

@@ -44,6 +44,9 @@ void drawNumber(PixelBuffer& image, int n);
 /// One value of `ffprobe -show_entries`, of the first video stream or the format.
 std::string probe(const std::filesystem::path& file, const std::string& entries);
 
+/// The types of the outermost boxes of a QuickTime or MP4 file, in their order.
+std::string boxesOf(const std::filesystem::path& file);
+
 struct NumberedTime {
     int number = 0;
     double time = 0;
