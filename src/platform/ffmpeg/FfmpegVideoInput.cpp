@@ -62,11 +62,25 @@ bool FfmpegVideoInput::isReadyForMoreMediaData() const {
 }
 
 bool FfmpegVideoInput::append(PixelBufferPtr image, MediaTime time) {
+    const bool isOfSize =
+        image && image->width() == m_settings.width && image->height() == m_settings.height;
+    return isOfSize && enqueue(std::move(image), time);
+}
+
+bool FfmpegVideoInput::appendRepeat(MediaTime time) {
     {
         const std::lock_guard lock(m_mutex);
-        const bool isOfSize =
-            image && image->width() == m_settings.width && image->height() == m_settings.height;
-        if (!isOfSize || !hasRoom() || !m_sessionStart || time < *m_sessionStart ||
+        if (!m_lastTime) {
+            return false;
+        }
+    }
+    return enqueue(nullptr, time);
+}
+
+bool FfmpegVideoInput::enqueue(PixelBufferPtr image, MediaTime time) {
+    {
+        const std::lock_guard lock(m_mutex);
+        if (!hasRoom() || !m_sessionStart || time < *m_sessionStart ||
             (m_lastTime && time <= *m_lastTime)) {
             return false;
         }
@@ -74,20 +88,10 @@ bool FfmpegVideoInput::append(PixelBufferPtr image, MediaTime time) {
         const std::int64_t ticks = (time - *m_sessionStart).rescaled(m_timescale).value;
         m_lastTicks = std::max(ticks, m_lastTicks + 1);
         m_lastTime = time;
-        m_lastImage = image;
         m_queue.push_back({std::move(image), m_lastTicks});
     }
     m_changed.notify_all();
     return true;
-}
-
-bool FfmpegVideoInput::appendRepeat(MediaTime time) {
-    PixelBufferPtr last;
-    {
-        const std::lock_guard lock(m_mutex);
-        last = m_lastImage;
-    }
-    return append(std::move(last), time);
 }
 
 void FfmpegVideoInput::markAsFinished() {
@@ -129,7 +133,6 @@ void FfmpegVideoInput::stop() {
         const std::lock_guard lock(m_mutex);
         m_isStopped = true;
         m_queue.clear();
-        m_lastImage.reset();
     }
     m_changed.notify_all();
     join();
@@ -165,13 +168,18 @@ void FfmpegVideoInput::run() {
     Picture picture;
     while (waitForPicture(picture)) {
         if (m_state.isWriting()) {
-            checkEncode(m_encoder->encode(*picture.image, picture.ticks, sink));
+            checkEncode(encode(picture, sink));
         }
         picture.image.reset();
     }
     if (m_state.isWriting()) {
         checkEncode(m_encoder->drain(sink));
     }
+}
+
+int FfmpegVideoInput::encode(const Picture& picture, const VideoEncoder::Sink& sink) {
+    return picture.image ? m_encoder->encode(*picture.image, picture.ticks, sink)
+                         : m_encoder->repeat(picture.ticks, sink);
 }
 
 /// Turns a failed write into the writer's failure; returns the code.

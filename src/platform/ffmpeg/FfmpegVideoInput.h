@@ -49,11 +49,13 @@ public:
 
 private:
     struct Picture {
-        PixelBufferPtr image;
+        PixelBufferPtr image; ///< Null for the one before it once more.
         std::int64_t ticks = 0;
     };
 
     bool hasRoom() const;
+    bool enqueue(PixelBufferPtr image, MediaTime time);
+    int encode(const Picture& picture, const VideoEncoder::Sink& sink);
     void run();
     bool waitForPicture(Picture& picture);
     void join();
@@ -75,7 +77,6 @@ private:
     std::deque<Picture> m_queue;
     std::optional<MediaTime> m_sessionStart;
     std::optional<MediaTime> m_lastTime;
-    PixelBufferPtr m_lastImage; ///< For appendRepeat().
     std::int64_t m_lastTicks = -1;
     bool m_isFinished = false;
     bool m_isStopped = false;

@@ -128,6 +128,15 @@ int VideoEncoder::encode(const PixelBuffer& picture, std::int64_t ticks, const S
     return m_device ? upload(*m_frame, sink) : send(m_frame.get(), sink);
 }
 
+int VideoEncoder::repeat(std::int64_t ticks, const Sink& sink) {
+    if (!m_frame->buf[0]) {
+        return AVERROR(EINVAL);
+    }
+    // The encoder may still hold the pixels, which it shares; the time is each one's own.
+    m_frame->pts = ticks;
+    return m_device ? upload(*m_frame, sink) : send(m_frame.get(), sink);
+}
+
 int VideoEncoder::upload(const AVFrame& frame, const Sink& sink) {
     const FrameHandle surface(av_frame_alloc());
     int code = av_hwframe_get_buffer(m_codec->hw_frames_ctx, surface.get(), 0);

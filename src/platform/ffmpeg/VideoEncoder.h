@@ -29,6 +29,10 @@ public:
     /// the library said, 0 for success.
     int encode(const PixelBuffer& picture, std::int64_t ticks, const Sink& sink);
 
+    /// Encodes the picture of the last encode() once more, shown from `ticks` on,
+    /// without converting it again.
+    int repeat(std::int64_t ticks, const Sink& sink);
+
     /// Gives the sink the packets that are still inside. Nothing can be encoded after it.
     int drain(const Sink& sink);
 

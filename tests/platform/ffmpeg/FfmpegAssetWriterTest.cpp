@@ -268,6 +268,32 @@ TEST(FfmpegAssetWriter, coloursComeBack) {
     }
 }
 
+TEST(FfmpegAssetWriter, aRepeatedPictureIsShownAgainThoughItsMemoryIsReused) {
+    for (const FileType type : {FileType::quickTimeMovie, FileType::mp4}) {
+        const fs::path file = freshPath("repeated.mov");
+        const Writing writing(file, type);
+        EXPECT_FALSE(writing.input->appendRepeat({0, 60})); // Nothing to repeat.
+        auto picture = writing.input->makePixelBuffer();
+        for (int n = 0; n < 60; ++n) {
+            while (!writing.input->isReadyForMoreMediaData() || picture.use_count() > 1) {
+                std::this_thread::sleep_for(std::chrono::milliseconds(1));
+            }
+            drawNumber(*picture, n);
+            const MediaTime time{n, 60};
+            EXPECT_TRUE(n % 3 == 0 ? writing.append(picture, time)
+                                   : writing.input->appendRepeat(time));
+        }
+        EXPECT_FALSE(writing.input->appendRepeat({59, 60}));
+        ASSERT_TRUE(writing.writer->finishWriting());
+        const auto samples = readNumbers(file);
+        ASSERT_EQ(samples.size(), 60U);
+        for (int n = 0; n < 60; ++n) {
+            EXPECT_EQ(samples[static_cast<std::size_t>(n)].number, n / 3 * 3);
+            EXPECT_NEAR(samples[static_cast<std::size_t>(n)].time, n / 60.0, 1e-5);
+        }
+    }
+}
+
 TEST(FfmpegAssetWriter, writesH264ForCameras) {
     const fs::path file = freshPath("camera.mov");
     const FileType type = FileType::quickTimeMovie;
