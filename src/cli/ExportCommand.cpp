@@ -1,91 +1,88 @@
 #include "cli/ExportCommand.h"
 
-#include "cli/MainThread.h"
+#include "cli/ExportRunner.h"
 #include "cli/Output.h"
 #include "cli/OutputRequest.h"
-#include "cli/ProgressBar.h"
 #include "platform/ffmpeg/FfmpegMediaLibrary.h"
-#include "project/RecordingFolder.h"
-#include "render/VideoExportService.h"
 #include "render/YuvConverter.h"
 
 #include <CLI/CLI.hpp>
+#include <QCoreApplication>
+#include <fmt/format.h>
 
 #include <memory>
-#include <thread>
 
 namespace tavi {
 
 namespace {
 
-/// Runs the export of an open take with progress and cancellation by signal.
-Result<ExportReport, ExportFailure> exportTake(const cli::OpenTake& take, MediaLibrary& media,
-                                               const std::string& output) {
-    const cli::StopSignals stop;
-    const SystemClock clock;
-    VideoExportService* running = nullptr;
-    const auto obeySignals = [&] {
-        if (stop.hasCome()) {
-            running->isCancelled = true;
-        }
-    };
-    VideoExportService service(media, clock, exportLogFile(), [&](std::chrono::nanoseconds time) {
-        std::this_thread::sleep_for(time);
-        obeySignals();
-    });
-    running = &service;
-    cli::ProgressBar bar;
-    return service.exportProject(take.project, output, [&](double share) {
-        bar.update(share);
-        obeySignals();
-    });
-}
+constexpr int kFailed = 1;
+constexpr int kWrongUsage = 2;
 
-int report(const ExportReport& result, const std::string& output) {
-    if (result.writerError) {
-        return cli::failed(result.writerError->description());
-    }
-    if (!result.hasFile()) {
-        return cli::failed("Nothing was exported, no kept part of the take holds a picture: " +
-                           output);
-    }
-    if (result.isSourceDamaged) {
-        cli::failed(
-            "Warning: a part of the take's video is damaged; a picture stands still there.");
-    }
-    if (result.isSoundDamaged) {
-        cli::failed(
-            "Warning: the take's sound can't be read to its end; the film is silent there.");
-    }
-    cli::printLine(output);
-    return 0;
-}
+struct ExportOptions {
+    std::vector<std::string> takes;
+    std::string output;       ///< Empty with a folder.
+    std::string outputFolder; ///< For any number of takes.
+    std::vector<std::string> assignments;
+};
 
-int runExport(const cli::OutputRequest& request) {
+/// Exports every take that can be; the status tells whether all could.
+int exportTakes(const ExportOptions& options, const std::vector<std::filesystem::path>& films) {
     FfmpegMediaLibrary media(std::make_shared<YuvConverter>());
-    const auto take = cli::openForOutput(request, media);
-    if (!take) {
-        cli::failed(take.error().message);
-        return take.error().exitCode;
+    cli::ExportRunner runner(media);
+    int status = 0;
+    for (std::size_t i = 0; i < films.size() && !runner.isStopped(); ++i) {
+        const auto take = cli::openForOutput(
+            {options.takes[i], films[i].string(), options.assignments, cli::kSmallestFilm}, media);
+        if (!take) {
+            cli::failed(take.error().message);
+            status = take.error().exitCode;
+            if (status == kWrongUsage) {
+                return status; // the other takes would say the same
+            }
+            continue;
+        }
+        const std::string label = films.size() > 1 ? fmt::format("{}/{} {} ", i + 1, films.size(),
+                                                                 films[i].stem().string())
+                                                   : std::string();
+        if (!runner.run(*take, films[i], label)) {
+            status = kFailed;
+        }
     }
-    const auto result = exportTake(*take, media, request.output);
-    if (!result) {
-        const auto* own = std::get_if<ExportError>(&result.error());
-        const bool isCutAway = own && *own == ExportError::noVideoTrack; // there is a track
-        return cli::failed(
-            description(result.error()) +
-            (isCutAway ? " Trim and cuts leave nothing of " + take->folder.string() : ""));
+    return runner.isStopped() ? kFailed : status;
+}
+
+int runExport(const ExportOptions& options) {
+    if (options.output.empty() == options.outputFolder.empty()) {
+        cli::failed("Where does the film go? Name it with --output FILE, or a folder with "
+                    "--out-dir DIR");
+        return kWrongUsage;
     }
-    return report(*result, request.output);
+    if (options.takes.size() > 1 && options.outputFolder.empty()) {
+        cli::failed("Several takes make several films; name a folder for them with --out-dir DIR");
+        return kWrongUsage;
+    }
+    int argumentCount = 1;
+    char name[] = "tavi";
+    char* arguments[] = {name, nullptr};
+    const QCoreApplication application(argumentCount, arguments);
+    return exportTakes(options, options.outputFolder.empty()
+                                    ? std::vector<std::filesystem::path>{options.output}
+                                    : cli::filmPaths(options.takes, options.outputFolder));
 }
 
 } // namespace
 
 void addExportCommand(CLI::App& app, int& exitCode) {
-    auto request = std::make_shared<cli::OutputRequest>();
-    CLI::App* command = app.add_subcommand("export", "Make the finished film of a take");
-    cli::addOutputOptions(*command, *request, "MP4 file to write");
-    command->callback([request, &exitCode] { exitCode = runExport(*request); });
+    auto options = std::make_shared<ExportOptions>();
+    CLI::App* command = app.add_subcommand("export", "Make the finished films of takes");
+    command->add_option("TAKE", options->takes, "Folders of takes, or their names in the library")
+        ->required();
+    command->add_option("-o,--output", options->output, "MP4 file to write, of one take");
+    command->add_option("--out-dir", options->outputFolder,
+                        "Folder for the films, each named after its take");
+    cli::addAssignments(*command, options->assignments);
+    command->callback([options, &exitCode] { exitCode = runExport(*options); });
 }
 
 } // namespace tavi

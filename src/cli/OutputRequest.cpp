@@ -17,12 +17,11 @@ constexpr int kFailed = 1;
 constexpr int kWrongUsage = 2;
 
 constexpr std::int64_t kHighestRate = MediaTime::kPreferredTimescale; // one step of the time grid
-constexpr double kSmallestSide = 16;                                  // of H.265 encoders
 constexpr double kLargestSide = 16384;
 
 constexpr int kArrowHeight = 96; ///< Pixels: the largest that themes commonly have.
 
-Result<void, Failure> checkOutputOptions(const OpenTake& take) {
+Result<void, Failure> checkOutputOptions(const OpenTake& take, double smallestSide) {
     const OutputSettings& output = take.project.outputSettings;
     if (output.fps < 1 || output.fps > kHighestRate) {
         return fail(Failure{kWrongUsage, fmt::format("outputSettings.fps is {}; it can be 1 to {}",
@@ -30,24 +29,19 @@ Result<void, Failure> checkOutputOptions(const OpenTake& take) {
     }
     const Size size =
         resolvedOutputSize(output.resolution, output.autoAspectRatio, take.videoSize());
-    const auto fits = [](double side) { return side >= kSmallestSide && side <= kLargestSide; };
+    const auto fits = [&](double side) { return side >= smallestSide && side <= kLargestSide; };
     if (!fits(size.width) || !fits(size.height)) {
         return fail(Failure{
             kWrongUsage, fmt::format("The output would be {} x {} pixels; a side can have {} to {}",
-                                     size.width, size.height, kSmallestSide, kLargestSide)});
+                                     size.width, size.height, smallestSide, kLargestSide)});
     }
     return {};
 }
 
 } // namespace
 
-void addOutputOptions(CLI::App& command, OutputRequest& request, const std::string& outputHelp) {
-    command.add_option("TAKE", request.take, "Folder of the take, or its name in the library")
-        ->required();
-    command.add_option("-o,--output", request.output, outputHelp)->required();
-    command
-        .add_option("--set", request.assignments,
-                    "KEY=VALUE, for this run only: outputSettings.fps=30")
+void addAssignments(CLI::App& command, std::vector<std::string>& assignments) {
+    command.add_option("--set", assignments, "KEY=VALUE, for this run only: outputSettings.fps=30")
         ->allow_extra_args(false);
 }
 
@@ -62,7 +56,7 @@ Result<OpenTake, Failure> openForOutput(const OutputRequest& request, MediaLibra
             return fail(Failure{kWrongUsage, set.error()});
         }
     }
-    if (auto checked = checkOutputOptions(*take); !checked) {
+    if (auto checked = checkOutputOptions(*take, request.smallestSide); !checked) {
         return fail(std::move(checked.error()));
     }
     if (auto checked = checkOutputFile(request.output, take->folder); !checked) {

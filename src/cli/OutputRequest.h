@@ -16,10 +16,14 @@ struct OutputRequest {
     std::string take;
     std::string output;
     std::vector<std::string> assignments; ///< "key=value", set on top of what is stored.
+    double smallestSide = 1;              ///< Of the output, pixels.
 };
 
-/// Adds TAKE, -o and --set to a command. `request` outlives it.
-void addOutputOptions(CLI::App& command, OutputRequest& request, const std::string& outputHelp);
+/// The smallest side that encoders of H.265 take.
+constexpr double kSmallestFilm = 16;
+
+/// Adds --set to a command. `assignments` outlives it.
+void addAssignments(CLI::App& command, std::vector<std::string>& assignments);
 
 /// A message for the user, and the status that the program ends with.
 struct Failure {

@@ -13,12 +13,12 @@ namespace {
 
 constexpr std::chrono::milliseconds kRedraw(100);
 constexpr int kCells = 30;
-constexpr double kNoisyShare = 0.02; // too early to judge by
 
 } // namespace
 
-ProgressBar::ProgressBar()
-    : m_isShown(isatty(STDERR_FILENO) != 0),
+ProgressBar::ProgressBar(std::string label)
+    : m_label(std::move(label)),
+      m_isShown(isatty(STDERR_FILENO) != 0),
       m_start(Clock::now()),
       m_lastDrawn(m_start) {}
 
@@ -28,7 +28,7 @@ ProgressBar::~ProgressBar() {
     }
 }
 
-void ProgressBar::update(double share) {
+void ProgressBar::update(double share, std::optional<double> timeLeft) {
     ++m_frames;
     const auto now = Clock::now();
     if (!m_isShown || (now - m_lastDrawn < kRedraw && share < 1)) {
@@ -38,11 +38,13 @@ void ProgressBar::update(double share) {
     m_isDrawn = true;
     const std::chrono::duration<double> elapsed = now - m_start;
     // Back to the first column, and clear what an earlier, longer line left.
-    fmt::print(stderr, "\r\x1b[K{}", progressText(share, m_frames, elapsed.count()));
+    fmt::print(stderr, "\r\x1b[K{}{}", m_label,
+               progressText(share, m_frames, elapsed.count(), timeLeft));
     std::fflush(stderr);
 }
 
-std::string progressText(double share, long frames, double elapsedSeconds) {
+std::string progressText(double share, long frames, double elapsedSeconds,
+                         std::optional<double> timeLeft) {
     const double done = std::clamp(share, 0.0, 1.0);
     const auto cells = static_cast<std::size_t>(done * kCells);
     std::string text = fmt::format("{:3.0f} % [{}{}]", std::floor(done * 100),
@@ -50,8 +52,8 @@ std::string progressText(double share, long frames, double elapsedSeconds) {
     if (elapsedSeconds > 0) {
         text += fmt::format(" {:.1f} fps", static_cast<double>(frames) / elapsedSeconds);
     }
-    if (done > kNoisyShare) {
-        const auto left = std::lround(std::max(0.0, elapsedSeconds / done - elapsedSeconds));
+    if (timeLeft) {
+        const auto left = std::lround(*timeLeft);
         text += fmt::format(" {}:{:02} left", left / 60, left % 60);
     }
     return text;

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <chrono>
+#include <optional>
 #include <string>
 
 namespace tavi::cli {
@@ -9,17 +10,20 @@ namespace tavi::cli {
 /// standard error is no terminal. The destructor leaves the line.
 class ProgressBar {
 public:
-    ProgressBar();
+    /// `label` stands in front.
+    explicit ProgressBar(std::string label);
     ~ProgressBar();
     ProgressBar(const ProgressBar&) = delete;
     ProgressBar& operator=(const ProgressBar&) = delete;
 
-    /// One more frame is done; `share` of the whole, 0 to about 1.
-    void update(double share);
+    /// One more frame is done; `share` of the whole, 0 to about 1, and the
+    /// seconds left where they are known.
+    void update(double share, std::optional<double> timeLeft);
 
 private:
     using Clock = std::chrono::steady_clock;
 
+    std::string m_label;
     bool m_isShown;
     bool m_isDrawn = false;
     Clock::time_point m_start;
@@ -28,7 +32,8 @@ private:
 };
 
 /// The line for a share done after some seconds: percent, a bar, frames a second
-/// and the time left, which is told once the first two percent are done.
-std::string progressText(double share, long frames, double elapsedSeconds);
+/// and the time left.
+std::string progressText(double share, long frames, double elapsedSeconds,
+                         std::optional<double> timeLeft);
 
 } // namespace tavi::cli

@@ -43,7 +43,11 @@ int runRender(const RenderOptions& options) {
 void addRenderCommand(CLI::App& app, int& exitCode) {
     auto options = std::make_shared<RenderOptions>();
     CLI::App* command = app.add_subcommand("render", "Draw one frame of the finished film");
-    cli::addOutputOptions(*command, options->request, "PNG file to write");
+    cli::OutputRequest& request = options->request;
+    command->add_option("TAKE", request.take, "Folder of the take, or its name in the library")
+        ->required();
+    command->add_option("-o,--output", request.output, "PNG file to write")->required();
+    cli::addAssignments(*command, request.assignments);
     command->add_option("--at", options->time, "Output time in seconds")->required();
     command->callback([options, &exitCode] { exitCode = runRender(*options); });
 }
