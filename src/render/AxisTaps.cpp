@@ -32,6 +32,11 @@ double stepOf(const AxisMapping& mapping) {
     return std::abs(step - 1) < kRounding ? 1 : step;
 }
 
+/// A share as a weight; shares are 0..1. Rounds to nearest.
+int weightOf(double share) {
+    return static_cast<int>(share * AxisTaps::kOne + 0.5);
+}
+
 /// What one target pixel takes, before it is brought to a fixed number of taps.
 class TapBuilder {
 public:
@@ -106,11 +111,11 @@ private:
         for (const double share : m_shares) {
             total += share;
         }
+        const double part = 1 / total;
         int sum = 0;
         std::size_t largest = 0;
         for (std::size_t i = 0; i < m_shares.size(); ++i) {
-            weights[i] =
-                static_cast<std::int16_t>(std::lround(m_shares[i] / total * AxisTaps::kOne));
+            weights[i] = static_cast<std::int16_t>(weightOf(m_shares[i] * part));
             sum += weights[i];
             largest = m_shares[i] > m_shares[largest] ? i : largest;
         }
@@ -122,6 +127,45 @@ private:
     Limits m_limits;
     std::vector<double> m_shares;
 };
+
+/// The target pixels between whose centres no edge of the source stretch matters:
+/// those whose two neighbours both lie wholly inside of it.
+struct Inside {
+    int begin = 0;
+    int end = 0;
+};
+
+Inside insideOf(const AxisMapping& mapping, int targetBegin, int targetEnd) {
+    // A pixel less at either end: rounding must not decide.
+    const Limits limits = limitsOf(mapping);
+    const double step = stepOf(mapping);
+    const auto targetOf = [&](double source) {
+        const double target = (source - mapping.sourceStart) / step + mapping.targetStart - 0.5;
+        return std::clamp<double>(target, targetBegin, targetEnd);
+    };
+    const double low = std::max<double>(limits.low, mapping.sourceStart) + 0.5;
+    const double high =
+        std::min<double>(limits.high + 1, mapping.sourceStart + mapping.sourceLength) - 0.5;
+    const int begin = std::min(static_cast<int>(std::ceil(targetOf(low))) + 1, targetEnd);
+    const int end = static_cast<int>(std::floor(targetOf(high))) - 1;
+    return {begin, std::max(begin, end)};
+}
+
+/// The taps of enlarged pixels that have no edge near them, as TapBuilder makes them.
+void interpolate(const AxisMapping& mapping, const Inside& inside, AxisTaps& taps) {
+    const double step = stepOf(mapping);
+    const auto offset = static_cast<std::size_t>(inside.begin - taps.begin);
+    int* first = taps.first.data() + offset;
+    std::int16_t* weights = taps.weights.data() + 2 * offset;
+    for (int x = inside.begin; x < inside.end; ++x, ++first, weights += 2) {
+        const double center = mapping.sourceStart + (x + 0.5 - mapping.targetStart) * step;
+        const double position = center - 0.5; // not negative
+        *first = static_cast<int>(position);
+        const int second = weightOf(position - *first);
+        weights[0] = static_cast<std::int16_t>(AxisTaps::kOne - second);
+        weights[1] = static_cast<std::int16_t>(second);
+    }
+}
 
 int tapCount(const AxisMapping& mapping) {
     const double step = stepOf(mapping);
@@ -153,11 +197,21 @@ void AxisTaps::assign(const AxisMapping& mapping, int targetBegin, int targetEnd
     const auto pixels = static_cast<std::size_t>(std::max(0, targetEnd - targetBegin));
     first.resize(pixels);
     weights.resize(pixels * static_cast<std::size_t>(count));
-    TapBuilder builder(mapping, count);
-    for (std::size_t i = 0; i < pixels; ++i) {
-        builder.make(targetBegin + static_cast<int>(i), first[i],
-                     weights.data() + i * static_cast<std::size_t>(count));
+    const int limit = targetBegin + static_cast<int>(pixels);
+    Inside inside{targetBegin, targetBegin};
+    if (count == 2 && stepOf(mapping) <= 1) {
+        inside = insideOf(mapping, targetBegin, limit);
+        interpolate(mapping, inside, *this);
     }
+    TapBuilder builder(mapping, count);
+    const auto make = [&](int from, int to) {
+        for (int x = from; x < to; ++x) {
+            const auto i = static_cast<std::size_t>(x - targetBegin);
+            builder.make(x, first[i], weights.data() + i * static_cast<std::size_t>(count));
+        }
+    };
+    make(targetBegin, inside.begin);
+    make(inside.end, limit);
 }
 
 } // namespace tavi

@@ -373,23 +373,35 @@ void BackgroundRenderer::drawRow(int y, const Shadow* shadow, ImageView out) {
     const CoverageMask::Row mask = m_mask.row(y);
     drawBehind(shadow, y, 0, mask.solidBegin, out);
     drawBehind(shadow, y, mask.solidEnd, out.width, out);
-    drawContent(y, mask.begin, mask.left, out);
-    drawContent(y, mask.solidEnd, mask.right, out);
-    std::uint8_t* solid = out.row(y) + bytes(mask.solidBegin);
+    std::uint8_t* row = out.row(y);
+    const EdgePixels leftEdge = keepBehind(row, mask.begin, mask.left);
+    const EdgePixels rightEdge = keepBehind(row, mask.solidEnd, mask.right);
+    const bool isOpaque = m_content.writeRow(y, mask.begin, mask.end, row + bytes(mask.begin));
+    blendEdge(leftEdge);
+    blendEdge(rightEdge);
+    std::uint8_t* solid = row + bytes(mask.solidBegin);
     const int count = mask.solidEnd - mask.solidBegin;
-    m_content.writeRow(y, mask.solidBegin, mask.solidEnd, solid);
-    if (!isRowOpaque(solid, count)) {
-        std::memcpy(m_row.data(), solid, static_cast<std::size_t>(bytes(count)));
-        drawBehind(shadow, y, mask.solidBegin, mask.solidEnd, out);
-        compositeRowOver(solid, m_row.data(), count);
+    if (isOpaque || isRowOpaque(solid, count)) {
+        return;
     }
+    std::uint8_t* content = m_row.data() + bytes(mask.solidBegin);
+    std::memcpy(content, solid, static_cast<std::size_t>(bytes(count)));
+    drawBehind(shadow, y, mask.solidBegin, mask.solidEnd, out);
+    compositeRowOver(solid, content, count);
 }
 
-void BackgroundRenderer::drawContent(int y, int left, std::span<const std::uint8_t> coverage,
-                                     ImageView out) {
-    const int count = static_cast<int>(coverage.size());
-    m_content.writeRow(y, left, left + count, m_row.data());
-    compositeRowOver(out.row(y) + bytes(left), m_row.data(), coverage.data(), count);
+BackgroundRenderer::EdgePixels
+BackgroundRenderer::keepBehind(std::uint8_t* row, int begin,
+                               std::span<const std::uint8_t> coverage) {
+    const EdgePixels edge{row + bytes(begin), m_row.data() + bytes(begin), coverage};
+    std::memcpy(edge.behind, edge.out, coverage.size() * kChannels);
+    return edge;
+}
+
+void BackgroundRenderer::blendEdge(const EdgePixels& edge) {
+    compositeRowOver(edge.behind, edge.out, edge.coverage.data(),
+                     static_cast<int>(edge.coverage.size()));
+    std::memcpy(edge.out, edge.behind, edge.coverage.size() * kChannels);
 }
 
 } // namespace tavi

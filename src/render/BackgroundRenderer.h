@@ -56,6 +56,13 @@ private:
         const std::uint8_t* at(int x, int y) const;
     };
 
+    /// Neighbouring pixels of a row of the output that the content covers in part.
+    struct EdgePixels {
+        std::uint8_t* out = nullptr;
+        std::uint8_t* behind = nullptr; ///< A copy of what the content will lie over.
+        std::span<const std::uint8_t> coverage;
+    };
+
     void prepareBackground();
     void chooseBackground(const PixelBufferPtr& frame, double time);
     void animatedWallpaperImage(double time);
@@ -72,8 +79,9 @@ private:
     void drawBehind(const Shadow* shadow, int y, int left, int right, ImageView out);
     void drawBackground(int y, int left, int right, ImageView out);
     void drawShadow(const Shadow& shadow, int y, int left, int right, ImageView out) const;
-    void drawContent(int y, int left, std::span<const std::uint8_t> coverage, ImageView out);
     void drawRow(int y, const Shadow* shadow, ImageView out);
+    EdgePixels keepBehind(std::uint8_t* row, int begin, std::span<const std::uint8_t> coverage);
+    static void blendEdge(const EdgePixels& edge);
 
     AppearanceSettings m_settings;
     Size m_outputSize;
@@ -98,7 +106,7 @@ private:
 
     Resampler m_content;
     bool m_hasContent = false;
-    std::vector<std::uint8_t> m_row; ///< One row of content.
+    std::vector<std::uint8_t> m_row; ///< One row of the output.
 };
 
 /// The pixels of a finished frame for an output size: whole, even (as 4:2:0

@@ -31,11 +31,19 @@ public:
 
     /// Writes row `y`, columns [left, right), to `out`, which receives column
     /// `left` first. Fastest when the rows are asked for from top to bottom.
-    void writeRow(int y, int left, int right, std::uint8_t* out);
+    /// Returns true when the pixels written are known to be opaque, having been
+    /// made of opaque ones only.
+    bool writeRow(int y, int left, int right, std::uint8_t* out);
 
 private:
-    /// A source row, resampled along x.
-    const std::uint16_t* horizontalRow(int sourceY);
+    /// One place of the ring.
+    struct RingRow {
+        int sourceY = -1; ///< The source row that it holds; -1 none.
+        bool isOpaque = false;
+    };
+
+    /// The place of the ring that has a source row, resampled along x.
+    std::size_t horizontalRow(int sourceY);
 
     ConstImageView m_source;
     PixelBounds m_pixels;
@@ -43,8 +51,8 @@ private:
     AxisTaps m_rows;
     std::optional<int> m_copyColumn;   ///< Where the columns are a plain copy.
     std::vector<std::uint16_t> m_ring; ///< The last source rows; row y at y modulo their number.
-    std::vector<int> m_ringRow;        ///< Which source row each place holds; -1 none.
-    std::size_t m_ringStride = 0;      ///< Numbers from one place to the next.
+    std::vector<RingRow> m_ringRows;
+    std::size_t m_ringStride = 0; ///< Numbers from one place to the next.
     ResampleColumns m_columnPass;
     std::vector<const std::uint16_t*> m_mixedRows; ///< What makes up one target row.
     std::vector<std::int16_t> m_mixedWeights;
