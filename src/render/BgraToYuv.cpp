@@ -1,3 +1,5 @@
+// Vectors are members of structs here, which those without a fixed size can't be.
+#define HWY_DISABLED_TARGETS (HWY_SVE | HWY_SVE2 | HWY_SVE_256 | HWY_SVE2_128 | HWY_RVV)
 #undef HWY_TARGET_INCLUDE
 #define HWY_TARGET_INCLUDE "render/BgraToYuv.cpp" // compiled once for each target
 #include "render/YuvKernels.h"

@@ -38,7 +38,7 @@ std::uint16_t rounded(double number) {
 
 /// The share that a whole sample has under a weight.
 int share(int sample, std::uint16_t weight) {
-    return (sample * 256 * std::int64_t{weight}) >> 16;
+    return static_cast<int>(std::int64_t{sample} * 256 * weight >> 16);
 }
 
 } // namespace

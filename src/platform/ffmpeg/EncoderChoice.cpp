@@ -84,7 +84,7 @@ const EncoderTrial& EncoderChoice::trial(const EncoderKind& kind, const VideoSet
 
 Result<std::unique_ptr<VideoEncoder>, MediaError>
 EncoderChoice::open(const VideoSettings& settings, int timescale,
-                    std::shared_ptr<const ColorConverter> colours) {
+                    const std::shared_ptr<const ColorConverter>& colours) {
     std::string reason = "none is known";
     for (const EncoderKind& kind : encoderKinds(settings.codec)) {
         const EncoderTrial& tried = trial(kind, settings);
