@@ -10,6 +10,9 @@ namespace {
 /// More than any fragment's tables need; what claims more is damaged.
 constexpr std::uint64_t kMostTableBytes = std::uint64_t{64} << 20;
 
+/// More than any fragment of ours has, by far.
+constexpr std::uint32_t kMostSamples = 1 << 20;
+
 constexpr std::uint32_t kIsNoKey = 0x10000;
 
 /// What a sample is where its run doesn't say so.
@@ -69,20 +72,33 @@ Defaults defaultsOf(const MovieBox& moov, std::uint32_t id) {
     return {};
 }
 
+/// Where offsets in a fragment count from.
+struct FragmentPlace {
+    std::uint64_t start = 0;   ///< Of the "moof".
+    std::uint64_t dataEnd = 0; ///< Of the track's data before this one's; `start` for the first.
+    std::uint64_t limit = 0;   ///< Where the fragment's data ends.
+};
+
 /// One fragment's part of one track.
 class RunReader {
 public:
-    RunReader(FragmentedTrack& track, Defaults defaults, std::uint64_t moofStart)
+    RunReader(FragmentedTrack& track, Defaults defaults, const FragmentPlace& place)
         : m_track(track),
           m_defaults(defaults),
-          m_base(moofStart),
-          m_position(moofStart) {}
+          m_start(place.start),
+          m_base(place.dataEnd),
+          m_position(place.dataEnd) {}
 
     bool readHeader(const MovieBox& tfhd) {
         BoxReader reader(tfhd.content);
         const std::uint32_t flags = reader.u32();
         reader.u32();
-        m_base = flags & 0x1 ? reader.number(8) : m_base;
+        if (flags & 0x1) {
+            m_base = reader.number(8);
+        } else if (flags & 0x20000) {
+            m_base = m_start;
+        }
+        m_position = m_base;
         reader.u32If(flags & 0x2, 0);
         m_defaults.duration = reader.u32If(flags & 0x8, m_defaults.duration);
         m_defaults.size = reader.u32If(flags & 0x10, m_defaults.size);
@@ -106,6 +122,9 @@ public:
             m_position = m_base + static_cast<std::uint64_t>(away);
         }
         const std::uint32_t firstFlags = reader.u32If(flags & 0x4, m_defaults.flags);
+        if (count > kMostSamples) {
+            return false;
+        }
         if (count > 0) {
             m_track.chunks.push_back({m_position, count});
         }
@@ -133,14 +152,15 @@ private:
 
     FragmentedTrack& m_track;
     Defaults m_defaults;
+    const std::uint64_t m_start;
     std::uint64_t m_base;
     std::uint64_t m_position;
     std::int64_t m_time = 0;
 };
 
-/// Adds one fragment's part of one track; false where it is damaged or reaches beyond `limit`.
-bool readTrack(const MovieBox& traf, const MovieBox& moov, std::uint64_t moofStart,
-               std::uint64_t limit, std::vector<FragmentedTrack>& tracks) {
+/// Adds one fragment's part of one track; false where it is damaged or reaches beyond it.
+bool readTrack(const MovieBox& traf, const MovieBox& moov, FragmentPlace& place,
+               std::vector<FragmentedTrack>& tracks) {
     const MovieBox* tfhd = traf.child(fourCC("tfhd"));
     if (!tfhd || tfhd->content.size() < 8) {
         return false;
@@ -151,29 +171,29 @@ bool readTrack(const MovieBox& traf, const MovieBox& moov, std::uint64_t moofSta
     if (track == tracks.end()) {
         return false;
     }
-    RunReader runs(*track, defaultsOf(moov, id), moofStart);
+    RunReader runs(*track, defaultsOf(moov, id), place);
     bool isWhole = runs.readHeader(*tfhd);
     for (const MovieBox& box : traf.children) {
         if (box.type == fourCC("tfdt")) {
             isWhole = isWhole && runs.readTime(box);
         } else if (box.type == fourCC("trun")) {
-            isWhole = isWhole && runs.readRun(box) && runs.end() <= limit;
+            isWhole = isWhole && runs.readRun(box) && runs.end() <= place.limit;
         }
     }
+    place.dataEnd = runs.end();
     return isWhole;
 }
 
 /// Adds one fragment, or nothing and false where it isn't whole.
-bool readFragment(const MovieBox& moof, const MovieBox& moov, std::uint64_t moofStart,
-                  std::uint64_t limit, std::vector<FragmentedTrack>& tracks) {
+bool readFragment(const MovieBox& moof, const MovieBox& moov, FragmentPlace place,
+                  std::vector<FragmentedTrack>& tracks) {
     std::vector<std::pair<std::size_t, std::size_t>> before;
     for (const FragmentedTrack& track : tracks) {
         before.emplace_back(track.samples.size(), track.chunks.size());
     }
     bool isWhole = !moof.children.empty();
     for (const MovieBox& box : moof.children) {
-        isWhole = isWhole &&
-                  (box.type != fourCC("traf") || readTrack(box, moov, moofStart, limit, tracks));
+        isWhole = isWhole && (box.type != fourCC("traf") || readTrack(box, moov, place, tracks));
     }
     for (std::size_t i = 0; i < tracks.size() && !isWhole; ++i) {
         tracks[i].samples.resize(before[i].first);
@@ -205,8 +225,8 @@ MovieFragments readFragments(const ReadBytes& read, std::uint64_t start, std::ui
         if (!mdat || moof->type != fourCC("moof") || mdat->type != fourCC("mdat")) {
             return found;
         }
-        if (!readFragment({moof->type, {}, parseBoxes(contentOf(read, *moof))}, moov, moof->start,
-                          mdat->end, found.tracks)) {
+        if (!readFragment({moof->type, {}, parseBoxes(contentOf(read, *moof))}, moov,
+                          {moof->start, moof->start, mdat->end}, found.tracks)) {
             return found;
         }
         found.end = mdat->end;

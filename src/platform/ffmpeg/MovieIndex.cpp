@@ -189,23 +189,33 @@ std::int64_t mediaTimeAtZero(const MovieBox& trak) {
     return static_cast<std::int32_t>(numberAt(*list, 12, 4));
 }
 
+/// When the last picture shown (the last sound heard) ends, in ticks after the
+/// first sample's time of decoding.
+std::int64_t presentationEnd(const Samples& samples) {
+    std::int64_t end = 0;
+    for (const FragmentedTrack::Sample& sample : samples) {
+        end = std::max(end, sample.time + sample.offset + sample.duration - samples[0].time);
+    }
+    return end;
+}
+
 /// Fills in one track; returns when it ends, in ticks of the movie.
 std::int64_t fillTrack(MovieBox& trak, const TrackBoxes& boxes, const FragmentedTrack& track,
                        std::int64_t movieTimescale, std::optional<std::int64_t> latestEnd) {
     const Samples& samples = track.samples;
     const std::int64_t timescale = std::max<std::int64_t>(timescaleOf(*boxes.mediaHeader), 1);
-    const std::int64_t length = samples.back().time + samples.back().duration - samples[0].time;
     const std::int64_t first = samples[0].time + samples[0].offset - mediaTimeAtZero(trak);
     const std::int64_t mediaTime = samples[0].offset + std::max<std::int64_t>(-first, 0);
     const std::int64_t empty =
         av_rescale(std::max<std::int64_t>(first, 0), movieTimescale, timescale);
-    std::int64_t shown =
-        av_rescale(std::max<std::int64_t>(length - mediaTime, 1), movieTimescale, timescale);
+    std::int64_t shown = av_rescale(std::max<std::int64_t>(presentationEnd(samples) - mediaTime, 1),
+                                    movieTimescale, timescale);
     if (latestEnd) {
         shown = std::clamp<std::int64_t>(*latestEnd - empty, 1, shown);
     }
     fillTable(*boxes.table, track);
-    setDuration(*boxes.mediaHeader, 4, length);
+    setDuration(*boxes.mediaHeader, 4,
+                samples.back().time + samples.back().duration - samples[0].time);
     setDuration(*boxes.header, 8, empty + shown);
     trak.remove(fourCC("edts")); // Moves no box in front of "tkhd", the first one.
     trak.children.insert(trak.children.begin() + 1, makeEditList(empty, shown, mediaTime));

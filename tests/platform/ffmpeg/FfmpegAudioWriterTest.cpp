@@ -7,9 +7,13 @@
 #include <algorithm>
 #include <chrono>
 #include <cmath>
+#include <csignal>
 #include <functional>
 #include <numbers>
+#include <sys/resource.h>
+#include <sys/wait.h>
 #include <thread>
+#include <unistd.h>
 
 namespace tavi {
 
@@ -413,6 +417,136 @@ TEST_P(FfmpegAudioWriter, cancelEndsBothTracks) {
     EXPECT_FALSE(film.sound->isReadyForMoreMediaData());
     EXPECT_FALSE(film.sound->append(soundOf(tone(440, 0.5), 0, kFrames), {2, 1}));
     EXPECT_FALSE(fs::exists(file));
+}
+
+TEST(FfmpegAudioWriterLength, tenMinutesDoNotDrift) {
+    const fs::path file = freshPath("long.mp4");
+    const std::vector<double> times{1, 200.5, 599};
+    {
+        auto writer = mediaLibrary().makeWriter(file, FileType::mp4).value();
+        auto* pictures =
+            writer->addVideoInput({VideoCodec::h264, kWidth, kHeight, 500'000, 25, false}).value();
+        auto* sound = writer->addAudioInput({}).value();
+        ASSERT_TRUE(writer->startWriting());
+        writer->startSession({0, 1});
+        const auto wait = [](const auto& input) {
+            while (!input.isReadyForMoreMediaData()) {
+                std::this_thread::sleep_for(std::chrono::microseconds(100));
+            }
+        };
+        const Wave wave = burstsAt(times);
+        int second = 0;
+        for (std::int64_t at = 0; at < std::int64_t{600} * 48000; at += kFrames) {
+            const double start = static_cast<double>(at) / 48000;
+            for (; second <= start; ++second) {
+                wait(*pictures);
+                ASSERT_TRUE(second == 0 ? pictures->append(numbered(7), {second, 1})
+                                        : pictures->appendRepeat({second, 1}));
+            }
+            wait(*sound);
+            ASSERT_TRUE(sound->append(soundOf(wave, start, kFrames, 48000), {at, 48000}));
+        }
+        ASSERT_TRUE(writer->finishWriting());
+    }
+    const Sound sound = readSound(file);
+    for (const double at : times) {
+        EXPECT_NEAR(sound.loudest(at - 0.2, at + 0.2), at, 0.1 * kMillisecond);
+    }
+    EXPECT_NEAR(sound.end(), 600, kMillisecond);
+    EXPECT_EQ(readNumbers(file).size(), 600U);
+}
+
+namespace {
+
+/// A child process makes a take with sound; it is killed after it has appended
+/// `pictures` pictures of 20 ms.
+void recordAndKill(const fs::path& file, int pictures) {
+    std::array<int, 2> pipe{};
+    ASSERT_EQ(::pipe(pipe.data()), 0);
+    const pid_t child = ::fork();
+    ASSERT_GE(child, 0);
+    if (child == 0) {
+        Film film(file, FileType::quickTimeMovie, {1, 48000, 128'000, true});
+        const Wave wave = burstsAt({0.5, 1.1});
+        const auto start = std::chrono::steady_clock::now();
+        for (int n = 0;; ++n) {
+            std::this_thread::sleep_until(start + std::chrono::milliseconds(20) * n);
+            film.pictures->append(numbered(n), {n, 50});
+            film.sound->append(soundOf(wave, n / 50.0, 960, 48000), {n, 50});
+            (void)!::write(pipe[1], "+", 1);
+        }
+    }
+    char byte = 0;
+    for (int n = 0; n < pictures; ++n) {
+        ASSERT_EQ(::read(pipe[0], &byte, 1), 1);
+    }
+    ::kill(child, SIGKILL);
+    int status = 0;
+    ::waitpid(child, &status, 0);
+    ::close(pipe[0]);
+    ::close(pipe[1]);
+}
+
+} // namespace
+
+TEST(FfmpegAudioWriterCrash, aKilledTakeHoldsItsSoundInItsPlace) {
+    const fs::path file = freshPath("killedsound.mov");
+    recordAndKill(file, 125);
+    const auto samples = readNumbers(file);
+    ASSERT_GE(samples.size(), 75U);
+    EXPECT_EQ(samples.back().number, static_cast<int>(samples.size()) - 1);
+    const Sound sound = readSound(file);
+    EXPECT_EQ(sound.status, AssetReaderStatus::completed);
+    EXPECT_NEAR(sound.loudest(0.1, 0.9), 0.5, 0.1 * kMillisecond);
+    EXPECT_NEAR(sound.loudest(0.9, 1.5), 1.1, 0.1 * kMillisecond);
+    EXPECT_GT(sound.end(), 1.4);
+    const Sound judge = decodedByCommand(file, 48000, 1);
+    EXPECT_NEAR(judge.loudest(0.1, 0.9), 0.5, kMillisecond);
+}
+
+TEST(FfmpegAudioWriterCrash, aTakeCanBeReadWhileItGrows) {
+    const fs::path file = freshPath("growing.mov");
+    Film film(file, FileType::quickTimeMovie, {1, 48000, 128'000, true});
+    film.play(burstsAt({0.5}), 0, 2, 48000);
+    std::this_thread::sleep_for(std::chrono::milliseconds(1500));
+    EXPECT_GE(readNumbers(file).size(), 55U);
+    EXPECT_NEAR(readSound(file).loudest(0.1, 1), 0.5, 0.1 * kMillisecond);
+    film.finish();
+    EXPECT_EQ(readNumbers(file).size(), 60U);
+    EXPECT_NEAR(readSound(file).loudest(0.1, 1), 0.5, 0.1 * kMillisecond);
+}
+
+/// A limit on the file size stands for a disk that fills up while writing.
+TEST_P(FfmpegAudioWriter, aFileThatCanNotGrowFailsTheWriter) {
+    ::testing::GTEST_FLAG(death_test_style) = "threadsafe";
+    const FileType type = GetParam();
+    const fs::path folder = mediaFolder() / ("limited-sound-" + nameOf(type));
+    const auto writeUntilItFails = [&] {
+        fs::create_directories(folder);
+        const fs::path file = folder / "film.mov";
+        std::signal(SIGXFSZ, SIG_IGN);
+        const rlimit limit{600'000, 600'000};
+        ::setrlimit(RLIMIT_FSIZE, &limit);
+        Film film(file, type);
+        int n = 0;
+        for (; n < 4000 && film.writer->status() == Status::writing; ++n) {
+            film.showTo(n / 10.0);
+            film.waitFor(*film.sound);
+            film.sound->append(soundOf(tone(440 + n, 0.5), 0, 4410), {n, 10});
+            std::this_thread::sleep_for(std::chrono::milliseconds(5));
+        }
+        const auto finished = film.writer->finishWriting();
+        const bool isRight = n < 4000 && film.writer->status() == Status::failed &&
+                             !film.sound->isReadyForMoreMediaData() && !finished &&
+                             finished.error().kind == MediaError::Kind::cannotWrite &&
+                             finished.error().reason == "File too large";
+        const bool isClean = type == FileType::mp4
+                                 ? fs::is_empty(folder)
+                                 : readNumbers(file).size() > 10 && readSound(file).end() > 0.5;
+        fs::remove_all(mediaFolder()); // This process made one of its own.
+        std::_Exit(isRight && isClean ? 0 : (isRight ? 2 : 1));
+    };
+    EXPECT_EXIT(writeUntilItFails(), ::testing::ExitedWithCode(0), "");
 }
 
 TEST(FfmpegAudioWriterFormat, refusesWhatTheEncoderDoesNotTake) {

@@ -94,7 +94,7 @@ Sound readSound(const fs::path& file) {
 Sound decodedByCommand(const fs::path& file, int sampleRate, int channels) {
     const fs::path raw = freshPath("decoded.f32");
     const std::string command = fmt::format(
-        "timeout 120 ffmpeg -nostdin -v error -y -i '{}' -map 0:a:0 -af aresample=async=1:"
+        "timeout 120 ffmpeg -nostdin -v error -y -copyts -i '{}' -map 0:a:0 -af aresample=async=1:"
         "first_pts=0 -f f32le -ar {} -ac {} '{}' </dev/null",
         file.string(), sampleRate, channels, raw.string());
     EXPECT_TRUE(run(command)) << command;
