@@ -6,7 +6,6 @@ namespace tavi {
 
 namespace {
 
-constexpr int kChannels = 4;
 constexpr int kBlockPixels = 4;   // of 16 bytes, inside of which vectors interleave
 constexpr int kReductionTaps = 4; // as many as a block has pixels
 
@@ -28,9 +27,8 @@ Column columnOf(const AxisTaps& taps, int index) {
     return {taps.firstOf(x), taps.weightsOf(x)};
 }
 
-/// Writes a weight once a channel; returns where the next one goes.
-std::uint16_t* putShares(std::uint16_t* out, std::int16_t weight) {
-    return std::fill_n(out, kChannels, static_cast<std::uint16_t>(weight));
+std::uint16_t shareOf(std::int16_t weight) {
+    return static_cast<std::uint16_t>(weight);
 }
 
 int groupCount(const AxisTaps& taps, int size) {
@@ -39,12 +37,12 @@ int groupCount(const AxisTaps& taps, int size) {
 
 } // namespace
 
-void ColumnGroups::resize(int columns, int loads, int taps) {
-    const auto count = static_cast<std::size_t>(columns);
-    const auto groups = count / static_cast<std::size_t>(size);
+void ColumnGroups::resize(int columns, int loads) {
+    const auto groups = static_cast<std::size_t>(columns) / static_cast<std::size_t>(size);
+    const auto vector = static_cast<std::size_t>(pixelsInAVector());
     bases.resize(groups * static_cast<std::size_t>(loads));
-    lanes.resize(bases.size() * static_cast<std::size_t>(pixelsInAVector()));
-    shares.resize(count * static_cast<std::size_t>(taps * kChannels));
+    lanes.resize(bases.size() * vector);
+    shares.resize(groups * 2 * vector);
 }
 
 bool ColumnGroups::makeInterpolation(const AxisTaps& taps, int sourceWidth) {
@@ -54,24 +52,24 @@ bool ColumnGroups::makeInterpolation(const AxisTaps& taps, int sourceWidth) {
     }
     size = vector;
     const int count = groupCount(taps, size) * size;
-    resize(count, 1, 2);
-    std::int32_t* lane = lanes.data();
+    resize(count, 1);
+    std::int32_t* base = bases.data();
+    std::uint8_t* lane = lanes.data();
     std::uint16_t* share = shares.data();
-    for (int start = 0; start < count; start += size) {
-        const int base = std::min(columnOf(taps, start).first, sourceWidth - vector - 1);
-        bases[static_cast<std::size_t>(start / size)] = base;
+    for (int start = 0; start < count; start += size, ++base) {
+        *base = std::min(columnOf(taps, start).first, sourceWidth - vector - 1);
         // Each block gets two pixels of the group's first half and two of the
         // second: interleaving parts the halves, in the columns' order.
-        for (int pair = 0; pair < size / 2; pair += 2) {
-            for (const int x : {pair, pair + 1, size / 2 + pair, size / 2 + pair + 1}) {
-                *lane++ = columnOf(taps, start + x).first - base;
-            }
-        }
-        for (const int half : {0, size / 2}) {
-            for (const int tap : {0, 1}) {
-                for (int x = half; x < half + size / 2; ++x) {
-                    share = putShares(share, columnOf(taps, start + x).weights[tap]);
-                }
+        for (int pair = start; pair < start + size / 2; pair += 2) {
+            for (const int x : {pair, pair + size / 2}) {
+                const Column first = columnOf(taps, x);
+                const Column second = columnOf(taps, x + 1);
+                *lane++ = static_cast<std::uint8_t>(first.first - *base);
+                *lane++ = static_cast<std::uint8_t>(second.first - *base);
+                *share++ = shareOf(first.weights[0]);
+                *share++ = shareOf(second.weights[0]);
+                *share++ = shareOf(first.weights[1]);
+                *share++ = shareOf(second.weights[1]);
             }
         }
     }
@@ -86,27 +84,28 @@ bool ColumnGroups::makeReduction(const AxisTaps& taps, int sourceWidth) {
     const int half = vector / kBlockPixels; // columns that a loaded vector serves
     size = 2 * half;
     const int count = groupCount(taps, size) * size;
-    resize(count, 2, kReductionTaps);
-    std::int32_t* lane = lanes.data();
-    std::uint16_t* share = shares.data();
-    for (int start = 0; start < count; start += half) {
-        const int base = std::min(columnOf(taps, start).first, sourceWidth - vector);
-        if (columnOf(taps, start + half - 1).first + taps.count > base + vector) {
+    resize(count, 2);
+    std::int32_t* base = bases.data();
+    std::uint8_t* lane = lanes.data();
+    for (int start = 0; start < count; start += half, ++base) {
+        *base = std::min(columnOf(taps, start).first, sourceWidth - vector);
+        if (columnOf(taps, start + half - 1).first + taps.count > *base + vector) {
             return false;
         }
-        bases[static_cast<std::size_t>(start / half)] = base;
         for (int x = start; x < start + half; ++x) { // a block has one column's pixels
-            const int first = columnOf(taps, x).first - base;
+            const int first = columnOf(taps, x).first - *base;
             for (int tap = 0; tap < kReductionTaps; ++tap) {
-                *lane++ = std::min(first + tap, vector - 1);
+                *lane++ = static_cast<std::uint8_t>(std::min(first + tap, vector - 1));
             }
         }
-        for (const int pair : {0, 2}) {
-            for (int x = start; x < start + half; ++x) {
-                const Column column = columnOf(taps, x);
-                for (const int tap : {pair, pair + 1}) {
-                    share =
-                        putShares(share, tap < taps.count ? column.weights[tap] : std::int16_t{0});
+    }
+    std::uint16_t* share = shares.data();
+    for (int start = 0; start < count; start += size) {
+        for (int block = start; block < start + half; ++block) {
+            for (const int x : {block, block + half}) {
+                const std::int16_t* weights = columnOf(taps, x).weights;
+                for (int tap = 0; tap < kReductionTaps; ++tap) {
+                    *share++ = tap < taps.count ? shareOf(weights[tap]) : std::uint16_t{0};
                 }
             }
         }

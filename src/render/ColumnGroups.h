@@ -18,7 +18,10 @@ namespace tavi {
 struct ColumnGroups {
     int size = 0;                    ///< Columns a group.
     std::vector<std::int32_t> bases; ///< The pixels that vectors are loaded from.
-    std::vector<std::int32_t> lanes; ///< Which lanes of a loaded vector to take.
+    std::vector<std::uint8_t> lanes; ///< Which lanes of a loaded vector to take.
+    /// A vector a group: for each of its blocks two shares of the first loaded or
+    /// lower pixels, two of those that they are added to, and the same for the
+    /// other half of the result. Short, since it is read once a source row.
     std::vector<std::uint16_t> shares;
 
     /// For columns that mix two pixels each and are at most one pixel on from the
@@ -32,8 +35,8 @@ struct ColumnGroups {
     bool makeReduction(const AxisTaps& taps, int sourceWidth);
 
 private:
-    /// Makes room for groups of `loads` vectors and columns of that many taps.
-    void resize(int columns, int loads, int taps);
+    /// Makes room for groups of `loads` vectors.
+    void resize(int columns, int loads);
 };
 
 /// Mixes the columns of all groups out of the pixels `in`, 4 numbers a column of 64

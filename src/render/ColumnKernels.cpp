@@ -57,8 +57,25 @@ HWY_INLINE WordVector upperWords(Vector pixels) {
                        hn::InterleaveUpper(bytes, hn::Zero(bytes), hn::BitCast(bytes, pixels)));
 }
 
-HWY_INLINE WordVector part(WordVector values, const std::uint16_t* shares) {
-    return hn::MulHigh(values, hn::LoadU(Words(), shares));
+/// Two shares out of each block's eight, once a channel: the pair `kPair` of 0..3.
+template<int kPair>
+HWY_INLINE WordVector sharesOf(WordVector group) {
+    const Bytes bytes;
+    constexpr std::uint8_t kFirst = 4 * kPair;
+    alignas(16) static constexpr std::uint8_t kTable[16] = {
+        kFirst,     kFirst + 1, kFirst,     kFirst + 1, kFirst,     kFirst + 1,
+        kFirst,     kFirst + 1, kFirst + 2, kFirst + 3, kFirst + 2, kFirst + 3,
+        kFirst + 2, kFirst + 3, kFirst + 2, kFirst + 3};
+    return hn::BitCast(
+        Words(), hn::TableLookupBytes(hn::BitCast(bytes, group), hn::LoadDup128(bytes, kTable)));
+}
+
+/// The pixels of a loaded vector that a group takes.
+HWY_INLINE Vector picked(Vector loaded, const std::uint8_t* lanes) {
+    const hn::RebindToSigned<Pixels> places;
+    const hn::Rebind<std::uint8_t, decltype(places)> narrow;
+    const auto indices = hn::PromoteTo(places, hn::LoadU(narrow, lanes));
+    return hn::TableLookupLanes(loaded, hn::IndicesFromVec(Pixels(), indices));
 }
 
 HWY_INLINE bool isOpaque(Vector all) {
@@ -68,69 +85,64 @@ HWY_INLINE bool isOpaque(Vector all) {
 
 bool interpolate(const ColumnGroups& groups, const std::uint8_t* in, const std::uint8_t* next,
                  std::uint16_t* out) {
-    const Pixels pixels;
     const Words words;
-    const std::size_t step = hn::Lanes(pixels);
-    const std::size_t wordStep = 2 * step;
-    const std::int32_t* lanes = groups.lanes.data();
+    const std::size_t step = hn::Lanes(Pixels());
+    const std::uint8_t* lanes = groups.lanes.data();
     const std::uint16_t* shares = groups.shares.data();
-    auto all = hn::Set(pixels, 0xFFFFFFFFU);
+    auto all = hn::Set(Pixels(), 0xFFFFFFFFU);
     for (const std::ptrdiff_t base : groups.bases) {
         const std::ptrdiff_t offset = base * 4;
         hwy::Prefetch(next + offset);
-        const auto indices = hn::SetTableIndices(pixels, lanes);
         const auto left = loadPixels(in + offset);
         const auto right = loadPixels(in + offset + 4);
+        const auto share = hn::LoadU(words, shares);
         all = hn::And(all, hn::And(left, right));
-        const auto a = hn::TableLookupLanes(left, indices);
-        const auto b = hn::TableLookupLanes(right, indices);
-        const auto first =
-            hn::Add(part(lowerWords(a), shares), part(lowerWords(b), shares + wordStep));
-        const auto second = hn::Add(part(upperWords(a), shares + 2 * wordStep),
-                                    part(upperWords(b), shares + 3 * wordStep));
+        const auto a = picked(left, lanes);
+        const auto b = picked(right, lanes);
+        const auto first = hn::Add(hn::MulHigh(lowerWords(a), sharesOf<0>(share)),
+                                   hn::MulHigh(lowerWords(b), sharesOf<1>(share)));
+        const auto second = hn::Add(hn::MulHigh(upperWords(a), sharesOf<2>(share)),
+                                    hn::MulHigh(upperWords(b), sharesOf<3>(share)));
         hn::StoreU(first, words, out);
-        hn::StoreU(second, words, out + wordStep);
+        hn::StoreU(second, words, out + 2 * step);
         lanes += step;
-        shares += 4 * wordStep;
-        out += 2 * wordStep;
+        shares += 2 * step;
+        out += 4 * step;
     }
     return isOpaque(all);
 }
 
-/// What the two pairs of pixels of each column add up to, side by side.
-HWY_INLINE WordVector sumOfPairs(Vector loaded, const std::int32_t* lanes,
-                                 const std::uint16_t* shares) {
-    const Pixels pixels;
-    const auto columns = hn::TableLookupLanes(loaded, hn::SetTableIndices(pixels, lanes));
-    return hn::Add(part(lowerWords(columns), shares),
-                   part(upperWords(columns), shares + hn::Lanes(Words())));
-}
-
 bool reduce(const ColumnGroups& groups, const std::uint8_t* in, const std::uint8_t* next,
             std::uint16_t* out) {
-    const Pixels pixels;
     const Words words;
     const hn::Repartition<std::uint64_t, Pixels> columns;
-    const std::size_t step = hn::Lanes(pixels);
-    const std::size_t wordStep = 2 * step;
-    const std::int32_t* lanes = groups.lanes.data();
+    const std::size_t step = hn::Lanes(Pixels());
+    const std::uint8_t* lanes = groups.lanes.data();
     const std::uint16_t* shares = groups.shares.data();
     const auto rounding = hn::Set(words, 2); // half of what four parts lose
-    auto all = hn::Set(pixels, 0xFFFFFFFFU);
+    auto all = hn::Set(Pixels(), 0xFFFFFFFFU);
     for (std::size_t i = 0; i < groups.bases.size(); i += 2) {
         const std::ptrdiff_t offset = std::ptrdiff_t{groups.bases[i]} * 4;
         hwy::Prefetch(next + offset);
         const auto left = loadPixels(in + offset);
         const auto right = loadPixels(in + std::ptrdiff_t{groups.bases[i + 1]} * 4);
+        const auto share = hn::LoadU(words, shares);
         all = hn::And(all, hn::And(left, right));
-        const auto a = hn::BitCast(columns, sumOfPairs(left, lanes, shares));
-        const auto b = hn::BitCast(columns, sumOfPairs(right, lanes + step, shares + 2 * wordStep));
-        const auto even = hn::BitCast(words, hn::ConcatEven(columns, b, a));
-        const auto odd = hn::BitCast(words, hn::ConcatOdd(columns, b, a));
+        const auto a = picked(left, lanes);
+        const auto b = picked(right, lanes + step);
+        // What the two pairs of pixels of each column add up to, side by side.
+        const auto first =
+            hn::BitCast(columns, hn::Add(hn::MulHigh(lowerWords(a), sharesOf<0>(share)),
+                                         hn::MulHigh(upperWords(a), sharesOf<1>(share))));
+        const auto second =
+            hn::BitCast(columns, hn::Add(hn::MulHigh(lowerWords(b), sharesOf<2>(share)),
+                                         hn::MulHigh(upperWords(b), sharesOf<3>(share))));
+        const auto even = hn::BitCast(words, hn::ConcatEven(columns, second, first));
+        const auto odd = hn::BitCast(words, hn::ConcatOdd(columns, second, first));
         hn::StoreU(hn::Add(hn::Add(even, rounding), odd), words, out);
         lanes += 2 * step;
-        shares += 4 * wordStep;
-        out += wordStep;
+        shares += 2 * step;
+        out += 2 * step;
     }
     return isOpaque(all);
 }
