@@ -8,7 +8,7 @@ namespace tavi {
 namespace {
 
 /// Over so many seconds of sound the deviation of a live source is averaged.
-constexpr double kAveraging = 4;
+constexpr double kAveraging = 2;
 
 /// A mean deviation below it is left alone, in seconds.
 constexpr double kNegligible = 0.001;

@@ -233,6 +233,7 @@ TEST(FfmpegAssetWriter, theLastPictureLastsUntilTheSessionEnds) {
         writing.writer->endSession({25, 2});
         ASSERT_TRUE(writing.writer->finishWriting());
         EXPECT_EQ(mediaLibrary().openAsset(file)->duration, (MediaTime{55, 10}));
+        EXPECT_EQ(mediaLibrary().openAsset(file)->videoTracks.front().end, (MediaTime{55, 10}));
         EXPECT_EQ(readNumbers(file, 4, 5.4).size(), 1U);
     }
 }

@@ -35,6 +35,19 @@ PixelBufferPtr numbered(int n) {
     return picture;
 }
 
+/// What no encoder makes small.
+PixelBufferPtr noise(int seed) {
+    auto picture = std::make_shared<PixelBuffer>(kWidth, kHeight);
+    std::uint32_t state = static_cast<std::uint32_t>(seed) * 7919 + 1;
+    for (int y = 0; y < kHeight; ++y) {
+        for (int x = 0; x < kWidth * 4; ++x) {
+            state = state * 1664525 + 1013904223;
+            picture->row(y)[x] = static_cast<std::uint8_t>(state >> 24);
+        }
+    }
+    return picture;
+}
+
 /// `frames` moments of a wave from `start` (seconds) on, the same on every channel.
 AudioBufferPtr soundOf(const Wave& wave, double start, int frames, int sampleRate = 44100,
                        int channels = 1) {
@@ -86,11 +99,12 @@ struct Film {
         }
     }
 
-    bool showTo(double end) {
+    /// Appends the pictures up to `end`, `make` by number.
+    bool showTo(double end, const std::function<PixelBufferPtr(int)>& make = numbered) {
         bool isTaken = true;
         for (; next / 30.0 < end; ++next) {
             waitFor(*pictures);
-            isTaken = pictures->append(numbered(next % 2500), {next, 30}) && isTaken;
+            isTaken = pictures->append(make(next % 2500), {next, 30}) && isTaken;
         }
         return isTaken;
     }
@@ -375,6 +389,64 @@ TEST_P(FfmpegAudioWriter, theTremblingOfALiveSourceTearsNothing) {
     }
     EXPECT_LT(step, 0.5 * 2 * std::numbers::pi * 440 / 48000 * 1.2);
     EXPECT_NEAR(sound.end(), 3, 0.02);
+}
+
+TEST_P(FfmpegAudioWriter, aLiveClockThatIsNotOursKeepsItsPlace) {
+    const fs::path file = freshPath("skew." + nameOf(GetParam()));
+    constexpr double kSkew = 1.0005; // Seconds of ours in one of the source's.
+    const std::vector<double> times{2, 15, 29};
+    const Wave wave = [&](double time) {
+        return 0.4F * burstsAt(times)(time) + tone(300, 0.2)(time);
+    };
+    {
+        Film film(file, GetParam(), {1, 48000, 128'000, true});
+        for (int n = 0; n < 3000; ++n) { // 30 s in pieces of 10 ms
+            auto piece = std::make_shared<AudioBuffer>(AudioBuffer{48000, 1, {}});
+            for (int i = 0; i < 480; ++i) {
+                piece->samples.push_back(wave((n * 480 + i) / 48000.0 * kSkew));
+            }
+            film.showTo(n / 100.0);
+            film.waitFor(*film.sound);
+            EXPECT_TRUE(
+                film.sound->append(piece, MediaTime::fromSeconds(n * 0.01 * kSkew, 1'000'000)));
+        }
+        film.finish();
+    }
+    const Sound sound = readSound(file);
+    for (const double at : times) {
+        EXPECT_NEAR(sound.loudest(at - 0.1, at + 0.1), at, 3 * kMillisecond);
+    }
+    EXPECT_NEAR(sound.end(), 30.015, 3 * kMillisecond);
+    EXPECT_NEAR(sound.amplitude(20, 28), 0.2, 0.005);
+    double step = 0; // Between the bursts there is nothing but the even tone.
+    for (std::size_t i = 48000 * 3; i + 1 < 48000 * 14; ++i) {
+        step = std::max<double>(step, std::abs(sound.samples[i + 1] - sound.samples[i]));
+    }
+    EXPECT_LT(step, 0.2 * 2 * std::numbers::pi * 300 / 48000 * 1.3);
+}
+
+TEST_P(FfmpegAudioWriter, picturesWaitForNoSound) {
+    const fs::path folder = freshPath("alone-" + nameOf(GetParam()));
+    fs::create_directory(folder);
+    Film film(folder / "film.mov", GetParam());
+    EXPECT_TRUE(film.showTo(20, noise)); // The sound's track is open, and empty.
+    const auto written = [&] {
+        std::uintmax_t size = 0;
+        for (const auto& entry : fs::directory_iterator(folder)) {
+            size += entry.file_size();
+        }
+        return size;
+    };
+    const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(5);
+    while (written() < 400'000 && std::chrono::steady_clock::now() < end) {
+        std::this_thread::sleep_for(std::chrono::milliseconds(20));
+    }
+    EXPECT_GT(written(), 400'000U); // Not kept in memory until sound comes.
+    film.play(burstsAt({19.5}), 19, 20);
+    film.finish();
+    const Sound sound = readSound(folder / "film.mov");
+    EXPECT_NEAR(sound.loudest(18, 20), 19.5, 0.1 * kMillisecond);
+    EXPECT_EQ(readNumbers(folder / "film.mov").size(), 600U);
 }
 
 TEST_P(FfmpegAudioWriter, whatIsNoNumberIsSilent) {
