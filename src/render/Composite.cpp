@@ -86,14 +86,14 @@ void compositeWhole(ImageView dst, ConstImageView src, int left, int top) {
 
 } // namespace
 
-void compositeRowOver(std::uint8_t* dst, const std::uint8_t* src, int count) {
+void plainCompositeRowOver(std::uint8_t* dst, const std::uint8_t* src, int count) {
     for (int i = 0; i < count; ++i, dst += kChannels, src += kChannels) {
         pixelOver(dst, src);
     }
 }
 
-void compositeRowOver(std::uint8_t* dst, const std::uint8_t* src, const std::uint8_t* coverage,
-                      int count) {
+void plainCompositeRowOver(std::uint8_t* dst, const std::uint8_t* src, const std::uint8_t* coverage,
+                           int count) {
     for (int i = 0; i < count; ++i, dst += kChannels, src += kChannels) {
         std::array<std::uint8_t, kChannels> covered{};
         for (std::size_t c = 0; c < kChannels; ++c) {

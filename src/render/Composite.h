@@ -21,10 +21,13 @@ inline std::uint32_t divideBy255(std::uint32_t v) {
 
 /// Draws `count` pixels of `src` over those of `dst`. The two do not overlap.
 void compositeRowOver(std::uint8_t* dst, const std::uint8_t* src, int count);
+void plainCompositeRowOver(std::uint8_t* dst, const std::uint8_t* src, int count);
 
 /// The same with every pixel of `src` first multiplied by its coverage, 0..255.
 void compositeRowOver(std::uint8_t* dst, const std::uint8_t* src, const std::uint8_t* coverage,
                       int count);
+void plainCompositeRowOver(std::uint8_t* dst, const std::uint8_t* src, const std::uint8_t* coverage,
+                           int count);
 
 /// Draws black of the given alphas, 0..255, over `count` pixels of `dst`.
 void darkenRow(std::uint8_t* dst, const std::uint8_t* alpha, int count);

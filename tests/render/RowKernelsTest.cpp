@@ -35,6 +35,27 @@ TEST(DarkenRow, givesTheBytesOfThePlainVersion) {
     });
 }
 
+TEST(CompositeRowOver, givesTheBytesOfThePlainVersion) {
+    test::forEachVectorTarget([] {
+        std::mt19937 random(12);
+        for (int count = 0; count <= kLongestRow; ++count) {
+            const std::size_t shift = random() % 4;
+            const auto size = static_cast<std::size_t>(count);
+            // Premultiplied or not: sums beyond 255 are cut off alike.
+            std::vector<std::uint8_t> fast = randomBytes(shift + 4 * size + 4, random);
+            std::vector<std::uint8_t> plain = fast;
+            const std::vector<std::uint8_t> src = randomBytes(4 * size, random);
+            const std::vector<std::uint8_t> coverage = randomBytes(size, random);
+            compositeRowOver(fast.data() + shift, src.data(), count);
+            plainCompositeRowOver(plain.data() + shift, src.data(), count);
+            ASSERT_EQ(fast, plain) << count << " pixels";
+            compositeRowOver(fast.data() + shift, src.data(), coverage.data(), count);
+            plainCompositeRowOver(plain.data() + shift, src.data(), coverage.data(), count);
+            ASSERT_EQ(fast, plain) << count << " covered pixels";
+        }
+    });
+}
+
 TEST(OpaqueRow, seesEveryPixelThatIsNotOpaque) {
     test::forEachVectorTarget([] {
         for (int count = 0; count <= kLongestRow; ++count) {
