@@ -3,6 +3,7 @@
 #include "render/BlurKernels.h"
 
 #include <algorithm>
+#include <cstddef>
 #include <hwy/foreach_target.h> // before highway.h
 #include <hwy/highway.h>
 
@@ -13,8 +14,8 @@ namespace HWY_NAMESPACE {
 #if HWY_TARGET == HWY_SCALAR
 
 /// Without vectors the plain version serves.
-bool mixPlaces(const std::uint16_t*, const PixelPlace*, std::size_t, std::uint8_t*) {
-    return false;
+std::size_t mixPlaces(const std::uint16_t*, const PixelPlace*, std::size_t, std::uint8_t*) {
+    return 0;
 }
 
 bool mixRowsOfSamples(const std::uint16_t*, const std::uint16_t*, std::int32_t, std::uint16_t*,
@@ -26,25 +27,47 @@ bool mixRowsOfSamples(const std::uint16_t*, const std::uint16_t*, std::int32_t, 
 
 namespace hn = hwy::HWY_NAMESPACE;
 
-/// For four channels; a pixel is half of the shortest vector.
-bool mixPlaces(const std::uint16_t* samples, const PixelPlace* places, std::size_t count,
-               std::uint8_t* out) {
-    constexpr std::size_t kChannels = 4;
-    const hn::FixedTag<std::uint16_t, kChannels> unsignedWords;
-    const hn::FixedTag<std::int16_t, kChannels> words;
-    const hn::FixedTag<std::uint8_t, kChannels> bytes;
-    const auto half = hn::Set(words, 32);
-    for (std::size_t x = 0; x < count; ++x) {
-        const std::uint16_t* pixel =
-            samples + static_cast<std::size_t>(places[x].first) * kChannels;
-        const auto a = hn::BitCast(words, hn::LoadU(unsignedWords, pixel));
-        const auto b = hn::BitCast(words, hn::LoadU(unsignedWords, pixel + kChannels));
-        const auto share = hn::Set(words, static_cast<std::int16_t>(places[x].fraction));
-        const auto value = hn::Add(a, hn::MulFixedPoint15(hn::Sub(b, a), share));
-        hn::StoreU(hn::DemoteTo(bytes, hn::ShiftRight<6>(hn::Add(value, half))), bytes,
-                   out + x * kChannels);
+constexpr std::size_t kChannels = 4;
+
+/// Multiplied by this, samples lose the 6 bits beyond their value's, rounded.
+constexpr std::int16_t kValueScale = 1 << (15 - 6);
+
+/// Two pixels of four channels. A place and the next pixel's are loaded at once.
+HWY_INLINE auto mixPair(const std::uint16_t* samples, const PixelPlace* places) {
+    const hn::FixedTag<std::uint64_t, 2> whole; // a pixel a lane
+    const hn::FixedTag<std::uint16_t, 8> unsignedWords;
+    const hn::FixedTag<std::int16_t, 8> words;
+    const hn::FixedTag<std::uint8_t, 16> bytes;
+    const auto load = [&](const PixelPlace& place) HWY_ATTR {
+        const auto first = static_cast<std::size_t>(place.first) * kChannels;
+        return hn::BitCast(whole, hn::LoadU(unsignedWords, samples + first));
+    };
+    static_assert(sizeof(PixelPlace) == 8 && offsetof(PixelPlace, fraction) == 4);
+    alignas(16) static constexpr std::uint8_t kFractions[16] = {4,  5,  4,  5,  4,  5,  4,  5,
+                                                                12, 13, 12, 13, 12, 13, 12, 13};
+    const auto both = hn::LoadU(bytes, reinterpret_cast<const std::uint8_t*>(places));
+    const auto share = hn::BitCast(words, hn::TableLookupBytes(both, hn::Load(bytes, kFractions)));
+    const auto left = load(places[0]);
+    const auto right = load(places[1]);
+    const auto a = hn::BitCast(words, hn::InterleaveLower(whole, left, right));
+    const auto b = hn::BitCast(words, hn::InterleaveUpper(whole, left, right));
+    const auto value = hn::Add(a, hn::MulFixedPoint15(hn::Sub(b, a), share));
+    const hn::FixedTag<std::uint8_t, 8> result;
+    return hn::DemoteTo(result, hn::MulFixedPoint15(value, hn::Set(words, kValueScale)));
+}
+
+/// For four channels. Returns how many pixels were written, whole vectors of them:
+/// what is read back next would have to wait for single pixels to arrive.
+std::size_t mixPlaces(const std::uint16_t* samples, const PixelPlace* places, std::size_t count,
+                      std::uint8_t* out) {
+    const hn::FixedTag<std::uint8_t, 16> bytes;
+    std::size_t x = 0;
+    for (; x + 4 <= count; x += 4) {
+        const auto pixels =
+            hn::Combine(bytes, mixPair(samples, places + x + 2), mixPair(samples, places + x));
+        hn::StoreU(pixels, bytes, out + x * kChannels);
     }
-    return true;
+    return x;
 }
 
 /// Returns false, having done nothing, where there is less than a vector.
@@ -82,9 +105,9 @@ HWY_EXPORT(mixRowsOfSamples);
 
 void mixPixels(const std::uint16_t* samples, const PixelPlace* places, std::size_t count,
                std::size_t channels, std::uint8_t* out) {
-    if (channels != 4 || !HWY_DYNAMIC_DISPATCH(mixPlaces)(samples, places, count, out)) {
-        plainMixPixels(samples, places, count, channels, out);
-    }
+    const std::size_t done =
+        channels == 4 ? HWY_DYNAMIC_DISPATCH(mixPlaces)(samples, places, count, out) : 0;
+    plainMixPixels(samples, places + done, count - done, channels, out + done * channels);
 }
 
 void mixSamples(const std::uint16_t* a, const std::uint16_t* b, std::int32_t fraction,
