@@ -30,6 +30,9 @@ struct VideoSettings {
     /// True for a live source: lowest delay, and an input that says "not ready"
     /// rather than wait.
     bool realTime = false;
+    /// True for a film to look at once: the encoder's quickest way, which needs more
+    /// bits for the same picture.
+    bool isDraft = false;
 };
 
 /// What one track of sound (AAC) is to be.
@@ -88,9 +91,11 @@ public:
     ///
     /// The sound is heard at `time`, to the sample: what would lie over sound that
     /// was appended before (or before the session's start) is cut off at its
-    /// front, a gap is silent. False (and the piece is dropped) when the queue is
-    /// full, the writer isn't writing, the session hasn't begun, or nothing of
-    /// the piece is left.
+    /// front, a gap is silent. The times of a live source tremble, and its clock is
+    /// not ours: up to 20 ms away from the end of the sound before, its sound goes on without a
+    /// seam, and is kept in step with its times by stretching it unheard. False (and the piece is
+    /// dropped) when the queue is full, the writer isn't writing, the session hasn't begun, or
+    /// nothing of the piece is left.
     virtual bool append(AudioBufferPtr buffer, MediaTime time) = 0;
 
     /// No more sound will come.
@@ -122,6 +127,8 @@ public:
     virtual void startSession(MediaTime time) = 0;
 
     /// The last picture stays on screen until `time`: the file's duration ends there.
+    /// Sound that lasts longer is cut there in a quickTimeMovie; of an mp4 what is not
+    /// yet encoded. Before finishWriting().
     virtual void endSession(MediaTime time) = 0;
 
     /// Drains the encoders, completes the file and closes it. Blocks. A file
