@@ -122,7 +122,7 @@ bool plainIsRowOpaque(const std::uint8_t* row, int count) {
     return all == 255;
 }
 
-void makeRowOpaque(std::uint8_t* row, int count) {
+void plainMakeRowOpaque(std::uint8_t* row, int count) {
     for (int i = 0; i < count; ++i) {
         row[i * kChannels + kAlpha] = 255;
     }

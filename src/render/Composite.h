@@ -40,6 +40,7 @@ bool plainIsRowOpaque(const std::uint8_t* row, int count);
 /// Makes `count` pixels opaque, their colours unchanged: what a picture without
 /// alpha shows, which is the premultiplied colour over black.
 void makeRowOpaque(std::uint8_t* row, int count);
+void plainMakeRowOpaque(std::uint8_t* row, int count);
 
 /// Fills a view with one pixel value (4 bytes: blue, green, red, alpha).
 void fill(ImageView dst, const std::uint8_t* pixel);

@@ -56,6 +56,21 @@ TEST(CompositeRowOver, givesTheBytesOfThePlainVersion) {
     });
 }
 
+TEST(OpaqueRow, isMadeAsByThePlainVersion) {
+    test::forEachVectorTarget([] {
+        std::mt19937 random(13);
+        for (int count = 0; count <= kLongestRow; ++count) {
+            const std::size_t shift = random() % 4;
+            std::vector<std::uint8_t> fast =
+                randomBytes(shift + 4 * static_cast<std::size_t>(count) + 4, random);
+            std::vector<std::uint8_t> plain = fast;
+            makeRowOpaque(fast.data() + shift, count);
+            plainMakeRowOpaque(plain.data() + shift, count);
+            ASSERT_EQ(fast, plain) << count << " pixels";
+        }
+    });
+}
+
 TEST(OpaqueRow, seesEveryPixelThatIsNotOpaque) {
     test::forEachVectorTarget([] {
         for (int count = 0; count <= kLongestRow; ++count) {
