@@ -81,7 +81,10 @@ void GaussianBlur::resize(Level& level, int width, int height) const {
     level.height = height;
     level.stride =
         static_cast<std::size_t>(width + 2 * kBorder) * static_cast<std::size_t>(m_channels);
-    level.samples.resize(level.stride * static_cast<std::size_t>(height + 2 * kBorder));
+    const std::size_t count = level.stride * static_cast<std::size_t>(height + 2 * kBorder);
+    if (level.samples.size() < count) { // growing anew for each picture would clear it anew
+        level.samples.resize(count);
+    }
 }
 
 void GaussianBlur::load(const SampleView& source, Level& level) const {
