@@ -4,6 +4,7 @@
 #include "platform/ffmpeg/FfmpegErrors.h"
 
 extern "C" {
+#include <libavutil/common.h>
 #include <libavutil/mathematics.h>
 }
 
@@ -16,6 +17,9 @@ namespace {
 
 /// So many unreadable packets in a row mean that the rest of the file is gone.
 constexpr int kMostReadErrors = 64;
+
+/// No sound lies further away, in moments; what a damaged file says may.
+constexpr std::int64_t kFurthest = std::int64_t{1} << 50;
 
 SoundFormat formatOf(const AVFrame& frame) {
     const AVChannelLayout& layout = frame.ch_layout;
@@ -72,13 +76,14 @@ Result<void, MediaError> AudioDecoder::start() {
     }
     m_rounding = std::max<std::int64_t>(toMoments(2), 2);
     if (stream().start_time != AV_NOPTS_VALUE && stream().duration > 0) {
-        m_trackEnd = toMoments(stream().start_time + stream().duration);
+        m_trackEnd = toMoments(av_sat_add64(stream().start_time, stream().duration));
     }
     return {};
 }
 
 std::int64_t AudioDecoder::toMoments(std::int64_t ticks) const {
-    return av_rescale_q(ticks, stream().time_base, {1, m_sampleRate});
+    const std::int64_t moments = av_rescale_q(ticks, stream().time_base, {1, m_sampleRate});
+    return std::clamp(moments, -kFurthest, kFurthest);
 }
 
 std::optional<SoundPiece> AudioDecoder::next() {
@@ -178,7 +183,7 @@ void AudioDecoder::notePacket() {
     m_hasPackets = true;
     m_packetEnd.reset();
     if (m_packet->pts != AV_NOPTS_VALUE && m_packet->duration > 0) {
-        m_packetEnd = toMoments(m_packet->pts + m_packet->duration);
+        m_packetEnd = toMoments(av_sat_add64(m_packet->pts, m_packet->duration));
     }
 }
 

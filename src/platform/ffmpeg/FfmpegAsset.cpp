@@ -3,6 +3,10 @@
 #include "platform/ffmpeg/FfmpegErrors.h"
 #include "platform/ffmpeg/MovieHeader.h"
 
+extern "C" {
+#include <libavutil/common.h>
+}
+
 #include <algorithm>
 #include <cerrno>
 #include <cstring>
@@ -86,7 +90,7 @@ MediaTime durationFromTracks(const AVFormatContext& input) {
 /// Where a track's own description says that it ends; 0 where it says nothing.
 MediaTime trackEnd(const AVStream& stream) {
     const bool isKnown = stream.start_time != AV_NOPTS_VALUE && stream.duration > 0;
-    return isKnown ? streamTime(stream.start_time + stream.duration, stream.time_base)
+    return isKnown ? streamTime(av_sat_add64(stream.start_time, stream.duration), stream.time_base)
                    : MediaTime{};
 }
 

@@ -13,6 +13,9 @@ constexpr double kAveraging = 2;
 /// A mean deviation below it is left alone, in seconds.
 constexpr double kNegligible = 0.001;
 
+/// A piece further away than that, in seconds, has a time that can't be meant.
+constexpr double kLongestGap = 24 * 60 * 60;
+
 /// Share of the sound that may be added or taken away unheard: 3 cents of pitch
 /// are told apart by nobody, and no clock is that wrong.
 constexpr double kMostStretch = 0.002;
@@ -70,6 +73,9 @@ std::int64_t FfmpegAudioTimeline::stretchFor(double deviation, double seconds) {
 std::optional<SoundPlacement> FfmpegAudioTimeline::begin(const AudioBuffer& piece,
                                                          double position) {
     const std::int64_t placed = end();
+    if (std::abs(position - static_cast<double>(placed)) > kLongestGap * m_sampleRate) {
+        return std::nullopt;
+    }
     SoundPlacement placement{true, std::llround(position), 0, 0};
     // Sound of another kind from the same live source trembles like its like.
     if (m_kind && std::abs(position - static_cast<double>(placed)) <= tolerance()) {

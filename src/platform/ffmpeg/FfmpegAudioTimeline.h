@@ -40,7 +40,7 @@ public:
 
     /// Places a piece (of at least one frame and a rate above 0) that is heard from
     /// `time` after the session's start on. Absent, and nothing changes, where
-    /// nothing of it is left.
+    /// nothing of it is left, and for a time more than a day away.
     std::optional<SoundPlacement> place(const AudioBuffer& piece, MediaTime time);
 
     /// Up to which moment there is sound.

@@ -13,6 +13,9 @@ constexpr std::uint64_t kMostTableBytes = std::uint64_t{64} << 20;
 /// More than any fragment of ours has, by far.
 constexpr std::uint32_t kMostSamples = 1 << 20;
 
+/// No fragment begins later, in ticks.
+constexpr std::int64_t kLatest = std::int64_t{1} << 56;
+
 constexpr std::uint32_t kIsNoKey = 0x10000;
 
 /// What a sample is where its run doesn't say so.
@@ -110,7 +113,7 @@ public:
         BoxReader reader(tfdt.content);
         const bool isLong = reader.u32() >> 24 == 1;
         m_time = static_cast<std::int64_t>(reader.number(isLong ? 8 : 4));
-        return reader.isWhole();
+        return reader.isWhole() && m_time >= 0 && m_time <= kLatest;
     }
 
     bool readRun(const MovieBox& trun) {
@@ -188,6 +191,7 @@ bool readTrack(const MovieBox& traf, const MovieBox& moov, FragmentPlace& place,
 bool readFragment(const MovieBox& moof, const MovieBox& moov, FragmentPlace place,
                   std::vector<FragmentedTrack>& tracks) {
     std::vector<std::pair<std::size_t, std::size_t>> before;
+    before.reserve(tracks.size());
     for (const FragmentedTrack& track : tracks) {
         before.emplace_back(track.samples.size(), track.chunks.size());
     }

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <limits>
 
 namespace tavi {
 
@@ -74,6 +75,14 @@ TEST(FfmpegAudioTimeline, overlapIsCutAtTheFrontInTheSourcesFrames) {
     EXPECT_EQ(timeline.end(), 66150);
     EXPECT_FALSE(timeline.place(piece(4410), {1, 1}));
     EXPECT_EQ(timeline.end(), 66150);
+}
+
+TEST(FfmpegAudioTimeline, aTimeThatCanNotBeMeantIsRefused) {
+    FfmpegAudioTimeline timeline(44100, false);
+    EXPECT_FALSE(timeline.place(piece(1000), {1'000'000, 1}));
+    EXPECT_FALSE(timeline.place(piece(1000), {-1'000'000, 1}));
+    EXPECT_FALSE(timeline.place(piece(1000), {std::numeric_limits<std::int64_t>::max(), 1}));
+    EXPECT_TRUE(timeline.place(piece(1000), {1, 1}));
 }
 
 TEST(FfmpegAudioTimeline, whatLiesBeforeTheStartIsCut) {
