@@ -83,7 +83,8 @@ public:
 
     /// True while the queue has room and, unless the source is live, the sound is
     /// less than a second ahead of the pictures appended so far, so that the two
-    /// lie side by side in the file. Pictures marked as finished hold nothing back.
+    /// lie side by side in the file. Pictures that are marked as finished, or have not
+    /// moved for two seconds, hold nothing back.
     /// False also after a failure: nothing more is taken.
     virtual bool isReadyForMoreMediaData() const = 0;
 

@@ -20,6 +20,9 @@ constexpr std::size_t kLongestQueue = 12;
 /// Offline there is nothing to sit out: enough that the two sides overlap.
 constexpr std::size_t kOfflineQueue = 3;
 
+/// Pictures that have not moved for so long hold no other input back.
+constexpr std::chrono::seconds kStalled{2};
+
 /// How often a standing picture is looked at for being due on the disk.
 constexpr std::chrono::milliseconds kFlushCheck{200};
 
@@ -88,6 +91,7 @@ bool FfmpegVideoInput::enqueue(PixelBufferPtr image, MediaTime time) {
         const std::int64_t ticks = (time - *m_sessionStart).rescaled(m_timescale).value;
         m_lastTicks = std::max(ticks, m_lastTicks + 1);
         m_lastTime = time;
+        m_lastAppend = std::chrono::steady_clock::now();
         m_queue.push_back({std::move(image), m_lastTicks});
     }
     m_changed.notify_all();
@@ -117,7 +121,8 @@ void FfmpegVideoInput::setSessionStart(MediaTime time) {
 
 std::optional<double> FfmpegVideoInput::appendedSeconds() const {
     const std::lock_guard lock(m_mutex);
-    if (m_isFinished || m_isStopped) {
+    const bool isStalled = std::chrono::steady_clock::now() - m_lastAppend > kStalled;
+    if (m_isFinished || m_isStopped || isStalled) {
         return std::nullopt;
     }
     return m_lastTime ? (*m_lastTime - *m_sessionStart).seconds() : 0;

@@ -6,6 +6,7 @@
 #include "platform/ffmpeg/VideoEncoder.h"
 #include "platform/ffmpeg/WriterState.h"
 
+#include <chrono>
 #include <condition_variable>
 #include <deque>
 #include <mutex>
@@ -42,7 +43,8 @@ public:
     void stop();
 
     /// Seconds from the session's start up to the last picture appended; absent
-    /// when no more will come. Any thread.
+    /// when no more will come, and when none has come for two seconds: whoever
+    /// appends them may be waiting for another input. Any thread.
     std::optional<double> appendedSeconds() const;
 
     std::string encoderName() const { return m_encoder->name(); }
@@ -78,6 +80,7 @@ private:
     std::optional<MediaTime> m_sessionStart;
     std::optional<MediaTime> m_lastTime;
     std::int64_t m_lastTicks = -1;
+    std::chrono::steady_clock::time_point m_lastAppend = std::chrono::steady_clock::now();
     bool m_isFinished = false;
     bool m_isStopped = false;
     std::thread m_thread;

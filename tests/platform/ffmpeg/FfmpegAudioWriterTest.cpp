@@ -348,6 +348,25 @@ TEST_P(FfmpegAudioWriter, offlineSoundWaitsForThePictures) {
     EXPECT_NEAR(readSound(file).end(), static_cast<double>(at) / 44100, 0.1 * kMillisecond);
 }
 
+TEST(FfmpegAudioWriterOrder, picturesThatStandStillHoldNoSoundBackForever) {
+    const fs::path file = freshPath("stalled.mp4");
+    Film film(file, FileType::mp4);
+    film.showTo(0.1);
+    EXPECT_TRUE(film.sound->append(soundOf(tone(440, 0.5), 0, 88200), {0, 1}));
+    EXPECT_FALSE(film.sound->isReadyForMoreMediaData());
+    const auto start = std::chrono::steady_clock::now();
+    film.waitFor(*film.sound);
+    EXPECT_TRUE(film.sound->isReadyForMoreMediaData());
+    EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(5));
+    EXPECT_TRUE(film.sound->append(soundOf(tone(440, 0.5), 0, 44100), {2, 1}));
+    EXPECT_TRUE(film.showTo(3)); // And when they move, they do so again.
+    EXPECT_TRUE(film.sound->isReadyForMoreMediaData());
+    EXPECT_TRUE(film.sound->append(soundOf(tone(440, 0.5), 0, 88200), {3, 1}));
+    EXPECT_FALSE(film.sound->isReadyForMoreMediaData());
+    film.finish();
+    EXPECT_NEAR(readSound(file).end(), 5, 0.1 * kMillisecond);
+}
+
 TEST_P(FfmpegAudioWriter, liveSoundWaitsForNothingAndIsBounded) {
     const fs::path file = freshPath("live." + nameOf(GetParam()));
     Film film(file, GetParam(), {1, 44100, 128'000, true});
