@@ -62,7 +62,7 @@ public:
     virtual bool append(PixelBufferPtr image, MediaTime time) = 0;
 
     /// Queues the picture of the last append() once more, as append() does: for
-    /// a frame that equals the one before it, which costs next to nothing here.
+    /// a frame that equals the one before it, which needs no memory and no conversion.
     /// False also when nothing was appended before.
     virtual bool appendRepeat(MediaTime time) = 0;
 
