@@ -24,12 +24,13 @@ struct ExportOptions {
     std::string output;       ///< Empty with a folder.
     std::string outputFolder; ///< For any number of takes.
     std::vector<std::string> assignments;
+    bool isDraft = false;
 };
 
 /// Exports every take that can be; the status tells whether all could.
 int exportTakes(const ExportOptions& options, const std::vector<std::filesystem::path>& films) {
     FfmpegMediaLibrary media(std::make_shared<YuvConverter>());
-    cli::ExportRunner runner(media);
+    cli::ExportRunner runner(media, options.isDraft);
     int status = 0;
     for (std::size_t i = 0; i < films.size() && !runner.isStopped(); ++i) {
         const auto take = cli::openForOutput(
@@ -81,6 +82,8 @@ void addExportCommand(CLI::App& app, int& exitCode) {
     command->add_option("-o,--output", options->output, "MP4 file to write, of one take");
     command->add_option("--out-dir", options->outputFolder,
                         "Folder for the films, each named after its take");
+    command->add_flag("--draft", options->isDraft,
+                      "Encode as quickly as possible; rougher at the same size");
     cli::addAssignments(*command, options->assignments);
     command->callback([options, &exitCode] { exitCode = runExport(*options); });
 }

@@ -52,8 +52,12 @@ bool ExportRunner::run(const OpenTake& take, const std::filesystem::path& output
     const SystemClock clock;
     NamedFile panel(output);
     NoViewer viewer;
-    ExportViewModel model({[&] { return std::make_unique<VideoExportService>(m_media, clock); },
-                           clock, panel, viewer});
+    const auto makeService = [&] {
+        auto service = std::make_unique<VideoExportService>(m_media, clock);
+        service->isDraft = m_isDraft;
+        return service;
+    };
+    ExportViewModel model({makeService, clock, panel, viewer});
     QEventLoop loop;
     {
         ProgressBar bar(label);

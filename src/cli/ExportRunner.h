@@ -13,8 +13,8 @@ namespace tavi::cli {
 /// Thread: main, with a QCoreApplication.
 class ExportRunner {
 public:
-    /// `media` outlives the runner.
-    explicit ExportRunner(MediaLibrary& media) : m_media(media) {}
+    /// `media` outlives the runner. `isDraft`: see VideoExportService.
+    ExportRunner(MediaLibrary& media, bool isDraft) : m_media(media), m_isDraft(isDraft) {}
 
     /// Makes the film of one take; prints its path, or why there is none. `label`
     /// stands in front of the progress. True for a film.
@@ -25,6 +25,7 @@ public:
 
 private:
     MediaLibrary& m_media;
+    bool m_isDraft;
     StopSignals m_signals;
 };
 

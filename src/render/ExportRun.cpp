@@ -90,6 +90,7 @@ Result<void, ExportFailure> ExportRun::addVideoInput() {
         .height = size.height,
         .bitRate = exportBitRate(size.width, size.height),
         .expectedFrameRate = static_cast<int>(m_project.outputSettings.fps),
+        .isDraft = m_ports.isDraft,
     });
     if (!input) {
         return fail(ExportFailure(std::move(input.error())));

@@ -24,6 +24,7 @@ public:
         const ExportLog& log;
         const VideoExportService::Sleep& sleep;
         const std::atomic<bool>& isCancelled;
+        bool isDraft = false;
     };
 
     ExportRun(const EditProject& project, Ports ports);

@@ -23,8 +23,7 @@ std::optional<std::string> problemOf(const ExportReport& report,
         return report.writerError->description();
     }
     if (!report.hasFile()) {
-        return "Nothing was exported, no kept part of the take holds a picture: " +
-               output.string();
+        return "Nothing was exported, no kept part of the take holds a picture: " + output.string();
     }
     return std::nullopt;
 }
@@ -45,7 +44,7 @@ Result<ExportReport, ExportFailure>
 VideoExportService::exportProject(const EditProject& project, const std::filesystem::path& output,
                                   const Progress& progress) {
     const ExportLog log(m_logFile, m_clock);
-    ExportRun run(project, {m_media, log, m_sleep, isCancelled});
+    ExportRun run(project, {m_media, log, m_sleep, isCancelled, isDraft});
     return run.open()
         .and_then([&] { return run.startWriting(output); })
         .and_then([&] { return run.writeRanges(progress); })

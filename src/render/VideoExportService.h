@@ -68,6 +68,10 @@ public:
                                                       const std::filesystem::path& output,
                                                       const Progress& progress);
 
+    /// For a film to look at once: encoded as quickly as the machine can. Set before
+    /// exportProject().
+    bool isDraft = false;
+
     /// Set to true to end the export at its next step; never reset.
     std::atomic<bool> isCancelled = false;
 

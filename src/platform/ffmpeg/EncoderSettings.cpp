@@ -41,20 +41,28 @@ unsigned poolThreads() {
     return std::clamp(std::thread::hardware_concurrency(), 1U, kMostPoolThreads);
 }
 
-/// Live: one picture at a time, no look-ahead, the cheapest decisions. Offline:
-/// pictures overlap so that every core has work.
-void configureX265(Options& options, const VideoSettings& settings, int keyDistance) {
-    std::string parameters = fmt::format(
-        "log-level=none:bframes=0:scenecut=0:open-gop=0:keyint={0}:min-keyint={0}:pools={1}:"
-        "qpmin={2}:aq-mode=0:early-skip=1:fast-intra=1",
-        keyDistance, poolThreads(), kFinestQuantizer);
+/// Pictures between two that others refer to, where they may be reordered.
+constexpr int kBidirectionalPictures = 3;
+
+/// Live: one picture at a time, no look-ahead, the cheapest decisions. Films:
+/// what gave text the most for its time (docs/encoding.md), the quickest preset
+/// for drafts; pictures overlap so that every core has work.
+void configureX265(AVCodecContext& context, Options& options, const VideoSettings& settings) {
+    std::string parameters =
+        fmt::format("log-level=none:scenecut=0:open-gop=0:keyint={0}:min-keyint={0}:pools={1}:"
+                    "qpmin={2}:aq-mode=0",
+                    context.gop_size, poolThreads(), kFinestQuantizer);
     if (settings.realTime) {
-        parameters += ":frame-threads=1:ref=1:rc-lookahead=0";
+        parameters += ":bframes=0:early-skip=1:fast-intra=1:frame-threads=1:ref=1:rc-lookahead=0";
+        options.set("preset", "ultrafast");
         options.set("tune", "zerolatency");
     } else {
-        parameters += ":frame-threads=2:ref=1:rc-lookahead=10:lookahead-slices=0";
+        context.max_b_frames = kBidirectionalPictures;
+        parameters += fmt::format(":bframes={}:b-adapt=0:frame-threads=2:rc-lookahead=10:"
+                                  "lookahead-slices=0",
+                                  kBidirectionalPictures);
+        options.set("preset", settings.isDraft ? "ultrafast" : "veryfast");
     }
-    options.set("preset", "ultrafast");
     options.set("x265-params", parameters.c_str());
 }
 
@@ -122,7 +130,7 @@ void configureEncoder(AVCodecContext& context, Options& options, const EncoderKi
     setColour(context);
     const std::string_view name = kind.name;
     if (name == "libx265") {
-        configureX265(options, settings, context.gop_size);
+        configureX265(context, options, settings);
     } else if (name == "libx264") {
         context.qmin = kFinestQuantizer;
         configureX264(options, settings);

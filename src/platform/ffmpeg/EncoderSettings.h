@@ -20,7 +20,7 @@ struct EncoderKind {
 std::span<const EncoderKind> encoderKinds(VideoCodec codec);
 
 /// Fills size, rate, colour tags and the encoder's own options for `settings`.
-/// Pictures are not reordered, so decoding and presentation order are the same.
+/// Live pictures are not reordered: their decoding and presentation order are the same.
 /// `timescale` is the encoder's clock, ticks per second.
 void configureEncoder(AVCodecContext& context, Options& options, const EncoderKind& kind,
                       const VideoSettings& settings, int timescale);
