@@ -5,6 +5,7 @@
 #include <fmt/format.h>
 #include <fmt/ranges.h>
 
+#include <algorithm>
 #include <cmath>
 
 namespace tavi {
@@ -19,8 +20,12 @@ int number(AssetWriterStatus status) {
     return static_cast<int>(status);
 }
 
+/// What to read for a range. One that is shorter than the clock's step is a step
+/// long, so that it has a picture.
 MediaTimeRange mediaRange(const TimeRange& range) {
-    return {MediaTime::fromSeconds(range.start), MediaTime::fromSeconds(range.end - range.start)};
+    constexpr MediaTime kStep{1, MediaTime::kPreferredTimescale};
+    return {MediaTime::fromSeconds(range.start),
+            std::max(MediaTime::fromSeconds(range.end - range.start), kStep)};
 }
 
 std::vector<std::string> rangeTexts(const std::vector<TimeRange>& ranges) {
