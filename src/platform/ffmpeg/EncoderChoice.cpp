@@ -51,7 +51,8 @@ std::string failureOf(const EncoderKind& kind, VideoSettings settings) {
     int code = 0;
     for (int i = 0; i < kTrialPictures && code >= 0; ++i) {
         drawTrial(picture, i);
-        code = (*encoder)->encode(picture, i, sink);
+        const FrameHandle frame = (*encoder)->convert(picture);
+        code = frame ? (*encoder)->encode(*frame, i, sink) : AVERROR(ENOMEM);
     }
     if (code >= 0) {
         code = (*encoder)->drain(sink);

@@ -41,8 +41,19 @@ unsigned poolThreads() {
     return std::clamp(std::thread::hardware_concurrency(), 1U, kMostPoolThreads);
 }
 
-/// Pictures between two that others refer to, where they may be reordered.
-constexpr int kBidirectionalPictures = 3;
+/// What an encoder of films keeps in memory to look at.
+struct LookAhead {
+    int bidirectional = 3; ///< Pictures between two that others refer to.
+    int pictures = 10;
+};
+
+/// From here on every picture in memory counts: 35 MB each at 4K.
+constexpr std::int64_t kLargePicture = 3840 * 2160;
+
+LookAhead lookAheadFor(const VideoSettings& settings) {
+    const bool isLarge = std::int64_t{settings.width} * settings.height >= kLargePicture;
+    return isLarge ? LookAhead{1, 2} : LookAhead{};
+}
 
 /// Live: one picture at a time, no look-ahead, the cheapest decisions. Films:
 /// what gave text the most for its time (docs/encoding.md), the quickest preset
@@ -57,10 +68,11 @@ void configureX265(AVCodecContext& context, Options& options, const VideoSetting
         options.set("preset", "ultrafast");
         options.set("tune", "zerolatency");
     } else {
-        context.max_b_frames = kBidirectionalPictures;
-        parameters += fmt::format(":bframes={}:b-adapt=0:frame-threads=2:rc-lookahead=10:"
+        const LookAhead ahead = lookAheadFor(settings);
+        context.max_b_frames = ahead.bidirectional;
+        parameters += fmt::format(":bframes={}:b-adapt=0:frame-threads=2:rc-lookahead={}:"
                                   "lookahead-slices=0",
-                                  kBidirectionalPictures);
+                                  ahead.bidirectional, ahead.pictures);
         options.set("preset", settings.isDraft ? "ultrafast" : "veryfast");
     }
     options.set("x265-params", parameters.c_str());

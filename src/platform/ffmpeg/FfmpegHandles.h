@@ -49,6 +49,10 @@ struct FreeBuffer {
     void operator()(AVBufferRef* buffer) const { av_buffer_unref(&buffer); }
 };
 
+struct FreeBufferPool {
+    void operator()(AVBufferPool* pool) const { av_buffer_pool_uninit(&pool); }
+};
+
 using InputHandle = std::unique_ptr<AVFormatContext, CloseInput>;
 using OutputHandle = std::unique_ptr<AVFormatContext, CloseOutput>;
 using CodecHandle = std::unique_ptr<AVCodecContext, FreeCodec>;
@@ -57,6 +61,7 @@ using PacketHandle = std::unique_ptr<AVPacket, FreePacket>;
 using ScalerHandle = std::unique_ptr<SwsContext, FreeScaler>;
 using ResamplerHandle = std::unique_ptr<SwrContext, FreeResampler>;
 using BufferHandle = std::unique_ptr<AVBufferRef, FreeBuffer>;
+using BufferPoolHandle = std::unique_ptr<AVBufferPool, FreeBufferPool>;
 
 /// The options of an open call; what the call leaves in it are unknown options.
 class Options {

@@ -26,13 +26,15 @@ constexpr std::chrono::seconds kStalled{2};
 /// How often a standing picture is looked at for being due on the disk.
 constexpr std::chrono::milliseconds kFlushCheck{200};
 
+/// Pictures that callers draw into: the next one, and one that others still look at.
+constexpr std::size_t kMostKept = 2;
+
 std::size_t queueCapacity(const VideoSettings& settings) {
     if (!settings.realTime) {
         return kOfflineQueue;
     }
     const std::size_t bytes = static_cast<std::size_t>(settings.width) *
-                              static_cast<std::size_t>(settings.height) *
-                              PixelBuffer::kBytesPerPixel;
+                              static_cast<std::size_t>(settings.height) * 3 / 2; // of 4:2:0
     return std::clamp(kQueueBytes / std::max<std::size_t>(bytes, 1), kShortestQueue, kLongestQueue);
 }
 
@@ -49,7 +51,7 @@ FfmpegVideoInput::FfmpegVideoInput(const VideoSettings& settings,
       m_target(std::move(target)),
       m_track(file.addTrack(m_encoder->context(), settings.expectedFrameRate)),
       m_capacity(queueCapacity(settings)),
-      m_pool(settings.width, settings.height, m_capacity + 3) {}
+      m_pool(settings.width, settings.height, kMostKept) {}
 
 FfmpegVideoInput::~FfmpegVideoInput() {
     stop();
@@ -64,35 +66,47 @@ bool FfmpegVideoInput::isReadyForMoreMediaData() const {
     return hasRoom();
 }
 
+bool FfmpegVideoInput::takesPictureAt(MediaTime time) const {
+    const std::lock_guard lock(m_mutex);
+    return hasRoom() && m_sessionStart && time >= *m_sessionStart &&
+           !(m_lastTime && time <= *m_lastTime);
+}
+
+/// The queue holds pictures as the encoder takes them, which are less than half as
+/// large as those that come, and those are free for the next at once.
 bool FfmpegVideoInput::append(PixelBufferPtr image, MediaTime time) {
     const bool isOfSize =
         image && image->width() == m_settings.width && image->height() == m_settings.height;
-    return isOfSize && enqueue(std::move(image), time);
+    if (!isOfSize || !takesPictureAt(time)) {
+        return false;
+    }
+    m_last = m_encoder->convert(*image);
+    if (!m_last) {
+        checkEncode(AVERROR(ENOMEM));
+        return false;
+    }
+    return enqueueLast(time);
 }
 
 bool FfmpegVideoInput::appendRepeat(MediaTime time) {
-    {
-        const std::lock_guard lock(m_mutex);
-        if (!m_lastTime) {
-            return false;
-        }
-    }
-    return enqueue(nullptr, time);
+    return m_last && takesPictureAt(time) && enqueueLast(time);
 }
 
-bool FfmpegVideoInput::enqueue(PixelBufferPtr image, MediaTime time) {
+/// Only the appending thread fills the queue: what had room still has it.
+bool FfmpegVideoInput::enqueueLast(MediaTime time) {
+    FrameHandle frame(av_frame_clone(m_last.get()));
+    if (!frame) {
+        checkEncode(AVERROR(ENOMEM));
+        return false;
+    }
     {
         const std::lock_guard lock(m_mutex);
-        if (!hasRoom() || !m_sessionStart || time < *m_sessionStart ||
-            (m_lastTime && time <= *m_lastTime)) {
-            return false;
-        }
         // Two times that fall on one tick stay two pictures in order.
         const std::int64_t ticks = (time - *m_sessionStart).rescaled(m_timescale).value;
         m_lastTicks = std::max(ticks, m_lastTicks + 1);
         m_lastTime = time;
         m_lastAppend = std::chrono::steady_clock::now();
-        m_queue.push_back({std::move(image), m_lastTicks});
+        m_queue.push_back({std::move(frame), m_lastTicks});
     }
     m_changed.notify_all();
     return true;
@@ -173,18 +187,13 @@ void FfmpegVideoInput::run() {
     Picture picture;
     while (waitForPicture(picture)) {
         if (m_state.isWriting()) {
-            checkEncode(encode(picture, sink));
+            checkEncode(m_encoder->encode(*picture.frame, picture.ticks, sink));
         }
-        picture.image.reset();
+        picture.frame.reset();
     }
     if (m_state.isWriting()) {
         checkEncode(m_encoder->drain(sink));
     }
-}
-
-int FfmpegVideoInput::encode(const Picture& picture, const VideoEncoder::Sink& sink) {
-    return picture.image ? m_encoder->encode(*picture.image, picture.ticks, sink)
-                         : m_encoder->repeat(picture.ticks, sink);
 }
 
 /// Turns a failed write into the writer's failure; returns the code.

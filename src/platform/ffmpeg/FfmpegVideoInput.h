@@ -51,13 +51,13 @@ public:
 
 private:
     struct Picture {
-        PixelBufferPtr image; ///< Null for the one before it once more.
+        FrameHandle frame;
         std::int64_t ticks = 0;
     };
 
     bool hasRoom() const;
-    bool enqueue(PixelBufferPtr image, MediaTime time);
-    int encode(const Picture& picture, const VideoEncoder::Sink& sink);
+    bool takesPictureAt(MediaTime time) const;
+    bool enqueueLast(MediaTime time);
     void run();
     bool waitForPicture(Picture& picture);
     void join();
@@ -77,6 +77,7 @@ private:
     mutable std::mutex m_mutex;
     std::condition_variable m_changed;
     std::deque<Picture> m_queue;
+    FrameHandle m_last; ///< The last picture, for appendRepeat(); on the appending thread.
     std::optional<MediaTime> m_sessionStart;
     std::optional<MediaTime> m_lastTime;
     std::int64_t m_lastTicks = -1;

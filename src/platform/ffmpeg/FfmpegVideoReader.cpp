@@ -7,11 +7,11 @@ namespace tavi {
 namespace {
 
 /// Pictures decoded ahead: enough to hide an expensive one, few enough for the
-/// memory of large screens (33 MB each at 4K).
+/// memory of large screens (12 MB each at 4K).
 constexpr std::size_t kMostAhead = 3;
 
-/// Those ahead, the two that a caller holds, and the one being filled.
-constexpr std::size_t kMostKept = kMostAhead + 3;
+/// The two that a caller holds, and the one being filled.
+constexpr std::size_t kMostKept = 3;
 
 } // namespace
 
@@ -21,8 +21,6 @@ FfmpegVideoReader::FfmpegVideoReader(std::unique_ptr<VideoDecoder> decoder, Medi
     : m_decoder(std::move(decoder)),
       m_range(range),
       m_pool(width, height, kMostKept),
-      m_width(width),
-      m_height(height),
       m_conversion(std::move(colours)),
       m_thread([this] { decodeRange(); }) {}
 
@@ -41,11 +39,17 @@ std::optional<VideoSample> FfmpegVideoReader::copyNextSample() {
         m_status = m_hasFailed ? AssetReaderStatus::failed : AssetReaderStatus::completed;
         return std::nullopt;
     }
-    VideoSample sample = std::move(m_ahead.front());
+    const Picture picture = std::move(m_ahead.front());
     m_ahead.pop_front();
     lock.unlock();
     m_changed.notify_all();
-    return sample;
+    return VideoSample{picture.time, converted(*picture.frame)};
+}
+
+/// On the caller's thread: what waits is then half as large as BGRA.
+PixelBufferPtr FfmpegVideoReader::converted(const AVFrame& picture) {
+    std::shared_ptr<PixelBuffer> image = m_pool.make();
+    return m_conversion.convert(picture, *image) ? PixelBufferPtr(std::move(image)) : nullptr;
 }
 
 void FfmpegVideoReader::cancelReading() {
@@ -89,25 +93,21 @@ void FfmpegVideoReader::decodeRange() {
     finish();
 }
 
-/// Converts and queues one picture; one that isn't after the last is left out.
-/// False when reading was cancelled.
+/// Queues one picture; one that isn't after the last is left out. False when
+/// reading was cancelled.
 bool FfmpegVideoReader::give(AVFrame& picture, MediaTime time) {
     if (m_lastTime && time <= *m_lastTime) {
         return true;
     }
     m_lastTime = time;
-    std::shared_ptr<PixelBuffer> image = m_pool.make();
-    const bool isConverted = m_conversion.convert(picture, *image);
-    return deliver({time, isConverted ? PixelBufferPtr(std::move(image)) : nullptr});
-}
-
-bool FfmpegVideoReader::deliver(VideoSample sample) {
+    FrameHandle frame(av_frame_alloc());
+    av_frame_move_ref(frame.get(), &picture);
     std::unique_lock lock(m_mutex);
     m_changed.wait(lock, [this] { return m_ahead.size() < kMostAhead || m_isCancelled; });
     if (m_isCancelled) {
         return false;
     }
-    m_ahead.push_back(std::move(sample));
+    m_ahead.push_back({std::move(frame), time});
     lock.unlock();
     m_changed.notify_all();
     return true;

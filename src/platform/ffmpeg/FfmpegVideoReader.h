@@ -13,8 +13,8 @@
 
 namespace tavi {
 
-/// Reads one track over one range. A thread of its own decodes and converts a
-/// few pictures ahead of the caller, into recycled memory.
+/// Reads one track over one range. A thread of its own decodes a few pictures ahead
+/// of the caller, on whose thread they are converted into recycled memory.
 ///
 /// The destructor cancels.
 class FfmpegVideoReader final : public VideoReader {
@@ -30,22 +30,26 @@ public:
     void cancelReading() override;
 
 private:
+    /// A picture as it was decoded.
+    struct Picture {
+        FrameHandle frame;
+        MediaTime time;
+    };
+
     void decodeRange();
     bool give(AVFrame& picture, MediaTime time);
-    bool deliver(VideoSample sample);
+    PixelBufferPtr converted(const AVFrame& picture);
     void finish();
 
     std::unique_ptr<VideoDecoder> m_decoder;
     const MediaTimeRange m_range;
     PixelBufferPool m_pool;
-    const int m_width;
-    const int m_height;
     PictureDecoding m_conversion;
     std::optional<MediaTime> m_lastTime; ///< Of the last sample given, on the thread.
 
     std::mutex m_mutex;
     std::condition_variable m_changed;
-    std::deque<VideoSample> m_ahead;
+    std::deque<Picture> m_ahead;
     bool m_isCancelled = false;
     bool m_isAtEnd = false;
     bool m_hasFailed = false;

@@ -4,6 +4,7 @@
 
 extern "C" {
 #include <libavutil/hwcontext.h>
+#include <libavutil/imgutils.h>
 }
 
 #include <cerrno>
@@ -16,6 +17,9 @@ namespace {
 
 /// Surfaces in flight inside a hardware encoder.
 constexpr int kSurfaces = 8;
+
+/// Bytes that rows of pictures are aligned to, as the vectors of all parties like it.
+constexpr int kAlignment = 64;
 
 /// The first graphics device that can compute without a display; empty when
 /// the machine has none.
@@ -100,41 +104,39 @@ int VideoEncoder::openDevice() {
     return 0;
 }
 
-/// Memory for the next picture: the last one's, unless the encoder still holds it.
-int VideoEncoder::prepareFrame() {
-    if (m_frame->buf[0] && av_frame_is_writable(m_frame.get())) {
-        return 0;
+/// A frame with memory for a picture; null where there is none.
+FrameHandle VideoEncoder::makeFrame() {
+    FrameHandle frame(av_frame_alloc());
+    const int bytes =
+        av_image_get_buffer_size(m_kind.input, m_codec->width, m_codec->height, kAlignment);
+    if (!m_memory && bytes > 0) {
+        m_memory.reset(av_buffer_pool_init(static_cast<std::size_t>(bytes), nullptr));
     }
-    av_frame_unref(m_frame.get());
-    m_frame->format = m_kind.input;
-    m_frame->width = m_codec->width;
-    m_frame->height = m_codec->height;
-    m_frame->color_range = m_codec->color_range;
-    m_frame->color_primaries = m_codec->color_primaries;
-    m_frame->color_trc = m_codec->color_trc;
-    m_frame->colorspace = m_codec->colorspace;
-    m_frame->chroma_location = m_codec->chroma_sample_location;
-    return av_frame_get_buffer(m_frame.get(), 0);
+    frame->buf[0] = m_memory ? av_buffer_pool_get(m_memory.get()) : nullptr;
+    if (!frame->buf[0]) {
+        return nullptr;
+    }
+    frame->format = m_kind.input;
+    frame->width = m_codec->width;
+    frame->height = m_codec->height;
+    frame->color_range = m_codec->color_range;
+    frame->color_primaries = m_codec->color_primaries;
+    frame->color_trc = m_codec->color_trc;
+    frame->colorspace = m_codec->colorspace;
+    frame->chroma_location = m_codec->chroma_sample_location;
+    av_image_fill_arrays(frame->data, frame->linesize, frame->buf[0]->data, m_kind.input,
+                         frame->width, frame->height, kAlignment);
+    return frame;
 }
 
-int VideoEncoder::encode(const PixelBuffer& picture, std::int64_t ticks, const Sink& sink) {
-    if (const int code = prepareFrame(); code < 0) {
-        return code;
-    }
-    if (!m_conversion.convert(picture, *m_frame)) {
-        return AVERROR(EINVAL);
-    }
-    m_frame->pts = ticks;
-    return m_device ? upload(*m_frame, sink) : send(m_frame.get(), sink);
+FrameHandle VideoEncoder::convert(const PixelBuffer& picture) {
+    FrameHandle frame = makeFrame();
+    return frame && m_conversion.convert(picture, *frame) ? std::move(frame) : nullptr;
 }
 
-int VideoEncoder::repeat(std::int64_t ticks, const Sink& sink) {
-    if (!m_frame->buf[0]) {
-        return AVERROR(EINVAL);
-    }
-    // The encoder may still hold the pixels, which it shares; the time is each one's own.
-    m_frame->pts = ticks;
-    return m_device ? upload(*m_frame, sink) : send(m_frame.get(), sink);
+int VideoEncoder::encode(AVFrame& frame, std::int64_t ticks, const Sink& sink) {
+    frame.pts = ticks;
+    return m_device ? upload(frame, sink) : send(&frame, sink);
 }
 
 int VideoEncoder::upload(const AVFrame& frame, const Sink& sink) {

@@ -11,9 +11,11 @@
 
 namespace tavi {
 
-/// One encoder at work: BGRA pictures in, packets out.
+/// One encoder at work: BGRA pictures in, packets out, in two steps that two threads
+/// may share.
 ///
-/// Thread: one at a time. Errors are the library's words.
+/// Threads: convert() one at a time; encode() and drain() one at a time.
+/// Errors are the library's words.
 class VideoEncoder {
 public:
     /// Takes each packet as it comes; a negative library code from it ends the encoding.
@@ -25,13 +27,13 @@ public:
     open(const EncoderKind& kind, const VideoSettings& settings, int timescale,
          std::shared_ptr<const ColorConverter> colours);
 
-    /// Encodes one picture, shown from `ticks` on. Returns what the sink or
-    /// the library said, 0 for success.
-    int encode(const PixelBuffer& picture, std::int64_t ticks, const Sink& sink);
+    /// A picture as the encoder takes it, in recycled memory; null where the library
+    /// has no way to convert it or no memory.
+    FrameHandle convert(const PixelBuffer& picture);
 
-    /// Encodes the picture of the last encode() once more, shown from `ticks` on,
-    /// without converting it again.
-    int repeat(std::int64_t ticks, const Sink& sink);
+    /// Encodes one picture of convert(), shown from `ticks` on. Returns what the sink
+    /// or the library said, 0 for success.
+    int encode(AVFrame& frame, std::int64_t ticks, const Sink& sink);
 
     /// Gives the sink the packets that are still inside. Nothing can be encoded after it.
     int drain(const Sink& sink);
@@ -44,14 +46,14 @@ private:
 
     int openCodec(const VideoSettings& settings, int timescale);
     int openDevice();
-    int prepareFrame();
+    FrameHandle makeFrame();
     int send(AVFrame* frame, const Sink& sink);
     int upload(const AVFrame& frame, const Sink& sink);
 
     EncoderKind m_kind;
     BufferHandle m_device;
     CodecHandle m_codec;
-    FrameHandle m_frame{av_frame_alloc()};
+    BufferPoolHandle m_memory; ///< Of converted pictures.
     PacketHandle m_packet{av_packet_alloc()};
     PictureEncoding m_conversion;
 };
