@@ -24,10 +24,12 @@ bool isCut(const TrimState& trim, double time) {
 
 /// The samples that a reader of one stretch gives: the picture that stands at
 /// its beginning, or the first after it, and all that follow up to its end.
-std::vector<NumberedPicture> samplesOf(const std::vector<NumberedPicture>& pictures, double start,
-                                       double end) {
+std::vector<NumberedPicture> samplesOf(const NumberedVideo& source, double start, double end) {
     std::vector<NumberedPicture> samples;
-    for (const NumberedPicture& picture : pictures) {
+    if (start >= source.end) {
+        return samples;
+    }
+    for (const NumberedPicture& picture : source.pictures) {
         if (picture.time <= start) {
             samples.clear();
         }
@@ -56,18 +58,18 @@ std::optional<int> cameraAt(const std::vector<NumberedPicture>& samples, double 
     return samples.empty() ? std::nullopt : std::optional(samples.back().number);
 }
 
-std::vector<NumberedPicture> delayed(const CameraSource& camera) {
-    std::vector<NumberedPicture> pictures = camera.pictures;
-    for (NumberedPicture& picture : pictures) {
-        picture.time += rounded(camera.delay);
-    }
-    return pictures;
-}
-
 std::vector<NumberedPicture> cameraSamplesOf(const std::optional<CameraSource>& camera,
                                              const Stretch& stretch) {
-    return camera ? samplesOf(delayed(*camera), stretch.start, stretch.end)
-                  : std::vector<NumberedPicture>();
+    if (!camera) {
+        return {};
+    }
+    const double delay = rounded(camera->delay);
+    NumberedVideo moved = camera->video;
+    moved.end += delay;
+    for (NumberedPicture& picture : moved.pictures) {
+        picture.time += delay;
+    }
+    return samplesOf(moved, stretch.start, stretch.end);
 }
 
 } // namespace
@@ -96,7 +98,7 @@ std::vector<Stretch> keptStretches(const TrimState& trim, double duration) {
     return kept;
 }
 
-std::vector<ExpectedPicture> expectedPictures(const std::vector<NumberedPicture>& source,
+std::vector<ExpectedPicture> expectedPictures(const NumberedVideo& source,
                                               const std::vector<Stretch>& kept, int fps,
                                               const std::optional<CameraSource>& camera) {
     std::vector<ExpectedPicture> film;

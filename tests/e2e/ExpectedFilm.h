@@ -30,16 +30,18 @@ struct ExpectedPicture {
 
 /// A camera beside a video.
 struct CameraSource {
-    std::vector<NumberedPicture> pictures;
+    NumberedVideo video;
     double delay = 0; ///< Seconds from the video's zero to the camera's.
 };
 
 /// The pictures of a film, straight from the rule: for each stretch a grid of 1/fps,
 /// on it the latest picture whose time is at or before the moment, or the stretch's
-/// first. Edges of stretches, as read from the source, and times of the film are
+/// first; a stretch that begins behind the source's end has none. The camera is ahead:
+/// of the pictures in the stretch it shows the first at or after the moment, or the
+/// last. Edges of stretches, as read from the source, and times of the film are
 /// rounded to 1/600 s, a stretch to at least one of them; of two pictures on the
 /// same one the first counts.
-std::vector<ExpectedPicture> expectedPictures(const std::vector<NumberedPicture>& source,
+std::vector<ExpectedPicture> expectedPictures(const NumberedVideo& source,
                                               const std::vector<Stretch>& kept, int fps,
                                               const std::optional<CameraSource>& camera = {});
 

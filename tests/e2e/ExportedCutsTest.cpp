@@ -13,7 +13,7 @@ namespace {
 std::filesystem::path steadyTake() {
     return madeTake("cuts-steady", fmt::format("-f lavfi -i \"{},format=yuv420p\" -c:v libx264 "
                                                "-preset veryfast -bf 3 -g 24",
-                                               numbered(30, 2, "160x90")));
+                                               numbered(30, 2)));
 }
 
 std::filesystem::path unevenTake() {
@@ -21,18 +21,12 @@ std::filesystem::path unevenTake() {
                     fmt::format("-f lavfi -i \"{},settb=1/90000,setpts='N*2500+1200*(1+sin(N*2.3))'"
                                 ",format=yuv420p\" -fps_mode passthrough -enc_time_base 1/90000 "
                                 "-c:v libx264 -preset veryfast -bf 2 -g 30",
-                                numbered(30, 2.4, "160x90")));
-}
-
-EditProject smallProject(const std::filesystem::path& take) {
-    EditProject project = plainProject(take);
-    project.outputSettings.resolution = {160, 90};
-    return project;
+                                numbered(30, 2.4)));
 }
 
 class ExportOfCuts : public testing::Test {
 protected:
-    EditProject project = smallProject(steadyTake());
+    EditProject project = plainProject(steadyTake());
 };
 
 TEST_F(ExportOfCuts, overlappingAndNestedCutsLeaveWhatNoneCovers) {
@@ -91,7 +85,7 @@ TEST_F(ExportOfCuts, trimBeyondTheEndRepeatsTheLastPicture) {
 TEST_F(ExportOfCuts, everythingCutIsRefused) {
     cut(project, 0, 5);
     const std::filesystem::path path = mediaFolder() / "nothing.mp4";
-    const auto report = exportTo(project, path, [](double) {});
+    const auto report = exportTo(project, path);
     ASSERT_FALSE(report);
     EXPECT_EQ(description(report.error()), "No video track found in recording.");
     EXPECT_FALSE(std::filesystem::exists(path));
@@ -106,7 +100,7 @@ EditProject randomProject(unsigned seed) {
         const double grid = kGrids[static_cast<std::size_t>(pick(3))];
         return std::floor(pick(1'000'000) / 1e6 * 2.2 * grid) / grid;
     };
-    EditProject project = smallProject(seed % 2 == 0 ? steadyTake() : unevenTake());
+    EditProject project = plainProject(seed % 2 == 0 ? steadyTake() : unevenTake());
     constexpr std::array<int, 6> kRates{30, 60, 24, 25, 7, 50};
     project.outputSettings.fps = kRates[static_cast<std::size_t>(pick(5))];
     project.trimState.inPoint = pick(2) == 0 ? moment() / 2 : 0;

@@ -11,6 +11,7 @@
 #include <algorithm>
 #include <cmath>
 #include <cstring>
+#include <map>
 #include <memory>
 #include <thread>
 
@@ -52,12 +53,22 @@ std::optional<int> cameraIn(const PixelBuffer& image, const std::optional<Rect>&
     return number == kUnreadable ? std::nullopt : std::optional(number);
 }
 
+/// Looked at once per run.
+const NumberedVideo& sourceOf(const fs::path& file, NumberPlace place = NumberPlace::everywhere) {
+    static std::map<fs::path, NumberedVideo> known;
+    const auto [entry, isNew] = known.try_emplace(file);
+    if (isNew) {
+        entry->second = videoByCommand(file, place);
+    }
+    return entry->second;
+}
+
 std::optional<CameraSource> cameraOf(const EditProject& project) {
     const fs::path file = pathOfFileUrl(project.recordingPath) / take::kCamera;
     if (!project.cameraSettings.enabled || !fs::exists(file)) {
         return std::nullopt;
     }
-    return CameraSource{picturesByCommand(file), project.cameraStartDelay};
+    return CameraSource{sourceOf(file, NumberPlace::middleSquare), project.cameraStartDelay};
 }
 
 } // namespace
@@ -65,7 +76,7 @@ std::optional<CameraSource> cameraOf(const EditProject& project) {
 EditProject plainProject(const fs::path& take) {
     EditProject project;
     project.recordingPath = folderUrl(take);
-    project.outputSettings = {{320, 180}, 30, false};
+    project.outputSettings = {{160, 90}, 30, false};
     project.appearanceSettings.backgroundStyle = BackgroundStyle::solidBlack;
     project.appearanceSettings.padding = 0;
     project.appearanceSettings.cornerRadius = 0;
@@ -78,20 +89,25 @@ void cut(EditProject& project, double start, double end) {
 }
 
 Result<ExportReport, ExportFailure> exportTo(const EditProject& project, const fs::path& path,
-                                             const VideoExportService::Progress& progress) {
+                                             const ExportProgress& progress) {
     FfmpegMediaLibrary media = mediaLibrary();
     const SystemClock clock;
     VideoExportService service(
         media, clock, mediaFolder() / "export_debug.log",
         [](std::chrono::nanoseconds time) { std::this_thread::sleep_for(time); });
-    return service.exportProject(project, path, progress);
+    return service.exportProject(project, path, [&](double share) {
+        if (progress) {
+            progress(service, share);
+        }
+    });
 }
 
 Film exported(const EditProject& project) {
     static int count = 0;
     Film film{mediaFolder() / fmt::format("film-{}.mp4", ++count), {}, {}};
-    const auto report =
-        exportTo(project, film.path, [&](double share) { film.progress.push_back(share); });
+    const auto report = exportTo(project, film.path, [&](VideoExportService&, double share) {
+        film.progress.push_back(share);
+    });
     if (report) {
         film.report = *report;
         EXPECT_TRUE(report->hasFile()) << problemOf(*report, film.path).value_or("");
@@ -117,7 +133,7 @@ std::vector<Stretch> keptBy(const EditProject& project) {
 }
 
 std::vector<ExpectedPicture> expectedPictures(const EditProject& project) {
-    return expectedPictures(picturesByCommand(videoOf(project)), keptBy(project),
+    return expectedPictures(sourceOf(videoOf(project)), keptBy(project),
                             static_cast<int>(project.outputSettings.fps), cameraOf(project));
 }
 
@@ -169,7 +185,7 @@ Film expectFilm(const EditProject& project, const std::optional<Rect>& bubble) {
     const std::vector<ExpectedPicture> expected = expectedPictures(project);
     expectSame(picturesOf(film.path, bubble), expected);
     std::vector<ExpectedPicture> byCommand;
-    for (const NumberedPicture& picture : picturesByCommand(film.path)) {
+    for (const NumberedPicture& picture : videoByCommand(film.path).pictures) {
         byCommand.push_back({picture.number, std::llround(picture.time * 600), {}});
     }
     expectSame(byCommand, withoutCamera(expected));

@@ -6,12 +6,13 @@
 #include "render/VideoExportService.h"
 
 #include <filesystem>
+#include <functional>
 #include <optional>
 #include <vector>
 
 namespace tavi::e2e {
 
-/// A project of a take whose film shows the video alone, in 320x180 on black.
+/// A project of a take whose film shows the video alone, in 160x90 on black.
 EditProject plainProject(const std::filesystem::path& take);
 
 /// Adds a stretch that is to be left out, in seconds.
@@ -24,10 +25,13 @@ struct Film {
     std::vector<double> progress;
 };
 
+/// Called after each picture with the service that exports and the share that is done.
+using ExportProgress = std::function<void(VideoExportService&, double)>;
+
 /// Exports with the media stack as the programs put it together.
 Result<ExportReport, ExportFailure> exportTo(const EditProject& project,
                                              const std::filesystem::path& path,
-                                             const VideoExportService::Progress& progress);
+                                             const ExportProgress& progress = {});
 
 /// Exports to a path of its own. Fails the test where that can't be done.
 Film exported(const EditProject& project);

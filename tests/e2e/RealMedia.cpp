@@ -91,19 +91,6 @@ std::string outputOf(const std::string& command) {
     return text;
 }
 
-std::vector<std::int64_t> numbersFrom(const std::string& command) {
-    std::istringstream lines(outputOf(command));
-    std::vector<std::int64_t> numbers;
-    for (std::string line; std::getline(lines, line);) {
-        char* end = nullptr;
-        const long long value = std::strtoll(line.c_str(), &end, 10);
-        if (end != line.c_str()) {
-            numbers.push_back(value);
-        }
-    }
-    return numbers;
-}
-
 std::string probed(const fs::path& file, const std::string& stream, const std::string& entries) {
     return outputOf(fmt::format("ffprobe -v error -select_streams {} -show_entries {} "
                                 "-of default=nw=1:nk=1 {} | head -1",
@@ -114,15 +101,17 @@ namespace {
 
 /// The number in each picture of a file. The pictures are reduced to twenty by ten
 /// pixels, which leaves the middle of each digit clear.
-std::vector<int> numbersByCommand(const fs::path& file) {
+std::vector<int> numbersByCommand(const fs::path& file, NumberPlace place) {
+    const std::string part =
+        place == NumberPlace::middleSquare ? "crop='min(iw,ih)':'min(iw,ih)'," : "";
     constexpr int kWidth = 20;
     constexpr int kHeight = 10;
     constexpr std::size_t kBytes = std::size_t{kWidth} * kHeight;
     const std::string raw = bytesFrom(
         fmt::format("timeout 60 ffmpeg -nostdin -v error -noautorotate -i {} -map 0:v:0 -fps_mode "
-                    "passthrough -vf scale={}:{}:flags=neighbor,format=gray -f rawvideo - "
+                    "passthrough -vf \"{}scale={}:{}:flags=neighbor,format=gray\" -f rawvideo - "
                     "</dev/null",
-                    quoted(file), kWidth, kHeight));
+                    quoted(file), part, kWidth, kHeight));
     EXPECT_EQ(raw.size() % kBytes, 0u) << file;
     std::vector<int> numbers;
     for (std::size_t start = 0; start + kBytes <= raw.size(); start += kBytes) {
@@ -135,24 +124,50 @@ std::vector<int> numbersByCommand(const fs::path& file) {
     return numbers;
 }
 
+/// When the pictures of a file begin, and the last one ends.
+struct Times {
+    std::vector<std::int64_t> ticks;
+    int numerator = 0; ///< Of a tick, in seconds.
+    int denominator = 1;
+    double start = 0; ///< Seconds.
+    double duration = 0;
+};
+
+Times timesByCommand(const fs::path& file) {
+    std::istringstream lines(
+        outputOf(fmt::format("ffprobe -v error -select_streams v:0 -show_entries "
+                             "frame=pts:stream=time_base,start_time,duration -of default=nw=1 {}",
+                             quoted(file))));
+    Times times;
+    for (std::string line; std::getline(lines, line);) {
+        const std::size_t sign = line.find('=');
+        const std::string key = line.substr(0, sign);
+        const std::string value = sign == std::string::npos ? "" : line.substr(sign + 1);
+        if (key == "pts") {
+            times.ticks.push_back(std::stoll(value));
+        } else if (key == "time_base") {
+            std::sscanf(value.c_str(), "%d/%d", &times.numerator, &times.denominator);
+        } else if (key == "start_time") {
+            times.start = std::stod(value);
+        } else if (key == "duration") {
+            times.duration = std::stod(value);
+        }
+    }
+    return times;
+}
+
 } // namespace
 
-std::vector<NumberedPicture> picturesByCommand(const fs::path& file) {
-    const std::vector<std::int64_t> ticks =
-        numbersFrom(fmt::format("ffprobe -v error -select_streams v:0 -show_entries frame=pts -of "
-                                "default=nw=1:nk=1 {}",
-                                quoted(file)));
-    int numerator = 0;
-    int denominator = 0;
-    std::sscanf(probed(file, "v:0", "stream=time_base").c_str(), "%d/%d", &numerator, &denominator);
-    const std::vector<int> numbers = numbersByCommand(file);
-    EXPECT_EQ(ticks.size(), numbers.size()) << file;
-    std::vector<NumberedPicture> pictures;
-    for (std::size_t i = 0; i < std::min(ticks.size(), numbers.size()); ++i) {
-        const double time = static_cast<double>(ticks[i] * numerator) / denominator;
-        pictures.push_back({numbers[i], time});
+NumberedVideo videoByCommand(const fs::path& file, NumberPlace place) {
+    const Times times = timesByCommand(file);
+    const std::vector<int> numbers = numbersByCommand(file, place);
+    EXPECT_EQ(times.ticks.size(), numbers.size()) << file;
+    NumberedVideo video{{}, times.start + times.duration};
+    for (std::size_t i = 0; i < std::min(times.ticks.size(), numbers.size()); ++i) {
+        const double time = static_cast<double>(times.ticks[i] * times.numerator);
+        video.pictures.push_back({numbers[i], time / times.denominator});
     }
-    return pictures;
+    return video;
 }
 
 } // namespace tavi::e2e

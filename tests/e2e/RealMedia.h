@@ -23,7 +23,7 @@ std::filesystem::path made(const std::string& name, const std::string& arguments
 
 /// A filter graph without input whose picture n shows n: columns of black and
 /// white, one for each digit of n in base 2, above them their opposites. Ends by itself.
-std::string numbered(int rate, double seconds, const std::string& size = "320x180");
+std::string numbered(int rate, double seconds, const std::string& size = "160x90");
 
 /// A filter graph without input: bursts of sound at clickTime(0), clickTime(1), ...
 /// `channels` says for each channel whether it has them. Ends by itself.
@@ -33,9 +33,6 @@ std::string clicking(int sampleRate, double seconds, const std::vector<bool>& ch
 /// When a burst is highest, in seconds. The distances differ, so that a few
 /// of them tell which ones they are.
 double clickTime(int k);
-
-/// Values that a command prints, one number a line. Fails the test where it can't run.
-std::vector<std::int64_t> numbersFrom(const std::string& command);
 
 /// All that a command prints. Fails the test where it can't run.
 std::string bytesFrom(const std::string& command);
@@ -47,18 +44,26 @@ std::string outputOf(const std::string& command);
 std::string probed(const std::filesystem::path& file, const std::string& stream,
                    const std::string& entries);
 
-/// What the command line says of a picture of a numbered source.
+/// A picture of a numbered video.
 struct NumberedPicture {
-    int number = 0; ///< kUnreadable where it shows none.
-    double time = 0;
+    int number = 0;  ///< kUnreadable where it shows none.
+    double time = 0; ///< Seconds.
+};
 
-    bool operator==(const NumberedPicture&) const = default;
+/// What the ffmpeg programs say of a numbered video.
+struct NumberedVideo {
+    std::vector<NumberedPicture> pictures;
+    double end = 0; ///< When its last picture ends, in seconds.
 };
 
 inline constexpr int kUnreadable = -1;
 
-/// The pictures of a file by the ffmpeg programs, tags of rotation ignored.
-std::vector<NumberedPicture> picturesByCommand(const std::filesystem::path& file);
+/// Where in a picture its number is.
+enum class NumberPlace { everywhere, middleSquare };
+
+/// The first video of a file by the ffmpeg programs, tags of rotation ignored.
+NumberedVideo videoByCommand(const std::filesystem::path& file,
+                             NumberPlace place = NumberPlace::everywhere);
 
 /// A sample of brightness, 0 to 255, at fractions of a picture's sides.
 template<class Brightness>
