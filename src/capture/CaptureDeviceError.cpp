@@ -1,0 +1,20 @@
+#include "capture/CaptureDeviceError.h"
+
+namespace tavi {
+
+std::string CaptureDeviceError::description() const {
+    const std::string which = device.empty() ? "The device" : "\"" + device + "\"";
+    switch (kind) {
+    case Kind::noService:
+        return "The system's media service does not answer; see that PipeWire runs.";
+    case Kind::gone:
+        return which + " is not there; plug it in or choose another one.";
+    case Kind::refused:
+        return which + " can't be used; another program may have it, or permission is missing.";
+    case Kind::unsupportedFormat:
+        return which + " delivers no format that can be recorded; choose another one.";
+    }
+    return which;
+}
+
+} // namespace tavi

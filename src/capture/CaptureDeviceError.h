@@ -1,0 +1,25 @@
+#pragma once
+
+#include <string>
+
+namespace tavi {
+
+/// Why a microphone or a camera can't be used.
+struct CaptureDeviceError {
+    enum class Kind {
+        noService, ///< The system's media service does not answer, or has gone.
+        gone,      ///< The device is not plugged in (any more).
+        refused,   ///< The device may not be used: by permission, or another program has it.
+        unsupportedFormat, ///< The device offers nothing that is read.
+    };
+
+    Kind kind = Kind::noService;
+    std::string device; ///< Its name for users; may be empty.
+
+    /// One line for the user: what happened and what to do.
+    std::string description() const;
+
+    bool operator==(const CaptureDeviceError&) const = default;
+};
+
+} // namespace tavi
