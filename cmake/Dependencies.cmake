@@ -7,7 +7,7 @@ find_package(CLI11 REQUIRED)
 find_package(Qt6 6.4 REQUIRED COMPONENTS Core)
 
 pkg_check_modules(FFMPEG REQUIRED IMPORTED_TARGET libavformat>=59 libavcodec>=59 libavutil>=57 libswscale>=6 libswresample>=4)
-pkg_check_modules(XCB REQUIRED IMPORTED_TARGET xcb xcb-shm xcb-randr xcb-xfixes xcb-composite xcb-damage xcb-xinput xcb-ewmh xcb-cursor)
+pkg_check_modules(XCB REQUIRED IMPORTED_TARGET xcb xcb-shm xcb-randr xcb-xfixes xcb-composite xcb-damage xcb-xinput xcb-ewmh)
 pkg_check_modules(XKB REQUIRED IMPORTED_TARGET xkbcommon xkbcommon-x11 xcb-xkb)
 pkg_check_modules(PANGO REQUIRED IMPORTED_TARGET pangocairo cairo)
 pkg_check_modules(HWY REQUIRED IMPORTED_TARGET libhwy>=1.0)

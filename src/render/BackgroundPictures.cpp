@@ -1,5 +1,6 @@
 #include "render/BackgroundPictures.h"
 
+#include "render/BlobRow.h"
 #include "render/Composite.h"
 
 #include <algorithm>
@@ -35,31 +36,21 @@ void store(const Mix& mix, std::uint8_t* pixel) {
     pixel[3] = 255;
 }
 
-/// A blob in pixels of the output.
-struct PlacedBlob {
-    Point center;
-    double radius = 0;
-    Mix color{};
-    double alpha = 0;
+std::array<float, 3> asFloats(const Mix& mix) {
+    return {static_cast<float>(mix[0]), static_cast<float>(mix[1]), static_cast<float>(mix[2])};
+}
 
-    void drawOver(Mix& mix, double dx, double dySquared) const {
-        const double distance = std::sqrt(dx * dx + dySquared);
-        if (!(distance < radius)) {
-            return;
-        }
-        const double fade = 1 - distance / radius;
-        const double rest = 1 - alpha * fade;
-        for (std::size_t c = 0; c < mix.size(); ++c) {
-            mix[c] = color[c] * fade + mix[c] * rest;
-        }
+/// The blob as the row of pixels sees it whose middle lies at `y`. One without a
+/// radius shows nowhere.
+BlobRow::Blob onRow(const WallpaperBlob& blob, Size area, double y) {
+    const double radius = std::max(area.width, area.height) * blob.radiusFraction;
+    if (!(radius > 0) || !std::isfinite(radius)) {
+        return {};
     }
-};
-
-PlacedBlob place(const WallpaperBlob& blob, Size area) {
-    return {{blob.cx * area.width, blob.cy * area.height},
-            std::max(area.width, area.height) * blob.radiusFraction,
-            premultiplied(blob.color),
-            limited(blob.color.alpha)};
+    const double dy = y - blob.cy * area.height;
+    return {static_cast<float>(blob.cx * area.width), static_cast<float>(dy * dy),
+            static_cast<float>(1 / radius), asFloats(premultiplied(blob.color)),
+            static_cast<float>(limited(blob.color.alpha))};
 }
 
 } // namespace
@@ -96,24 +87,15 @@ PixelBuffer gradientImage(const GradientPreset& preset, Size area, int width, in
     return image;
 }
 
-PixelBuffer wallpaperImage(const Wallpaper& wallpaper, Size area, int width, int height) {
-    std::array<PlacedBlob, 3> blobs{};
-    std::transform(wallpaper.blobs.begin(), wallpaper.blobs.end(), blobs.begin(),
-                   [&](const WallpaperBlob& blob) { return place(blob, area); });
-    const Mix base = premultiplied(wallpaper.baseColor);
-    PixelBuffer image(width, height);
-    for (int row = 0; row < height; ++row) {
-        const double y = height - row - 0.5;
-        for (int x = 0; x < width; ++x) {
-            Mix mix = base;
-            for (const PlacedBlob& blob : blobs) {
-                const double dy = y - blob.center.y;
-                blob.drawOver(mix, x + 0.5 - blob.center.x, dy * dy);
-            }
-            store(mix, image.row(row) + static_cast<std::ptrdiff_t>(x) * 4);
-        }
+void drawWallpaper(const Wallpaper& wallpaper, Size area, ImageView out) {
+    BlobRow row;
+    row.base = asFloats(premultiplied(wallpaper.baseColor));
+    for (int y = 0; y < out.height; ++y) {
+        const double middle = out.height - y - 0.5;
+        std::transform(wallpaper.blobs.begin(), wallpaper.blobs.end(), row.blobs.begin(),
+                       [&](const WallpaperBlob& blob) { return onRow(blob, area, middle); });
+        drawBlobRow(row, out.row(y), out.width);
     }
-    return image;
 }
 
 Wallpaper movedWallpaper(const Wallpaper& wallpaper, double time) {

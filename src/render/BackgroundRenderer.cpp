@@ -98,8 +98,8 @@ void BackgroundRenderer::prepareBackground() {
                                      m_width, m_height);
         break;
     case BackgroundStyle::wallpaper:
-        m_background =
-            wallpaperImage(wallpaper(m_settings.wallpaperPreset), m_outputSize, m_width, m_height);
+        m_background = PixelBuffer(m_width, m_height);
+        drawWallpaper(wallpaper(m_settings.wallpaperPreset), m_outputSize, m_background);
         break;
     case BackgroundStyle::solidBlack:
     case BackgroundStyle::blur: // until there is a frame
@@ -263,8 +263,8 @@ void BackgroundRenderer::chooseBackground(const PixelBufferPtr& frame, double ti
 }
 
 void BackgroundRenderer::animatedWallpaperImage(double time) {
-    m_background = wallpaperImage(movedWallpaper(wallpaper(m_settings.wallpaperPreset), time),
-                                  m_outputSize, m_width, m_height);
+    drawWallpaper(movedWallpaper(wallpaper(m_settings.wallpaperPreset), time), m_outputSize,
+                  m_background);
 }
 
 void BackgroundRenderer::blurredBackground(const PixelBufferPtr& frame) {
