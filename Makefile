@@ -4,10 +4,10 @@ BUILD := build/release
 DEV := build/dev
 export CCACHE_DIR ?= $(HOME)/.cache/ccache
 
-.PHONY: help setup build demo gallery test run bench asan tsan fuzz format lint clean
+.PHONY: help setup build demo gallery test run bench bench-export asan tsan fuzz format lint clean
 
 help: ## this list
-	@awk -F':.*## ' '/^[a-z-]+:.*## /{printf "  make %-8s %s\n", $$1, $$2}' $(MAKEFILE_LIST)
+	@awk -F':.*## ' '/^[a-z-]+:.*## /{printf "  make %-13s %s\n", $$1, $$2}' $(MAKEFILE_LIST)
 
 setup: ## install what is missing, from Debian's packages
 	@tools/setup
@@ -30,6 +30,9 @@ run: build ## open the application
 
 bench: build ## run the benchmarks
 	@tools/bench
+
+bench-export: build ## time exports against the encoder alone and a filter graph made by hand
+	@tools/bench-export
 
 asan: setup ## every test under the address and undefined-behaviour sanitizers
 	@tools/build asan
