@@ -163,6 +163,8 @@ int VideoEncoder::send(AVFrame* frame, const Sink& sink) {
             return 0;
         }
         if (code >= 0) {
+            // Pictures are coded in their order. libx265 leaves this undefined in a film of one.
+            m_packet->dts = m_packet->pts;
             code = sink(*m_packet);
             av_packet_unref(m_packet.get());
         }
