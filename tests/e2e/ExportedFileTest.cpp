@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <malloc.h>
 
 namespace tavi::e2e {
 namespace {
@@ -123,6 +124,28 @@ TEST(ExportedFile, isNotThereAfterACancel) {
     EXPECT_EQ(test::readFile(folder / "film.mp4"), "what stood there");
     EXPECT_EQ(std::distance(fs::directory_iterator(folder.path()), {}), 1);
 }
+
+class ShortExportedFile : public testing::TestWithParam<int> {
+protected:
+    ~ShortExportedFile() override { mallopt(M_PERTURB, 0); }
+};
+
+/// Pictures are coded out of order, which a film of few of them has no room for.
+TEST_P(ShortExportedFile, doesNotDependOnWhatItsMemoryHeld) {
+    EditProject project = plainProject(take());
+    project.trimState.inPoint = 0.5;
+    project.trimState.outPoint = 0.49 + GetParam() / 30.0;
+    for (const int garbage : {0x5a, 0xa5}) {
+        mallopt(M_PERTURB, garbage);
+        const Film film = expectFilm(project);
+        EXPECT_EQ(film.report.framesAppended, GetParam());
+        EXPECT_EQ(probed(film.path, "v:0", "stream=start_time"), "0.000000");
+        EXPECT_NEAR(std::stod(probed(film.path, "v:0", "stream=duration")), GetParam() / 30.0,
+                    1e-6);
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(Pictures, ShortExportedFile, testing::Range(1, 7));
 
 struct SizeCase {
     const char* name;
