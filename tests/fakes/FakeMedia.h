@@ -1,20 +1,47 @@
 #pragma once
 
+#include "fakes/CallLog.h"
 #include "media/ImageGenerator.h"
 #include "media/MediaLibrary.h"
 
+#include <atomic>
 #include <filesystem>
 #include <map>
-#include <mutex>
 #include <string>
 #include <vector>
 
 namespace tavi {
 
-/// A media stack that writes down what is asked of its writer, in order
-/// ("addVideoInput", "startSession 1.000"), and makes no file.
+/// Takes sound and writes down what is asked of it ("appendAudio 1.000").
+class FakeAudioInput final : public AudioWriterInput {
+public:
+    explicit FakeAudioInput(CallLog& log, std::string prefix = "")
+        : m_log(log),
+          m_prefix(std::move(prefix)) {}
+
+    bool isReadyForMoreMediaData() const override { return isReady; }
+    bool append(AudioBufferPtr, MediaTime time) override {
+        char text[64];
+        std::snprintf(text, sizeof text, "appendAudio %.3f", time.seconds());
+        m_log.note(m_prefix + text);
+        return true;
+    }
+    void markAsFinished() override { m_log.note(m_prefix + "markAudioAsFinished"); }
+
+    std::atomic<bool> isReady = true;
+
+private:
+    CallLog& m_log;
+    std::string m_prefix;
+};
+
+/// A media stack that writes down what is asked of its writers, in order
+/// ("addVideoInput", "startSession 1.000"; of a file other than "video.mov" with its
+/// name, "camera.mov startSession 1.000"), and makes no file.
 class FakeMediaLibrary final : public MediaLibrary {
 public:
+    explicit FakeMediaLibrary(CallLog* log = nullptr) : m_log(log != nullptr ? *log : m_ownLog) {}
+
     Result<Asset, MediaError> openAsset(const std::filesystem::path&) override {
         return fail(MediaError{MediaError::Kind::notFound, "", ""});
     }
@@ -28,25 +55,27 @@ public:
     }
     Result<std::unique_ptr<AssetWriter>, MediaError> makeWriter(const std::filesystem::path& path,
                                                                 FileType type) override {
+        const std::string name = path.filename().string();
+        const std::string prefix = name == "video.mov" ? "" : name + " ";
         lastPath = path;
         lastType = type;
-        note("makeWriter");
-        if (makeError) {
+        m_log.note(prefix + "makeWriter");
+        if (makeError && (failingFile.empty() || failingFile == name)) {
             return fail(*makeError);
         }
-        return std::make_unique<Writer>(*this);
+        return std::make_unique<Writer>(*this, prefix);
     }
 
-    std::vector<std::string> calls() const {
-        const std::lock_guard lock(m_mutex);
-        return m_calls;
-    }
+    std::vector<std::string> calls() const { return m_log.calls(); }
 
     std::filesystem::path lastPath;
     FileType lastType = FileType::mp4;
     VideoSettings lastSettings;
+    AudioSettings lastAudioSettings;
+    std::string failingFile; ///< The only file that `makeError` concerns; empty: every one.
     std::optional<MediaError> makeError;
     std::optional<MediaError> inputError;
+    std::optional<MediaError> audioInputError;
     std::optional<MediaError> startError;
     std::optional<MediaError> finishError;
     std::atomic<bool> isReady = true;
@@ -54,10 +83,6 @@ public:
     std::atomic<bool> takesPictures = true; ///< What append() returns.
 
 private:
-    void note(const std::string& call) {
-        const std::lock_guard lock(m_mutex);
-        m_calls.push_back(call);
-    }
     static std::string at(const char* call, MediaTime time) {
         char text[64];
         std::snprintf(text, sizeof text, "%s %.3f", call, time.seconds());
@@ -66,56 +91,70 @@ private:
 
     class Input final : public VideoWriterInput {
     public:
-        explicit Input(FakeMediaLibrary& owner) : m_owner(owner) {}
+        Input(FakeMediaLibrary& owner, std::string prefix)
+            : m_owner(owner),
+              m_prefix(std::move(prefix)) {}
         bool isReadyForMoreMediaData() const override { return m_owner.isReady; }
         bool append(PixelBufferPtr, MediaTime time) override {
-            m_owner.note(at("append", time));
+            note(at("append", time));
             return m_owner.takesPictures;
         }
         bool appendRepeat(MediaTime time) override {
-            m_owner.note(at("appendRepeat", time));
+            note(at("appendRepeat", time));
             return m_owner.takesPictures;
         }
-        void markAsFinished() override { m_owner.note("markAsFinished"); }
+        void markAsFinished() override { note("markAsFinished"); }
         std::shared_ptr<PixelBuffer> makePixelBuffer() override { return nullptr; }
 
     private:
+        void note(const std::string& call) { m_owner.m_log.note(m_prefix + call); }
+
         FakeMediaLibrary& m_owner;
+        std::string m_prefix;
     };
 
     class Writer final : public AssetWriter {
     public:
-        explicit Writer(FakeMediaLibrary& owner) : m_owner(owner), m_input(owner) {}
+        Writer(FakeMediaLibrary& owner, const std::string& prefix)
+            : m_owner(owner),
+              m_prefix(prefix),
+              m_input(owner, prefix),
+              m_audioInput(owner.m_log, prefix) {}
         Result<VideoWriterInput*, MediaError>
         addVideoInput(const VideoSettings& settings) override {
             m_owner.lastSettings = settings;
-            m_owner.note("addVideoInput");
+            note("addVideoInput");
             if (m_owner.inputError) {
                 return fail(*m_owner.inputError);
             }
             return &m_input;
         }
-        Result<AudioWriterInput*, MediaError> addAudioInput(const AudioSettings&) override {
-            m_owner.note("addAudioInput");
-            return fail(MediaError{MediaError::Kind::noEncoder, "video.mov", "sound"});
+        Result<AudioWriterInput*, MediaError>
+        addAudioInput(const AudioSettings& settings) override {
+            m_owner.lastAudioSettings = settings;
+            note("addAudioInput");
+            if (m_owner.audioInputError) {
+                return fail(*m_owner.audioInputError);
+            }
+            return &m_audioInput;
         }
         Result<void, MediaError> startWriting() override {
-            m_owner.note("startWriting");
+            note("startWriting");
             if (m_owner.startError) {
                 return fail(*m_owner.startError);
             }
             return {};
         }
-        void startSession(MediaTime time) override { m_owner.note(at("startSession", time)); }
-        void endSession(MediaTime time) override { m_owner.note(at("endSession", time)); }
+        void startSession(MediaTime time) override { note(at("startSession", time)); }
+        void endSession(MediaTime time) override { note(at("endSession", time)); }
         Result<void, MediaError> finishWriting() override {
-            m_owner.note("finishWriting");
+            note("finishWriting");
             if (m_owner.finishError) {
                 return fail(*m_owner.finishError);
             }
             return {};
         }
-        void cancelWriting() override { m_owner.note("cancelWriting"); }
+        void cancelWriting() override { note("cancelWriting"); }
         AssetWriterStatus status() const override {
             return m_owner.hasFailed ? AssetWriterStatus::failed : AssetWriterStatus::writing;
         }
@@ -127,12 +166,16 @@ private:
         std::string encoderName() const override { return "fake"; }
 
     private:
+        void note(const std::string& call) { m_owner.m_log.note(m_prefix + call); }
+
         FakeMediaLibrary& m_owner;
+        std::string m_prefix;
         Input m_input;
+        FakeAudioInput m_audioInput;
     };
 
-    mutable std::mutex m_mutex;
-    std::vector<std::string> m_calls;
+    CallLog m_ownLog;
+    CallLog& m_log;
 };
 
 /// Still pictures kept in memory.
