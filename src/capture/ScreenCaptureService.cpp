@@ -1,12 +1,10 @@
 #include "capture/ScreenCaptureService.h"
 
-#include <limits>
+#include <utility>
 
 namespace tavi {
 
 namespace {
-
-constexpr std::int64_t kNoTime = std::numeric_limits<std::int64_t>::min();
 
 int roundedUpToEven(int length) {
     return length + length % 2;
@@ -22,8 +20,7 @@ ScreenCaptureService::ScreenCaptureService(ScreenStreams& streams, MediaLibrary&
                                            const Clock& clock)
     : m_streams(streams),
       m_media(media),
-      m_clock(clock),
-      m_sessionStartTime(kNoTime) {}
+      m_clock(clock) {}
 
 ScreenCaptureService::~ScreenCaptureService() {
     m_isCapturing = false;
@@ -32,10 +29,11 @@ ScreenCaptureService::~ScreenCaptureService() {
 
 Result<void, CaptureError>
 ScreenCaptureService::startCapture(const ScreenFilter& filter, int width, int height,
-                                   const std::filesystem::path& outputURL) {
+                                   const std::filesystem::path& outputURL,
+                                   const ScreenCaptureOptions& options) {
     width = roundedUpToEven(width);
     height = roundedUpToEven(height);
-    auto started = startWriter(width, height, outputURL);
+    auto started = startWriter(width, height, outputURL, options);
     if (started) {
         started = startStream(filter, width, height);
     }
@@ -46,27 +44,46 @@ ScreenCaptureService::startCapture(const ScreenFilter& filter, int width, int he
     return started;
 }
 
-Result<void, CaptureError>
-ScreenCaptureService::startWriter(int width, int height, const std::filesystem::path& outputURL) {
+Result<void, CaptureError> ScreenCaptureService::startWriter(int width, int height,
+                                                             const std::filesystem::path& outputURL,
+                                                             const ScreenCaptureOptions& options) {
     auto writer = m_media.makeWriter(outputURL, FileType::quickTimeMovie);
     if (!writer) {
         return fail(writerError(writer.error()));
     }
-    const VideoSettings settings{.codec = VideoCodec::hevc,
-                                 .width = width,
-                                 .height = height,
-                                 .bitRate = kAverageBitRate,
-                                 .expectedFrameRate = kExpectedFrameRate,
-                                 .realTime = true};
-    const auto input = (*writer)->addVideoInput(settings);
-    if (!input) {
-        return fail(writerError(input.error()));
+    if (auto added = addInputs(**writer, width, height, options); !added) {
+        return added;
     }
     if (const auto writing = (*writer)->startWriting(); !writing) {
         return fail(writerError(writing.error()));
     }
     m_assetWriter = std::move(*writer);
-    m_videoInput = *input;
+    return {};
+}
+
+Result<void, CaptureError> ScreenCaptureService::addInputs(AssetWriter& writer, int width,
+                                                           int height,
+                                                           const ScreenCaptureOptions& options) {
+    const auto video = writer.addVideoInput({.codec = VideoCodec::hevc,
+                                             .width = width,
+                                             .height = height,
+                                             .bitRate = kAverageBitRate,
+                                             .expectedFrameRate = kExpectedFrameRate,
+                                             .realTime = true});
+    if (!video) {
+        return fail(writerError(video.error()));
+    }
+    m_videoInput = *video;
+    if (!options.audioSettings) {
+        return {};
+    }
+    AudioSettings settings = *options.audioSettings;
+    settings.realTime = true;
+    const auto audio = writer.addAudioInput(settings);
+    if (!audio) {
+        return fail(writerError(audio.error()));
+    }
+    m_audioWriterInput = *audio;
     return {};
 }
 
@@ -99,6 +116,7 @@ void ScreenCaptureService::abandonStart() {
     }
     m_assetWriter.reset();
     m_videoInput = nullptr;
+    m_audioWriterInput = nullptr;
 }
 
 void ScreenCaptureService::handleSample(const ScreenSample& sample) {
@@ -120,7 +138,7 @@ void ScreenCaptureService::handleSample(const ScreenSample& sample) {
 /// time is the zero of the video either way.
 void ScreenCaptureService::startSession(MediaTime time) {
     m_assetWriter->startSession(time);
-    m_sessionStartTime = m_clock.hostTime().rescaled(MediaTime::kNanoseconds).value;
+    m_sessionStartTime.store(m_clock.hostTime());
     m_sessionStarted = true;
     if (onSessionStarted) {
         onSessionStarted();
@@ -142,7 +160,7 @@ void ScreenCaptureService::stopCapture() {
     m_stream.reset();
     m_queue.reset();
     finishFile(end);
-    m_sessionStartTime = kNoTime;
+    m_sessionStartTime.clear();
 }
 
 void ScreenCaptureService::finishFile(MediaTime end) {
@@ -153,17 +171,16 @@ void ScreenCaptureService::finishFile(MediaTime end) {
         m_assetWriter->endSession(end);
     }
     m_videoInput->markAsFinished();
+    if (m_audioWriterInput != nullptr) {
+        m_audioWriterInput->markAsFinished();
+    }
     const auto finished = m_assetWriter->finishWriting();
     if (!finished && !m_failure) {
         m_failure = writerError(finished.error());
     }
     m_videoInput = nullptr;
+    m_audioWriterInput = nullptr;
     m_assetWriter.reset();
-}
-
-std::optional<MediaTime> ScreenCaptureService::sessionStartTime() const {
-    const std::int64_t value = m_sessionStartTime;
-    return value == kNoTime ? std::nullopt : std::optional(MediaTime::fromNanoseconds(value));
 }
 
 std::optional<CaptureError> ScreenCaptureService::failure() const {

@@ -2,6 +2,7 @@
 
 #include "base/Clock.h"
 #include "base/SerialQueue.h"
+#include "capture/AtomicTime.h"
 #include "capture/ScreenStream.h"
 #include "media/MediaLibrary.h"
 
@@ -13,8 +14,18 @@
 
 namespace tavi {
 
+/// What a take's video is to hold besides opaque pictures.
+struct ScreenCaptureOptions {
+    /// The source has transparent parts (a window). They are recorded opaque all the same: no
+    /// codec of the writer takes alpha.
+    bool alpha = false;
+    /// A track of sound; absent: none. It is always a live one.
+    std::optional<AudioSettings> audioSettings;
+};
+
 /// Writes the frames of a screen stream into `video.mov`. Its first frame is
-/// the take's time zero.
+/// the take's time zero. The file's track of sound is fed by
+/// the services of the microphone and the camera.
 ///
 /// States: idle -> writing (startCapture returned) -> started (first frame) ->
 /// stopped; a service serves one take.
@@ -42,16 +53,20 @@ public:
     ///         The encoder takes even sizes only, so an odd one grows by one.
     /// Errors: a writer or a stream that can't start; nothing runs then.
     Result<void, CaptureError> startCapture(const ScreenFilter& filter, int width, int height,
-                                            const std::filesystem::path& outputURL);
+                                            const std::filesystem::path& outputURL,
+                                            const ScreenCaptureOptions& options = {});
 
-    /// Ends the take's file; blocks until it is complete. The last picture
-    /// lasts until this call. Failures are swallowed, see failure().
+    /// Ends the take's file; who feeds audioWriterInput() has stopped before. Blocks until it is
+    /// complete. The last picture lasts until this call. Failures are swallowed, see failure().
     void stopCapture();
 
     bool sessionStarted() const { return m_sessionStarted; }
 
     /// The host clock at the first frame; absent before it and after stopCapture().
-    std::optional<MediaTime> sessionStartTime() const;
+    std::optional<MediaTime> sessionStartTime() const { return m_sessionStartTime.load(); }
+
+    /// Where sound goes; null without audio settings and after stopCapture().
+    AudioWriterInput* audioWriterInput() const { return m_audioWriterInput; }
 
     /// What made the stream or the file fail; absent while all is well. Still
     /// there after stopCapture(). Controlling thread.
@@ -64,7 +79,10 @@ public:
 
 private:
     Result<void, CaptureError> startWriter(int width, int height,
-                                           const std::filesystem::path& outputURL);
+                                           const std::filesystem::path& outputURL,
+                                           const ScreenCaptureOptions& options);
+    Result<void, CaptureError> addInputs(AssetWriter& writer, int width, int height,
+                                         const ScreenCaptureOptions& options);
     Result<void, CaptureError> startStream(const ScreenFilter& filter, int width, int height);
     void abandonStart();
     void handleSample(const ScreenSample& sample);
@@ -78,13 +96,13 @@ private:
     std::unique_ptr<ScreenStream> m_stream;
     std::unique_ptr<AssetWriter> m_assetWriter;
     VideoWriterInput* m_videoInput = nullptr;
+    AudioWriterInput* m_audioWriterInput = nullptr;
     std::unique_ptr<SerialQueue> m_queue;
     std::optional<CaptureError> m_failure;
 
     std::atomic<bool> m_isCapturing = false;
     std::atomic<bool> m_sessionStarted = false;
-    /// Nanoseconds of the host clock; kNoTime while absent.
-    std::atomic<std::int64_t> m_sessionStartTime;
+    AtomicTime m_sessionStartTime;
     std::atomic<std::uint64_t> m_appendedFrames = 0;
     std::atomic<std::uint64_t> m_droppedFrames = 0;
 };

@@ -19,6 +19,12 @@ protected:
         return service.startCapture(ScreenFilter{7}, width, height, "/takes/video.mov");
     }
 
+    Result<void, CaptureError> startWithAudio() {
+        return service.startCapture(
+            ScreenFilter{7}, 64, 64, "/takes/video.mov",
+            {.audioSettings = AudioSettings{2, 48000, 96'000, /*realTime=*/false}});
+    }
+
     FakeScreenStreams screen;
     FakeMediaLibrary media;
     FakeClock clock;
@@ -65,6 +71,56 @@ TEST_F(ScreenCaptureServiceTest, writesFromFirstFrameToStop) {
                                            "endSession 12.000", "markAsFinished", "finishWriting"));
     EXPECT_EQ(service.appendedFrames(), 2U);
     EXPECT_EQ(service.sessionStartTime(), std::nullopt);
+}
+
+TEST_F(ScreenCaptureServiceTest, withoutAudioSettingsTheFileHasOneTrack) {
+    ASSERT_TRUE(start());
+    EXPECT_EQ(service.audioWriterInput(), nullptr);
+    service.stopCapture();
+    EXPECT_THAT(media.calls(), ElementsAre("makeWriter", "addVideoInput", "startWriting",
+                                           "markAsFinished", "finishWriting"));
+}
+
+TEST_F(ScreenCaptureServiceTest, soundIsAddedAfterTheVideoAndFinishedAfterIt) {
+    ASSERT_TRUE(startWithAudio());
+    EXPECT_EQ(media.lastAudioSettings.channels, 2);
+    EXPECT_EQ(media.lastAudioSettings.sampleRate, 48000);
+    EXPECT_EQ(media.lastAudioSettings.bitRate, 96'000);
+    EXPECT_TRUE(media.lastAudioSettings.realTime) << "whatever the settings say";
+    screen.sendPicture(10);
+    screen.settle();
+    ASSERT_NE(service.audioWriterInput(), nullptr);
+    service.audioWriterInput()->append(std::make_shared<AudioBuffer>(), {10, 1});
+    clock.setHostTime(12);
+    service.stopCapture();
+    EXPECT_THAT(media.calls(),
+                ElementsAre("makeWriter", "addVideoInput", "addAudioInput", "startWriting",
+                            "startSession 10.000", "append 10.000", "appendAudio 10.000",
+                            "endSession 12.000", "markAsFinished", "markAudioAsFinished",
+                            "finishWriting"));
+    EXPECT_EQ(service.audioWriterInput(), nullptr);
+}
+
+TEST_F(ScreenCaptureServiceTest, soundThatCannotBeEncodedEndsTheStart) {
+    media.audioInputError = MediaError{MediaError::Kind::noEncoder, "video.mov", "aac"};
+    const auto started = startWithAudio();
+    ASSERT_FALSE(started);
+    EXPECT_EQ(started.error().description(), media.audioInputError->description());
+    EXPECT_EQ(media.calls().back(), "addAudioInput");
+    EXPECT_EQ(service.audioWriterInput(), nullptr);
+}
+
+TEST_F(ScreenCaptureServiceTest, failedStreamTakesTheSoundsWayBack) {
+    screen.startError = kScreenError;
+    EXPECT_FALSE(startWithAudio());
+    EXPECT_EQ(media.calls().back(), "cancelWriting");
+    EXPECT_EQ(service.audioWriterInput(), nullptr);
+}
+
+TEST_F(ScreenCaptureServiceTest, sourceWithAlphaIsRecordedOpaque) {
+    ASSERT_TRUE(service.startCapture(ScreenFilter{7}, 64, 64, "/takes/video.mov", {.alpha = true}));
+    EXPECT_EQ(media.lastSettings.codec, VideoCodec::hevc);
+    EXPECT_THAT(media.calls(), ElementsAre("makeWriter", "addVideoInput", "startWriting"));
 }
 
 TEST_F(ScreenCaptureServiceTest, frameThatComesWhileTheStreamStartsCounts) {
