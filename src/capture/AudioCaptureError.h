@@ -1,0 +1,30 @@
+#pragma once
+
+#include "capture/CaptureDeviceError.h"
+
+#include <string>
+
+namespace tavi {
+
+/// Why the microphone can't be warmed up.
+struct AudioCaptureError {
+    enum class Kind {
+        cannotAddInput,
+        cannotAddOutput,
+        system, ///< The device can't be opened; `reason` is a whole sentence.
+    };
+
+    Kind kind = Kind::cannotAddInput;
+    std::string reason;
+
+    static AudioCaptureError from(const CaptureDeviceError& error) {
+        return {Kind::system, error.description()};
+    }
+
+    /// One line for the user.
+    std::string description() const;
+
+    bool operator==(const AudioCaptureError&) const = default;
+};
+
+} // namespace tavi
