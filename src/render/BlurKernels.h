@@ -1,5 +1,6 @@
 #pragma once
 
+#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <span>
@@ -25,6 +26,17 @@ struct FourRows {
 void addBinomialRows(const FourRows<std::uint8_t>& rows, std::uint16_t* sums, std::size_t count);
 void plainAddBinomialRows(const FourRows<std::uint8_t>& rows, std::uint16_t* sums,
                           std::size_t count);
+
+/// Ten rows of a picture, from the top down, of the same length.
+struct TenRows {
+    std::array<const std::uint8_t*, 10> rows{};
+    std::array<const std::uint8_t*, 4> next{}; ///< Rows that are wanted next, fetched meanwhile.
+};
+
+/// What the filter 1 3 3 1 makes of rows twice, 1 3 6 10 12 12 10 6 3 1: sums of up
+/// to 64 * 255, exact.
+void addQuarterRows(const TenRows& rows, std::uint16_t* sums, std::size_t count);
+void plainAddQuarterRows(const TenRows& rows, std::uint16_t* sums, std::size_t count);
 
 /// Rows of samples up to 2^14 by 1 3 3 1, divided by 8, within one. The fast
 /// version gives the same numbers.

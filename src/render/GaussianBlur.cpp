@@ -17,6 +17,7 @@ constexpr double kLinearVariance = 1.0 / 6; // of linear interpolation, mean ove
 
 constexpr int kScale = 64; // a step of 8 bits in a level's samples
 constexpr int kMargin = 6; // pixels that 1 3 3 1 looks at beyond a level with its border, at most
+constexpr int kQuarterMargin = 14; // the same for the filter applied twice
 
 std::vector<float> gaussianKernel(double sigma) {
     const int reach = static_cast<int>(std::ceil(sigma * kKernelReach));
@@ -64,10 +65,12 @@ void GaussianBlur::blur(const SampleView& source, double sigma, BlurEdges edges)
     m_halvings = halvingsFor(deviation);
     if (m_halvings == 0) {
         load(source, m_level);
-    } else {
+    } else if (m_halvings == 1) {
         halveSource(source, m_level);
+    } else {
+        quarterSource(source, m_level);
     }
-    for (int i = 1; i < m_halvings; ++i) {
+    for (int i = 2; i < m_halvings; ++i) {
         halve(m_level, m_spare);
         std::swap(m_level, m_spare);
     }
@@ -117,6 +120,27 @@ void extendRow(std::uint16_t* row, std::size_t pixels, std::size_t channels, std
     }
 }
 
+/// The rows of a picture, and what a blur sees above and below them.
+class SourceRows {
+public:
+    SourceRows(const SampleView& source, BlurEdges edges)
+        : m_source(source),
+          m_nothing(edges == BlurEdges::transparent ? static_cast<std::size_t>(source.width) *
+                                                          static_cast<std::size_t>(source.channels)
+                                                    : 0) {}
+
+    const std::uint8_t* at(int y) const {
+        const int inside = std::clamp(y, 0, m_source.height - 1);
+        return inside == y || m_nothing.empty()
+                   ? m_source.data + m_source.stride * static_cast<std::size_t>(inside)
+                   : m_nothing.data();
+    }
+
+private:
+    SampleView m_source;
+    std::vector<std::uint8_t> m_nothing;
+};
+
 } // namespace
 
 void GaussianBlur::halveSource(const SampleView& source, Level& to) {
@@ -126,18 +150,11 @@ void GaussianBlur::halveSource(const SampleView& source, Level& to) {
     const std::size_t count = width * channels;
     const std::size_t margin = kMargin;
     m_row.assign(count + 2 * margin * channels, 0);
-    const std::vector<std::uint8_t> nothing(m_edges == BlurEdges::transparent ? count : 0);
-    const auto rowAt = [&](int y) {
-        const bool isInside = y >= 0 && y < source.height;
-        return !isInside && m_edges == BlurEdges::transparent
-                   ? nothing.data()
-                   : source.data + source.stride * static_cast<std::size_t>(
-                                                       std::clamp(y, 0, source.height - 1));
-    };
+    const SourceRows rows(source, m_edges);
     for (int y = -kBorder; y < to.height + kBorder; ++y) {
         std::uint16_t* row = m_row.data() + margin * channels;
-        addBinomialRows({rowAt(2 * y - 1), rowAt(2 * y), rowAt(2 * y + 1), rowAt(2 * y + 2),
-                         rowAt(2 * y + 3), rowAt(2 * y + 4)},
+        addBinomialRows({rows.at(2 * y - 1), rows.at(2 * y), rows.at(2 * y + 1), rows.at(2 * y + 2),
+                         rows.at(2 * y + 3), rows.at(2 * y + 4)},
                         row, count);
         if (m_edges == BlurEdges::extended) {
             extendRow(row, width, channels, margin);
@@ -146,6 +163,40 @@ void GaussianBlur::halveSource(const SampleView& source, Level& to) {
         halveRow(m_row.data() + start * channels,
                  to.samples.data() + to.stride * static_cast<std::size_t>(y + kBorder),
                  static_cast<std::size_t>(to.width + 2 * kBorder), channels, Halving::sum);
+    }
+}
+
+/// Halves twice: the large picture is read once, and nothing of half its size is
+/// kept.
+void GaussianBlur::quarterSource(const SampleView& source, Level& to) {
+    resize(to, (source.width + 3) / 4, (source.height + 3) / 4);
+    const auto channels = static_cast<std::size_t>(m_channels);
+    const auto width = static_cast<std::size_t>(source.width);
+    const auto pixels = static_cast<std::size_t>(to.width + 2 * kBorder);
+    const std::size_t halfPixels = 2 * pixels + 2; // what the second filter looks at
+    const std::size_t margin = kQuarterMargin;
+    m_row.assign((width + 2 * margin) * channels, 0);
+    m_halfRow.resize(halfPixels * channels);
+    const SourceRows rows(source, m_edges);
+    for (int y = -kBorder; y < to.height + kBorder; ++y) {
+        TenRows ten;
+        for (int i = 0; i < 10; ++i) {
+            ten.rows[static_cast<std::size_t>(i)] = rows.at(4 * y - 3 + i);
+        }
+        for (int i = 0; i < 4; ++i) {
+            ten.next[static_cast<std::size_t>(i)] = rows.at(4 * y + 7 + i);
+        }
+        std::uint16_t* row = m_row.data() + margin * channels;
+        addQuarterRows(ten, row, width * channels);
+        if (m_edges == BlurEdges::extended) {
+            extendRow(row, width, channels, margin);
+        }
+        const std::size_t start = margin - (4 * kBorder + 3);
+        halveRow(m_row.data() + start * channels, m_halfRow.data(), halfPixels, channels,
+                 Halving::average);
+        halveRow(m_halfRow.data(),
+                 to.samples.data() + to.stride * static_cast<std::size_t>(y + kBorder), pixels,
+                 channels, Halving::average);
     }
 }
 

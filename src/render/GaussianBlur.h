@@ -69,6 +69,7 @@ private:
     void load(const SampleView& source, Level& level) const;
     void halve(const Level& from, Level& to);
     void halveSource(const SampleView& source, Level& to);
+    void quarterSource(const SampleView& source, Level& to);
     void convolve(Level& level, double sigma);
     void resize(Level& level, int width, int height) const;
     std::vector<PixelPlace> placesOn(const AxisMapping& mapping, int begin, int end,
@@ -82,6 +83,7 @@ private:
     Level m_level;
     Level m_spare;
     std::vector<std::uint16_t> m_row; ///< One row with room for the filter at both ends.
+    std::vector<std::uint16_t> m_halfRow;
     std::vector<float> m_convolved;
     std::vector<float> m_line;
     PixelBounds m_pixels;

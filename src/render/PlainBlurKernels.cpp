@@ -32,6 +32,16 @@ void plainAddBinomialRows(const FourRows<std::uint8_t>& rows, std::uint16_t* sum
     }
 }
 
+void plainAddQuarterRows(const TenRows& rows, std::uint16_t* sums, std::size_t count) {
+    const auto pair = [&](std::size_t row, std::size_t i) {
+        return unsigned{rows.rows[row][i]} + rows.rows[9 - row][i];
+    };
+    for (std::size_t i = 0; i < count; ++i) {
+        sums[i] = static_cast<std::uint16_t>(pair(0, i) + 3 * pair(1, i) + 6 * pair(2, i) +
+                                             10 * pair(3, i) + 12 * pair(4, i));
+    }
+}
+
 void plainAverageBinomialRows(const FourRows<std::uint16_t>& rows, std::uint16_t* out,
                               std::size_t count) {
     for (std::size_t i = 0; i < count; ++i) {

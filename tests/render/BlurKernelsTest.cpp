@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <random>
 #include <vector>
@@ -54,6 +55,45 @@ void compareFourRows(Fast fast, Plain plain, unsigned largest) {
 
 TEST(BlurKernels, sumsOfRowsAreThoseOfThePlainVersion) {
     compareFourRows<std::uint8_t>(addBinomialRows, plainAddBinomialRows, 255);
+}
+
+TEST(BlurKernels, quartersOfRowsAreThoseOfThePlainVersion) {
+    test::forEachVectorTarget([] {
+        std::mt19937 random(27);
+        for (std::size_t count = 1; count <= kLongestRow; ++count) {
+            std::vector<RandomRow<std::uint8_t>> samples;
+            TenRows rows;
+            for (std::size_t i = 0; i < rows.rows.size(); ++i) {
+                samples.emplace_back(count, 255, random);
+                rows.rows[i] = samples.back().data();
+            }
+            std::vector<std::uint16_t> found(count + 1, 0xBEEF);
+            std::vector<std::uint16_t> expected = found;
+            addQuarterRows(rows, found.data(), count);
+            plainAddQuarterRows(rows, expected.data(), count);
+            ASSERT_EQ(found, expected) << count << " samples";
+        }
+    });
+}
+
+TEST(BlurKernels, quartersOfRowsAreWhatTheBinomialFilterMakesOfThemTwice) {
+    std::mt19937 random(28);
+    for (int i = 0; i < 1000; ++i) {
+        std::array<std::uint8_t, 10> column{};
+        std::generate(column.begin(), column.end(), [&] { return random() % 256; });
+        std::array<std::uint16_t, 4> halves{};
+        TenRows rows;
+        for (std::size_t y = 0; y < column.size(); ++y) {
+            rows.rows[y] = &column[y];
+        }
+        for (std::size_t y = 0; y < halves.size(); ++y) {
+            const std::uint8_t* first = &column[2 * y];
+            plainAddBinomialRows({first, first + 1, first + 2, first + 3}, &halves[y], 1);
+        }
+        std::uint16_t found = 0;
+        plainAddQuarterRows(rows, &found, 1);
+        ASSERT_EQ(found, halves[0] + 3 * halves[1] + 3 * halves[2] + halves[3]);
+    }
 }
 
 TEST(BlurKernels, averagesOfRowsAreThoseOfThePlainVersion) {
