@@ -7,6 +7,7 @@ extern "C" {
 #include <libavutil/imgutils.h>
 }
 
+#include <algorithm>
 #include <cerrno>
 #include <filesystem>
 #include <utility>
@@ -20,6 +21,9 @@ constexpr int kSurfaces = 8;
 
 /// Bytes that rows of pictures are aligned to, as the vectors of all parties like it.
 constexpr int kAlignment = 64;
+
+/// Pictures that one may come late by where B pictures refer to each other.
+constexpr int kMostReordering = 2;
 
 /// The first graphics device that can compute without a display; empty when
 /// the machine has none.
@@ -74,7 +78,10 @@ int VideoEncoder::openCodec(const VideoSettings& settings, int timescale) {
             return code;
         }
     }
-    return avcodec_open2(m_codec.get(), codec, options.address());
+    const int code = avcodec_open2(m_codec.get(), codec, options.address());
+    m_interval = timescale / std::max(settings.expectedFrameRate, 1);
+    m_reordering = m_codec->max_b_frames > 0 ? std::max(m_codec->has_b_frames, kMostReordering) : 0;
+    return code;
 }
 
 /// Makes the device and the surfaces that pictures are uploaded to.
@@ -155,7 +162,23 @@ int VideoEncoder::drain(const Sink& sink) {
     return send(nullptr, sink);
 }
 
+/// When the next packet is decoded: the packets take the pictures' own times in their
+/// order, as many pictures late as they may be reordered by. The encoder's word doesn't
+/// count: libx265 leaves it undefined in a film of one picture.
+std::int64_t VideoEncoder::nextDecodingTime() {
+    const std::int64_t n = m_packets++;
+    if (n < m_reordering) {
+        return m_times.front() - (m_reordering - n) * m_interval;
+    }
+    const std::int64_t time = m_times.front();
+    m_times.pop_front();
+    return time;
+}
+
 int VideoEncoder::send(AVFrame* frame, const Sink& sink) {
+    if (frame) {
+        m_times.push_back(frame->pts);
+    }
     int code = avcodec_send_frame(m_codec.get(), frame);
     while (code >= 0) {
         code = avcodec_receive_packet(m_codec.get(), m_packet.get());
@@ -163,8 +186,7 @@ int VideoEncoder::send(AVFrame* frame, const Sink& sink) {
             return 0;
         }
         if (code >= 0) {
-            // Pictures are coded in their order. libx265 leaves this undefined in a film of one.
-            m_packet->dts = m_packet->pts;
+            m_packet->dts = nextDecodingTime();
             code = sink(*m_packet);
             av_packet_unref(m_packet.get());
         }

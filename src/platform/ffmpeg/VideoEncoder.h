@@ -5,6 +5,7 @@
 #include "platform/ffmpeg/EncoderSettings.h"
 #include "platform/ffmpeg/PixelConversion.h"
 
+#include <deque>
 #include <functional>
 #include <memory>
 #include <string>
@@ -47,6 +48,7 @@ private:
     int openCodec(const VideoSettings& settings, int timescale);
     int openDevice();
     FrameHandle makeFrame();
+    std::int64_t nextDecodingTime();
     int send(AVFrame* frame, const Sink& sink);
     int upload(const AVFrame& frame, const Sink& sink);
 
@@ -56,6 +58,10 @@ private:
     BufferPoolHandle m_memory; ///< Of converted pictures.
     PacketHandle m_packet{av_packet_alloc()};
     PictureEncoding m_conversion;
+    std::int64_t m_interval = 1;      ///< Ticks from one picture to the next, nominally.
+    std::int64_t m_reordering = 0;    ///< Pictures that decoding is ahead by.
+    std::int64_t m_packets = 0;       ///< That came so far.
+    std::deque<std::int64_t> m_times; ///< Of pictures whose time no packet has taken yet.
 };
 
 } // namespace tavi

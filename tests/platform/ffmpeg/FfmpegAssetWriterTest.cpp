@@ -228,12 +228,15 @@ TEST(FfmpegAssetWriter, theLastPictureLastsUntilTheSessionEnds) {
         const fs::path file = freshPath("ended.mov");
         const Writing writing(file, type);
         writing.writer->startSession({7, 1});
-        EXPECT_TRUE(writing.append(numbered(1), {7, 1}));
-        EXPECT_TRUE(writing.append(numbered(2), {8, 1}));
+        for (int n = 0; n < 60; ++n) {
+            EXPECT_TRUE(writing.append(numbered(n), {7 * 60 + n, 60}));
+        }
         writing.writer->endSession({25, 2});
         ASSERT_TRUE(writing.writer->finishWriting());
         EXPECT_EQ(mediaLibrary().openAsset(file)->duration, (MediaTime{55, 10}));
-        EXPECT_EQ(mediaLibrary().openAsset(file)->videoTracks.front().end, (MediaTime{55, 10}));
+        // Where pictures are reordered the track's own length is rounded to one of them.
+        EXPECT_NEAR(mediaLibrary().openAsset(file)->videoTracks.front().end.seconds(), 5.5,
+                    2 / 60.0);
         EXPECT_EQ(readNumbers(file, 4, 5.4).size(), 1U);
     }
 }
