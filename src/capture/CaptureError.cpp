@@ -26,6 +26,7 @@ std::string CaptureError::description() const {
     case Kind::connectionLost:
         return withDetail("The display server ended the connection", detail);
     case Kind::writer:
+    case Kind::camera:
         return detail;
     }
     return detail;

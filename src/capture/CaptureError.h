@@ -13,6 +13,7 @@ struct CaptureError {
         sourceGone,        ///< The chosen display or window is not there (any more).
         connectionLost,    ///< The display server went away during the take.
         writer,            ///< The file can't be made or written; `detail` is a whole sentence.
+        camera,            ///< The camera can't be recorded; `detail` is a whole sentence.
     };
 
     Kind kind = Kind::noWindowSystem;

@@ -5,11 +5,22 @@
 #include "project/RecordingMetadata.h"
 #include "project/RecordingMetadataJson.h"
 
+#include <algorithm>
+#include <cassert>
 #include <cmath>
 #include <fstream>
 #include <limits>
 
 namespace tavi {
+
+namespace {
+
+bool isReady(const TakeDevices& devices) {
+    return devices.audioWarmUpService &&
+           devices.audioWarmUpService->state() == AudioCaptureService::State::ready;
+}
+
+} // namespace
 
 TakeRecorder::TakeRecorder(TakePorts ports)
     : m_ports(std::move(ports)),
@@ -21,8 +32,37 @@ TakeRecorder::~TakeRecorder() {
 
 Result<void, CaptureError> TakeRecorder::start(const Display& display,
                                                const std::filesystem::path& library) {
+    TakeDevices none;
+    return start(display, library, none);
+}
+
+Result<void, CaptureError> TakeRecorder::start(const Display& display,
+                                               const std::filesystem::path& library,
+                                               TakeDevices& devices) {
+    m_folder = makeRecordingFolder(library, m_ports.tracking.clock.now());
+    std::optional<AudioSettings> audioSettings;
+    if (isReady(devices)) {
+        audioSettings = devices.audioWarmUpService->audioDataOutput()->recommendedAudioSettings();
+    }
+    if (auto started = startScreen(display, audioSettings); !started) {
+        return started;
+    }
+    if (devices.camera) {
+        if (auto started = startCamera(devices); !started) {
+            return started;
+        }
+    } else {
+        startMicrophone(devices);
+    }
+    m_cursorTrackingService->startTracking();
+    m_isRecording = true;
+    return {};
+}
+
+Result<void, CaptureError>
+TakeRecorder::startScreen(const Display& display,
+                          const std::optional<AudioSettings>& audioSettings) {
     const Clock& clock = m_ports.tracking.clock;
-    m_folder = makeRecordingFolder(library, clock.now());
     m_capturedWidth = display.width;
     m_capturedHeight = display.height;
     m_cursorTrackingService =
@@ -35,14 +75,49 @@ Result<void, CaptureError> TakeRecorder::start(const Display& display,
         m_cursorTrackingService->setStartDate(now);
         m_recordingStartDate = now.sinceReference;
     };
-    auto started = m_screenCaptureService->startCapture(ScreenFilter{display.id}, display.width,
-                                                        display.height, m_folder / take::kVideo);
+    return m_screenCaptureService->startCapture(ScreenFilter{display.id}, display.width,
+                                                display.height, m_folder / take::kVideo,
+                                                {.audioSettings = audioSettings});
+}
+
+Result<void, CaptureError> TakeRecorder::startCamera(TakeDevices& devices) {
+    assert(m_ports.captureSessions != nullptr);
+    auto service = std::make_unique<CameraCaptureService>(*m_ports.captureSessions, m_ports.media,
+                                                          m_ports.tracking.clock);
+    const auto microphone = moveMicrophone(devices);
+    const auto started =
+        service->startCapture(*devices.camera, m_folder / take::kCamera, microphone);
     if (!started) {
-        return started;
+        return fail(CaptureError{CaptureError::Kind::camera, started.error().description()});
     }
-    m_cursorTrackingService->startTracking();
-    m_isRecording = true;
+    m_cameraCaptureService = std::move(service);
     return {};
+}
+
+/// Ends the warm-up, so that the microphone can join the camera's session.
+std::optional<CameraMicrophone> TakeRecorder::moveMicrophone(TakeDevices& devices) {
+    AudioWriterInput* input = m_screenCaptureService->audioWriterInput();
+    if (!isReady(devices) || input == nullptr) {
+        return std::nullopt;
+    }
+    const std::uint32_t bits = devices.audioWarmUpService->lastSeenBitsPerChannel();
+    devices.audioWarmUpService->stopAudio();
+    devices.audioWarmUpService.reset();
+    if (!devices.microphone) {
+        return std::nullopt;
+    }
+    return CameraMicrophone{*devices.microphone, *input, bits};
+}
+
+void TakeRecorder::startMicrophone(TakeDevices& devices) {
+    // There is an input only if the warm-up was ready.
+    AudioWriterInput* input = m_screenCaptureService->audioWriterInput();
+    if (input == nullptr) {
+        return;
+    }
+    m_audioCaptureService = std::move(devices.audioWarmUpService);
+    m_audioCaptureService->startRecording(
+        *input, [screen = m_screenCaptureService.get()] { return screen->sessionStarted(); });
 }
 
 void TakeRecorder::tick() {
@@ -56,12 +131,47 @@ std::optional<std::filesystem::path> TakeRecorder::stop() {
         return std::nullopt;
     }
     m_cursorTrackingService->stopTracking();
+    const DeviceFacts facts = deviceFacts();
+    stopDevices();
     m_screenCaptureService->stopCapture();
     writeCursorImages();
-    writeMetadata();
+    writeMetadata(facts);
     m_isRecording = false;
     m_elapsedTime = 0;
     return m_folder;
+}
+
+TakeRecorder::DeviceFacts TakeRecorder::deviceFacts() const {
+    DeviceFacts facts;
+    facts.hasCamera = m_cameraCaptureService != nullptr;
+    facts.hasAudio =
+        m_audioCaptureService || (facts.hasCamera && m_cameraCaptureService->hasAudio());
+    const auto screenStart = m_screenCaptureService->sessionStartTime();
+    const auto cameraStart =
+        facts.hasCamera ? m_cameraCaptureService->firstSampleHostTime() : std::nullopt;
+    if (screenStart && cameraStart) {
+        facts.cameraStartDelay = std::max((*cameraStart - *screenStart).seconds(), 0.0);
+    }
+    return facts;
+}
+
+/// The screen's file comes last, since both write into it.
+void TakeRecorder::stopDevices() {
+    if (m_audioCaptureService) {
+        m_audioCaptureService->stopAudio();
+        m_audioCaptureService.reset();
+    }
+    if (m_cameraCaptureService) {
+        m_cameraCaptureService->stopCapture();
+        m_cameraCaptureService.reset();
+    }
+}
+
+std::optional<CaptureDeviceError> TakeRecorder::interruption() const {
+    if (m_cameraCaptureService) {
+        return m_cameraCaptureService->interruption();
+    }
+    return m_audioCaptureService ? m_audioCaptureService->interruption() : std::nullopt;
 }
 
 std::optional<CaptureError> TakeRecorder::failure() const {
@@ -92,7 +202,7 @@ void TakeRecorder::writeCursorImages() const {
     }
 }
 
-void TakeRecorder::writeMetadata() const {
+void TakeRecorder::writeMetadata(const DeviceFacts& facts) const {
     RecordingMetadata metadata;
     metadata.startDate = recordingStartDate().value_or(m_ports.tracking.clock.now());
     metadata.duration = m_elapsedTime;
@@ -100,6 +210,9 @@ void TakeRecorder::writeMetadata() const {
     metadata.screenHeight = m_capturedHeight;
     metadata.cursorEvents = m_cursorTrackingService->events();
     metadata.cursorImageInfos = m_cursorTrackingService->cursorImageInfos();
+    metadata.hasCameraRecording = facts.hasCamera;
+    metadata.hasAudioRecording = facts.hasAudio;
+    metadata.cameraStartDelay = facts.cameraStartDelay;
     if (const auto json = encodeRecordingMetadata(metadata)) {
         std::ofstream(m_folder / take::kMetadata, std::ios::binary) << *json;
     }

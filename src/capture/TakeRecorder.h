@@ -1,5 +1,8 @@
 #pragma once
 
+#include "capture/AudioCaptureService.h"
+#include "capture/CameraCaptureService.h"
+#include "capture/CaptureSession.h"
 #include "capture/CursorTrackingService.h"
 #include "capture/ScreenCaptureService.h"
 #include "capture/ShareableContent.h"
@@ -18,6 +21,17 @@ struct TakePorts {
     MediaLibrary& media;
     ImageFiles& imageFiles;
     CursorTrackingPorts tracking;
+    CaptureSessions* captureSessions = nullptr; ///< Null: there are no cameras.
+};
+
+/// What a take records besides the screen.
+struct TakeDevices {
+    std::optional<CaptureDevice> camera;
+    std::optional<CaptureDevice> microphone; ///< The one that was warmed up.
+    /// The take has sound only if this is ready when it starts. The take then
+    /// takes it away, to record with it or to free the microphone for the camera's session; a
+    /// warm-up that is not ready stays here as it is.
+    std::unique_ptr<AudioCaptureService> audioWarmUpService;
 };
 
 /// Conducts one take of a display: its folder, the order in which the services
@@ -37,8 +51,16 @@ public:
     TakeRecorder(const TakeRecorder&) = delete;
     TakeRecorder& operator=(const TakeRecorder&) = delete;
 
-    /// Makes the take's folder in `library` and starts recording the display.
-    /// An error leaves the folder empty. Blocks while the encoder is chosen.
+    /// Makes the take's folder in `library` and starts recording the display
+    /// and the devices. Blocks while the encoders are chosen and the camera is opened.
+    ///
+    /// Errors: a screen that can't be recorded leaves the folder empty.
+    ///         Kept on purpose: a camera that can't be recorded does not stop the screen, which
+    ///         goes on, for no take, until the recorder is destroyed.
+    Result<void, CaptureError> start(const Display& display, const std::filesystem::path& library,
+                                     TakeDevices& devices);
+
+    /// The same without devices.
     Result<void, CaptureError> start(const Display& display, const std::filesystem::path& library);
 
     /// Brings elapsedTime() up to date.
@@ -58,17 +80,38 @@ public:
     /// owner then calls stop(), which saves what there is.
     std::optional<CaptureError> failure() const;
 
+    /// Why the camera or the microphone sends nothing now, which ends no take;
+    /// absent while all is well.
+    std::optional<CaptureDeviceError> interruption() const;
+
     std::uint64_t appendedFrames() const;
     std::uint64_t droppedFrames() const;
 
 private:
+    /// What the metadata tells of the devices.
+    struct DeviceFacts {
+        bool hasCamera = false;
+        bool hasAudio = false;
+        double cameraStartDelay = 0; ///< Seconds.
+    };
+
+    Result<void, CaptureError> startScreen(const Display& display,
+                                           const std::optional<AudioSettings>& audioSettings);
+    Result<void, CaptureError> startCamera(TakeDevices& devices);
+    std::optional<CameraMicrophone> moveMicrophone(TakeDevices& devices);
+    void startMicrophone(TakeDevices& devices);
+    DeviceFacts deviceFacts() const;
+    void stopDevices();
     std::optional<Date> recordingStartDate() const;
     void writeCursorImages() const;
-    void writeMetadata() const;
+    void writeMetadata(const DeviceFacts& facts) const;
 
     TakePorts m_ports;
     std::unique_ptr<CursorTrackingService> m_cursorTrackingService;
     std::unique_ptr<ScreenCaptureService> m_screenCaptureService;
+    // Both write into the screen's file.
+    std::unique_ptr<AudioCaptureService> m_audioCaptureService;
+    std::unique_ptr<CameraCaptureService> m_cameraCaptureService;
     std::filesystem::path m_folder;
     bool m_isRecording = false;
     double m_elapsedTime = 0;
