@@ -60,7 +60,6 @@ void GaussianBlur::blur(const SampleView& source, double sigma, BlurEdges edges)
     m_sourceWidth = source.width;
     m_sourceHeight = source.height;
     m_edges = edges;
-    m_mixedRow = kNoRow;
     const double deviation = sigma > 0 ? std::min(sigma, kLargestSigma) : 0;
     m_halvings = halvingsFor(deviation);
     if (m_halvings == 0) {
@@ -288,7 +287,6 @@ void GaussianBlur::begin(const AxisMapping& columns, const AxisMapping& rows,
     m_columns = placesOn(columns, pixels.left, pixels.right, m_level.width);
     m_rows = placesOn(rows, pixels.top, pixels.bottom, m_level.height);
     m_mixed.resize(m_level.stride);
-    m_mixedRow = kNoRow;
 }
 
 void GaussianBlur::begin() {
@@ -299,18 +297,20 @@ void GaussianBlur::begin() {
 }
 
 void GaussianBlur::writeRow(int y, int left, int right, std::uint8_t* out) {
-    if (m_mixedRow != y) {
-        const PixelPlace& place = m_rows[static_cast<std::size_t>(y - m_pixels.top)];
-        const std::uint16_t* row =
-            m_level.samples.data() + m_level.stride * static_cast<std::size_t>(place.first);
-        mixSamples(row, row + m_level.stride, place.fraction, m_mixed.data(), m_level.stride);
-        m_mixedRow = y;
+    if (left >= right) {
+        return;
     }
-    if (left < right) {
-        mixPixels(m_mixed.data(), m_columns.data() + (left - m_pixels.left),
-                  static_cast<std::size_t>(right - left), static_cast<std::size_t>(m_channels),
-                  out);
-    }
+    const auto count = static_cast<std::size_t>(right - left);
+    const auto channels = static_cast<std::size_t>(m_channels);
+    const PixelPlace* columns = m_columns.data() + (left - m_pixels.left);
+    const PixelPlace& row = m_rows[static_cast<std::size_t>(y - m_pixels.top)];
+    const auto first = static_cast<std::size_t>(columns[0].first) * channels;
+    const auto end = static_cast<std::size_t>(columns[count - 1].first + 2) * channels;
+    const std::uint16_t* above =
+        m_level.samples.data() + m_level.stride * static_cast<std::size_t>(row.first);
+    mixSamples(above + first, above + m_level.stride + first, row.fraction, m_mixed.data() + first,
+               end - first);
+    mixPixels(m_mixed.data(), columns, count, channels, out);
 }
 
 void gaussianBlur(ImageView dst, ConstImageView src, double sigma, BlurEdges edges) {

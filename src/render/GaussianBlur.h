@@ -5,7 +5,6 @@
 #include "render/ImageView.h"
 
 #include <cstdint>
-#include <limits>
 #include <vector>
 
 namespace tavi {
@@ -64,7 +63,6 @@ private:
     };
 
     static constexpr int kBorder = 2;
-    static constexpr int kNoRow = std::numeric_limits<int>::min();
 
     void load(const SampleView& source, Level& level) const;
     void halve(const Level& from, Level& to);
@@ -89,8 +87,7 @@ private:
     PixelBounds m_pixels;
     std::vector<PixelPlace> m_columns; ///< Target pixels on the last level with its border.
     std::vector<PixelPlace> m_rows;
-    std::vector<std::uint16_t> m_mixed; ///< Two rows of the last level, interpolated.
-    int m_mixedRow = kNoRow;            ///< The target row that m_mixed is for.
+    std::vector<std::uint16_t> m_mixed; ///< The part in use of a row between two of the last level.
 };
 
 /// Blurs one picture of four channels into another of the same size. The two may
