@@ -31,7 +31,7 @@ Mix premultiplied(const CodableColor& color) {
 
 void store(const Mix& mix, std::uint8_t* pixel) {
     for (std::size_t c = 0; c < mix.size(); ++c) {
-        pixel[c] = static_cast<std::uint8_t>(mix[c] + 0.5);
+        pixel[c] = static_cast<std::uint8_t>(std::lround(mix[c]));
     }
     pixel[3] = 255;
 }

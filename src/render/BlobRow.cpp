@@ -95,7 +95,7 @@ void plainDrawBlobRow(const BlobRow& row, std::uint8_t* out, int begin, int end)
         }
         std::uint8_t* pixel = out + std::ptrdiff_t{4} * x;
         for (std::size_t c = 0; c < mix.size(); ++c) {
-            pixel[c] = static_cast<std::uint8_t>(mix[c] + 0.5F);
+            pixel[c] = static_cast<std::uint8_t>(std::lround(mix[c]));
         }
         pixel[3] = 255;
     }

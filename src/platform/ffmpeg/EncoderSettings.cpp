@@ -48,7 +48,7 @@ struct LookAhead {
 };
 
 /// From here on every picture in memory counts: 35 MB each at 4K.
-constexpr std::int64_t kLargePicture = 3840 * 2160;
+constexpr std::int64_t kLargePicture = std::int64_t{3840} * 2160;
 
 LookAhead lookAheadFor(const VideoSettings& settings) {
     const bool isLarge = std::int64_t{settings.width} * settings.height >= kLargePicture;

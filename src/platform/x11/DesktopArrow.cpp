@@ -30,10 +30,11 @@ PixelRect drawnArea(const PixelBuffer& image) {
 
 PixelBufferPtr cutOut(const PixelBuffer& image, const PixelRect& area) {
     auto part = std::make_shared<PixelBuffer>(area.width, area.height);
-    const std::size_t bytes = static_cast<std::size_t>(area.width) * PixelBuffer::kBytesPerPixel;
+    const auto bytesOf = [](int pixels) {
+        return static_cast<std::size_t>(pixels) * PixelBuffer::kBytesPerPixel;
+    };
     for (int y = 0; y < area.height; ++y) {
-        std::memcpy(part->row(y), image.row(area.y + y) + area.x * PixelBuffer::kBytesPerPixel,
-                    bytes);
+        std::memcpy(part->row(y), image.row(area.y + y) + bytesOf(area.x), bytesOf(area.width));
     }
     return part;
 }
