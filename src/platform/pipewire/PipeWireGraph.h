@@ -1,0 +1,125 @@
+#pragma once
+
+#include <chrono>
+#include <cstdint>
+#include <functional>
+#include <map>
+#include <pipewire/extensions/metadata.h>
+#include <pipewire/pipewire.h>
+#include <string>
+
+namespace tavi {
+
+/// A device or a stream, as the daemon announces it.
+struct PipeWireNode {
+    std::uint32_t id = 0;
+    std::string serial;      ///< Never used twice while the daemon runs.
+    std::string name;        ///< The same when the device was plugged in again.
+    std::string description; ///< For users; never empty.
+    std::string mediaClass;  ///< "Audio/Source", "Video/Source", ...
+};
+
+/// A connection to the PipeWire daemon, and the nodes there as they come and go.
+///
+/// Runs a thread of its own, on which the observer is called with the lock held; that thread
+/// sleeps while nothing happens. A daemon that isn't there or went away is asked for again once a
+/// second. The environment says which daemon: PIPEWIRE_RUNTIME_DIR, XDG_RUNTIME_DIR,
+/// PIPEWIRE_REMOTE.
+class PipeWireGraph {
+public:
+    class Observer {
+    public:
+        virtual void nodeAdded(const PipeWireNode&) {}
+        virtual void nodeRemoved(const PipeWireNode&) {}
+        virtual void defaultsChanged() {}
+        /// The answer to sync() of that number.
+        virtual void synced(int) {}
+        /// Everything made with core() and registry() is to be let go, now. Follows on no
+        /// nodeRemoved().
+        virtual void connectionLost() {}
+
+    protected:
+        ~Observer() = default;
+    };
+
+    /// Holds the thread off while it lives. May be nested.
+    class Lock {
+    public:
+        explicit Lock(const PipeWireGraph& graph) : m_loop(graph.m_loop) {
+            pw_thread_loop_lock(m_loop);
+        }
+        ~Lock() { pw_thread_loop_unlock(m_loop); }
+        Lock(const Lock&) = delete;
+        Lock& operator=(const Lock&) = delete;
+
+    private:
+        pw_thread_loop* m_loop;
+    };
+
+    /// How long a daemon may take to answer.
+    static constexpr std::chrono::milliseconds kPatience{1500};
+
+    /// `threadName` is cut to 15 bytes. Nothing runs yet. `observer` outlives the graph or stop().
+    PipeWireGraph(const char* threadName, Observer& observer);
+    ~PipeWireGraph();
+    PipeWireGraph(const PipeWireGraph&) = delete;
+    PipeWireGraph& operator=(const PipeWireGraph&) = delete;
+
+    /// Starts the thread if it isn't running, connects if there is no connection, and waits until
+    /// all nodes and defaults are known: false when the daemon does not answer. Not on the
+    /// graph's thread, without its lock.
+    bool connect();
+
+    /// Ends the thread: the observer is not called any more. For good.
+    void stop();
+
+    /// With the lock held: waits until `condition` holds, which is asked after each signal();
+    /// false when it didn't within the patience. Not on the graph's thread.
+    bool waitUntil(const std::function<bool()>& condition);
+
+    /// All that follows: with the lock held, or on the thread.
+    void signal() { pw_thread_loop_signal(m_loop, false); }
+    pw_loop* loop() const { return pw_thread_loop_get_loop(m_loop); }
+    pw_core* core() const { return m_core; }
+    pw_registry* registry() const { return m_registry; }
+    bool isReady() const { return m_isReady; } ///< Connected, all nodes known.
+    const std::map<std::uint32_t, PipeWireNode>& nodes() const { return m_nodes; }
+    /// Null when there is none. Of several, the newest.
+    const PipeWireNode* nodeNamed(const std::string& name) const;
+    /// The name of the node that a default's key ("default.audio.source") stands for; may be empty.
+    std::string defaultNode(const std::string& key) const;
+    /// Asks the daemon for an answer after all it was asked before; the number of that answer.
+    int sync() { return pw_core_sync(m_core, PW_ID_CORE, 0); }
+
+private:
+    struct Callbacks;
+
+    void openCore();
+    void closeCore();
+    void retryLater();
+    void globalAdded(std::uint32_t id, const char* type, const spa_dict& properties);
+    void followMetadata(std::uint32_t id);
+    void defaultChanged(const char* key, const char* value);
+
+    Observer& m_observer;
+    pw_thread_loop* m_loop;
+    pw_context* m_context = nullptr;
+    spa_source* m_timer = nullptr; ///< To let go of a dead connection, then to try another one.
+    bool m_isRunning = false;
+
+    pw_core* m_core = nullptr;
+    pw_registry* m_registry = nullptr;
+    pw_proxy* m_metadata = nullptr;
+    std::uint32_t m_metadataId = 0;
+    spa_hook m_coreHook{};
+    spa_hook m_registryHook{};
+    spa_hook m_metadataHook{};
+    int m_readySync = -1; ///< Its answer ends a step of getting to know everything.
+    int m_readySteps = 0;
+    bool m_isReady = false;
+    bool m_isLost = false;
+    std::map<std::uint32_t, PipeWireNode> m_nodes;
+    std::map<std::string, std::string> m_defaults; ///< Node names by key.
+};
+
+} // namespace tavi

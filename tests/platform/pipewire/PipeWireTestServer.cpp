@@ -1,0 +1,122 @@
+#include "platform/pipewire/PipeWireTestServer.h"
+
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <csignal>
+#include <cstdlib>
+#include <fcntl.h>
+#include <sys/prctl.h>
+#include <sys/wait.h>
+#include <thread>
+#include <unistd.h>
+
+namespace tavi::test {
+
+namespace {
+
+constexpr const char* kPlace = "PIPEWIRE_RUNTIME_DIR";
+
+void end(pid_t& pid) {
+    if (pid > 0) {
+        kill(pid, SIGKILL);
+        waitpid(pid, nullptr, 0);
+        pid = 0;
+    }
+}
+
+} // namespace
+
+bool waitFor(const std::function<bool()>& condition, double seconds) {
+    const auto end = std::chrono::steady_clock::now() + std::chrono::duration<double>(seconds);
+    while (!condition()) {
+        if (std::chrono::steady_clock::now() > end) {
+            return false;
+        }
+        std::this_thread::sleep_for(std::chrono::milliseconds(5));
+    }
+    return true;
+}
+
+PipeWireTestServer::PipeWireTestServer() {
+    setenv(kPlace, m_folder.path().c_str(), 1);
+    start();
+}
+
+PipeWireTestServer::~PipeWireTestServer() {
+    die();
+    unsetenv(kPlace);
+}
+
+void PipeWireTestServer::start() {
+    m_bus = launch("dbus-daemon", {"--session", "--nofork", "--nopidfile",
+                                   "--address=unix:path=" + (m_folder / "bus").string()});
+    EXPECT_TRUE(waitFor([this] { return std::filesystem::exists(m_folder / "bus"); }))
+        << "dbus-daemon does not start";
+    m_daemon = launch("pipewire");
+    EXPECT_TRUE(waitFor([this] { return std::filesystem::exists(m_folder / "pipewire-0"); }))
+        << "pipewire does not start";
+    m_manager = launch("wireplumber");
+    // The session manager owns the defaults: it is ready when they are there.
+    EXPECT_TRUE(waitFor([] {
+        return std::system("pw-metadata -n default 2>/dev/null | grep -q Found") == 0;
+    })) << "wireplumber does not start";
+}
+
+void PipeWireTestServer::die() {
+    end(m_daemon);
+    end(m_manager);
+    end(m_bus);
+    std::error_code ignored;
+    std::filesystem::remove(m_folder / "bus", ignored);
+    std::filesystem::remove(m_folder / "pipewire-0", ignored);
+}
+
+void PipeWireTestServer::freeze(bool isFrozen) const {
+    kill(m_daemon, isFrozen ? SIGSTOP : SIGCONT);
+}
+
+bool PipeWireTestServer::chooseDefaultSource(const std::string& name) {
+    const std::string command =
+        "pw-metadata -n default 0 default.configured.audio.source '{\"name\":\"" + name +
+        "\"}' Spa:String:JSON >/dev/null";
+    return std::system(command.c_str()) == 0;
+}
+
+pid_t PipeWireTestServer::launch(const char* program, std::vector<std::string> arguments) const {
+    arguments.insert(arguments.begin(), program);
+    std::vector<char*> raw;
+    for (auto& argument : arguments) {
+        raw.push_back(argument.data());
+    }
+    raw.push_back(nullptr);
+    const pid_t pid = fork();
+    if (pid != 0) {
+        return pid;
+    }
+    prctl(PR_SET_PDEATHSIG, SIGKILL);
+    const std::string place = m_folder.path();
+    for (const char* variable : {"XDG_RUNTIME_DIR", "HOME", "XDG_CONFIG_HOME", "XDG_STATE_HOME",
+                                 "XDG_CACHE_HOME", "XDG_DATA_HOME"}) {
+        setenv(variable, place.c_str(), 1);
+    }
+    const std::string bus = "unix:path=" + place + "/bus";
+    setenv("DBUS_SESSION_BUS_ADDRESS", bus.c_str(), 1);
+    setenv("DBUS_SYSTEM_BUS_ADDRESS", bus.c_str(), 1);
+    const std::string log = place + "/" + program + ".log";
+    const int file = open(log.c_str(), O_WRONLY | O_CREAT | O_APPEND, 0600);
+    dup2(file, STDOUT_FILENO);
+    dup2(file, STDERR_FILENO);
+    execvp(program, raw.data());
+    _exit(127);
+}
+
+NoPipeWire::NoPipeWire() {
+    setenv(kPlace, m_folder.path().c_str(), 1);
+}
+
+NoPipeWire::~NoPipeWire() {
+    unsetenv(kPlace);
+}
+
+} // namespace tavi::test
