@@ -15,6 +15,9 @@ namespace {
 constexpr int kChannels = PixelBuffer::kBytesPerPixel;
 constexpr double kLargestSide = 16384;
 
+/// How many rows ahead of the one drawn their memory is fetched.
+constexpr int kRowsAhead = 4;
+
 /// Deviations of a shadow's blur that are drawn to each side.
 constexpr double kShadowReach = 3.0;
 
@@ -67,6 +70,17 @@ private:
 
 std::ptrdiff_t bytes(int pixels) {
     return static_cast<std::ptrdiff_t>(pixels) * kChannels;
+}
+
+/// Begins to fetch the pixels of a row, which is about to be needed. Of the strips
+/// beside the content processors don't foresee it.
+void fetchPixels(const std::uint8_t* row, int left, int right) {
+#if defined(__GNUC__)
+    constexpr std::ptrdiff_t kCacheLine = 64;
+    for (std::ptrdiff_t i = bytes(left); i < bytes(right); i += kCacheLine) {
+        __builtin_prefetch(row + i);
+    }
+#endif
 }
 
 } // namespace
@@ -330,7 +344,10 @@ void BackgroundRenderer::drawBehind(const Shadow* shadow, int y, int left, int r
     if (right <= left) {
         return;
     }
+    const int ahead = std::min(y + kRowsAhead, m_height - 1);
+    fetchPixels(out.row(ahead), left, right);
     if (shadow && isBackgroundStill()) {
+        fetchPixels(m_backdrop.row(ahead), left, right);
         std::memcpy(out.row(y) + bytes(left), m_backdrop.row(y) + bytes(left),
                     static_cast<std::size_t>(bytes(right - left)));
         return;
