@@ -3,7 +3,7 @@
 #include "base/Result.h"
 #include "media/MediaError.h"
 #include "platform/ffmpeg/FfmpegAudioResampler.h"
-#include "platform/ffmpeg/FfmpegHandles.h"
+#include "platform/ffmpeg/TrackDecoder.h"
 
 #include <filesystem>
 #include <memory>
@@ -35,43 +35,29 @@ public:
     std::optional<SoundPiece> next();
 
     /// Why nothing could be read to the end; absent after a whole reading.
-    const std::optional<MediaError>& error() const { return m_error; }
+    const std::optional<MediaError>& error() const { return m_track.error(); }
 
     /// Moments by which the file's times may be off because of its clock's steps.
     std::int64_t rounding() const { return m_rounding; }
 
 private:
-    AudioDecoder(std::filesystem::path path, int track, int sampleRate, int channels);
+    AudioDecoder(int sampleRate, int channels);
 
-    Result<void, MediaError> start();
-    bool decodeFrame();
-    void feed();
-    void notePacket();
-    void noteEnd();
+    void noteTrack();
     std::optional<SoundPiece> convertFrame();
     std::optional<SoundPiece> lastPiece();
     std::int64_t toMoments(std::int64_t ticks) const;
-    const AVStream& stream() const { return *m_input->streams[m_track]; }
+    const AVStream& stream() const { return m_track.stream(); }
 
-    std::filesystem::path m_path;
-    int m_track;
+    TrackDecoder m_track;
     int m_sampleRate;
     int m_channels;
     FfmpegAudioResampler m_resampler;
-    InputHandle m_input;
-    CodecHandle m_codec;
-    PacketHandle m_packet{av_packet_alloc()};
     FrameHandle m_frame{av_frame_alloc()};
     std::int64_t m_rounding = 0;
-    std::int64_t m_expected = 0;             ///< Where the next frame starts if it doesn't say so.
-    std::optional<SoundPiece> m_held;        ///< Until it is known whether it is the last one.
-    std::optional<std::int64_t> m_trackEnd;  ///< As the track's description says.
-    std::optional<std::int64_t> m_packetEnd; ///< Of the packet read last.
-    bool m_isDraining = false;
-    bool m_hasPackets = false;
-    bool m_hasDecoded = false;
-    int m_readErrors = 0; ///< In a row.
-    std::optional<MediaError> m_error;
+    std::int64_t m_expected = 0;            ///< Where the next frame starts if it doesn't say so.
+    std::optional<SoundPiece> m_held;       ///< Until it is known whether it is the last one.
+    std::optional<std::int64_t> m_trackEnd; ///< As the track's description says.
 };
 
 } // namespace tavi

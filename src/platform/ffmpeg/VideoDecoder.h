@@ -3,7 +3,7 @@
 #include "base/MediaTime.h"
 #include "base/Result.h"
 #include "media/MediaError.h"
-#include "platform/ffmpeg/FfmpegHandles.h"
+#include "platform/ffmpeg/TrackDecoder.h"
 
 #include <filesystem>
 #include <memory>
@@ -35,33 +35,21 @@ public:
     MediaTime time() const { return m_time; }
 
     /// Why nothing could be read to the end; absent after a whole reading.
-    const std::optional<MediaError>& error() const { return m_error; }
+    const std::optional<MediaError>& error() const { return m_track.error(); }
 
     /// The track as the file describes it.
-    const AVStream& stream() const { return *m_input->streams[m_track]; }
-    const AVFormatContext& input() const { return *m_input; }
+    const AVStream& stream() const { return m_track.stream(); }
+    const AVFormatContext& input() const { return m_track.input(); }
 
 private:
-    VideoDecoder(std::filesystem::path path, int track);
+    VideoDecoder() = default;
 
-    Result<void, MediaError> start();
-    bool jump(std::int64_t ticks);
     AVFrame* decodeNext();
-    void feed();
-    void noteEnd();
 
-    std::filesystem::path m_path;
-    int m_track;
-    InputHandle m_input;
-    CodecHandle m_codec;
-    PacketHandle m_packet{av_packet_alloc()};
+    TrackDecoder m_track;
     FrameHandle m_frame{av_frame_alloc()};
     MediaTime m_time;
     bool m_isPeeked = false; ///< m_frame was decoded by seek() and not yet given.
-    bool m_isDraining = false;
-    bool m_hasDecoded = false;
-    int m_readErrors = 0; ///< In a row.
-    std::optional<MediaError> m_error;
 };
 
 } // namespace tavi

@@ -1,0 +1,63 @@
+#pragma once
+
+#include "base/Result.h"
+#include "media/MediaError.h"
+#include "platform/ffmpeg/FfmpegHandles.h"
+
+#include <filesystem>
+#include <optional>
+
+namespace tavi {
+
+/// One track of a file on its way through its decoder, packet by packet: what
+/// pictures and sound have in common.
+///
+/// Thread: one at a time; may decode on threads of its own.
+class TrackDecoder {
+public:
+    /// Opens the file and the decoder; `track` is the stream's index in the file and
+    /// has to be of `type` (video or audio). Other tracks are not read.
+    /// Errors: notFound, notMedia, noVideoTrack, cannotDecode.
+    Result<void, MediaError> open(const std::filesystem::path& path, int track, AVMediaType type,
+                                  int threads);
+
+    /// The next frame; false at the end of the track and when the rest can't be read
+    /// (error() tells). Damaged stretches are left out.
+    bool decode(AVFrame& frame);
+
+    /// Goes to the key frame at or before `ticks` of the track's clock. False where
+    /// the file has no way.
+    bool jump(std::int64_t ticks);
+
+    /// Where the packet read last ends, in ticks; absent where it doesn't say.
+    std::optional<std::int64_t> packetEnd() const { return m_packetEnd; }
+
+    /// Why nothing could be read to the end; absent after a whole reading.
+    const std::optional<MediaError>& error() const { return m_error; }
+
+    /// The track as the file describes it.
+    const AVStream& stream() const { return *m_input->streams[m_track]; }
+    const AVFormatContext& input() const { return *m_input; }
+
+private:
+    Result<void, MediaError> openCodec(int threads);
+    MediaError unreadable(const std::string& reason) const;
+    void feed();
+    void notePacket();
+    void noteEnd();
+
+    std::filesystem::path m_path;
+    int m_track = 0;
+    AVMediaType m_type = AVMEDIA_TYPE_UNKNOWN;
+    InputHandle m_input;
+    CodecHandle m_codec;
+    PacketHandle m_packet{av_packet_alloc()};
+    std::optional<std::int64_t> m_packetEnd;
+    bool m_isDraining = false;
+    bool m_hasPackets = false;
+    bool m_hasDecoded = false;
+    int m_readErrors = 0; ///< In a row.
+    std::optional<MediaError> m_error;
+};
+
+} // namespace tavi
