@@ -5,6 +5,7 @@
 
 #include <gmock/gmock.h>
 
+#include <chrono>
 #include <future>
 #include <thread>
 
@@ -195,21 +196,17 @@ TEST_F(AudioCaptureServiceTest, soundQueuedWhenItStopsNeverReachesTheWriter) {
 }
 
 TEST_F(AudioCaptureServiceTest, stopWaitsForTheSampleThatIsBeingWritten) {
-    std::promise<void> asked;
-    std::promise<void> answer;
-    ASSERT_TRUE(start());
-    send({16, 16, 16});
-    service.startRecording(input, [&] {
-        asked.set_value();
-        answer.get_future().wait();
-        return true;
-    });
+    std::promise<void> isAppending;
+    input.whileAppending = [&] {
+        isAppending.set_value();
+        std::this_thread::sleep_for(std::chrono::milliseconds(30)); // a slow writer
+    };
+    record();
     sessions.sendSound(16, 3);
-    asked.get_future().wait();
-    std::thread later([&] { answer.set_value(); });
+    ASSERT_EQ(isAppending.get_future().wait_for(std::chrono::seconds(20)),
+              std::future_status::ready);
     service.stopAudio();
     EXPECT_THAT(writer.calls(), ElementsAre("appendAudio 3.000"));
-    later.join();
 }
 
 class StopFrom : public testing::TestWithParam<State> {};

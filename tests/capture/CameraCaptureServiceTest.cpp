@@ -6,6 +6,10 @@
 
 #include <gmock/gmock.h>
 
+#include <chrono>
+#include <future>
+#include <thread>
+
 namespace tavi {
 namespace {
 
@@ -289,6 +293,20 @@ TEST_F(CameraCaptureServiceTest, samplesQueuedWhenItStopsReachNoWriter) {
     EXPECT_THAT(newCalls(), ElementsAre("stopRunning", "camera.mov markAsFinished",
                                         "camera.mov finishWriting"));
     EXPECT_THAT(screenLog.calls(), IsEmpty());
+}
+
+TEST_F(CameraCaptureServiceTest, stopWaitsForTheSampleThatIsBeingWritten) {
+    std::promise<void> isAppending;
+    screenInput.whileAppending = [&] {
+        isAppending.set_value();
+        std::this_thread::sleep_for(std::chrono::milliseconds(30)); // a slow writer
+    };
+    ASSERT_TRUE(startWithMicrophone());
+    sessions.sendSound(16, 3);
+    ASSERT_EQ(isAppending.get_future().wait_for(std::chrono::seconds(20)),
+              std::future_status::ready);
+    service.stopCapture();
+    EXPECT_THAT(screenLog.calls(), ElementsAre("appendAudio 3.000"));
 }
 
 TEST_F(CameraCaptureServiceTest, fileThatFailsLaterGoesUnnoticed) {

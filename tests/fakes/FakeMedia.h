@@ -6,6 +6,7 @@
 
 #include <atomic>
 #include <filesystem>
+#include <functional>
 #include <map>
 #include <string>
 #include <vector>
@@ -21,6 +22,9 @@ public:
 
     bool isReadyForMoreMediaData() const override { return isReady; }
     bool append(AudioBufferPtr, MediaTime time) override {
+        if (whileAppending) {
+            whileAppending();
+        }
         char text[64];
         std::snprintf(text, sizeof text, "appendAudio %.3f", time.seconds());
         m_log.note(m_prefix + text);
@@ -29,6 +33,8 @@ public:
     void markAsFinished() override { m_log.note(m_prefix + "markAudioAsFinished"); }
 
     std::atomic<bool> isReady = true;
+    /// Runs inside append(), before it returns; set while nobody appends.
+    std::function<void()> whileAppending;
 
 private:
     CallLog& m_log;
