@@ -23,11 +23,12 @@ struct Display {
     bool operator==(const Display&) const = default;
 };
 
-/// A window as the window manager lists it.
+/// A window of a program, as the window manager lists it.
 struct Window {
     std::uint32_t id = 0;
     std::string title;           ///< May be empty.
-    std::string applicationName; ///< May be empty.
+    std::string applicationName; ///< The program, for the user's eyes; may be empty.
+    std::string applicationId;   ///< What its desktop entry is called; empty when nothing tells.
     Rect frame;                  ///< Global space, bottom-left origin, points; without decoration.
     bool isOnScreen = false;     ///< Shown and not minimized.
 
@@ -37,7 +38,8 @@ struct Window {
 /// What can be recorded at this moment.
 struct ShareableContent {
     std::vector<Display> displays; ///< In the system's order.
-    std::vector<Window> windows;   ///< Bottom to top.
+    /// Bottom to top; panels, docks, desktops, menus and notifications are not among them.
+    std::vector<Window> windows;
 };
 
 /// Lists the sources. Any thread.

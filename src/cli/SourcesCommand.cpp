@@ -1,5 +1,6 @@
 #include "cli/SourcesCommand.h"
 
+#include "capture/OfferedWindows.h"
 #include "cli/Output.h"
 #include "platform/x11/X11ShareableContent.h"
 #include "project/JsonWriter.h"
@@ -47,8 +48,8 @@ void writeWindows(JsonWriter& out, const std::vector<Window>& windows) {
         out.field("id", static_cast<std::int64_t>(window.id));
         out.field("title", window.title);
         out.field("application", window.applicationName);
+        out.field("applicationId", window.applicationId);
         writeFrame(out, window.frame);
-        out.field("isOnScreen", window.isOnScreen);
         out.endObject();
     }
     out.endArray();
@@ -71,18 +72,19 @@ void printTable(const ShareableContent& content) {
                                    display.name, display.isMain ? "  (main)" : ""));
     }
     for (const Window& window : content.windows) {
-        cli::printLine(fmt::format("window {}  {:.0f}x{:.0f}  {}  {}{}", window.id,
+        cli::printLine(fmt::format("window {}  {:.0f}x{:.0f}  {}  {}", window.id,
                                    window.frame.width, window.frame.height, window.applicationName,
-                                   window.title, window.isOnScreen ? "" : "  (not shown)"));
+                                   window.title));
     }
 }
 
 int listSources(bool asJson) {
     X11ShareableContent source;
-    const auto content = source.content();
+    auto content = source.content();
     if (!content) {
         return cli::failed(content.error().description());
     }
+    content->windows = offeredWindows(content->windows);
     if (asJson) {
         cli::printLine(json(*content));
     } else {

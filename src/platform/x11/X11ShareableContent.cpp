@@ -26,13 +26,30 @@ struct Atoms {
           clients(atomOf(c, "_NET_CLIENT_LIST")),
           name(atomOf(c, "_NET_WM_NAME")),
           state(atomOf(c, "_NET_WM_STATE")),
-          hidden(atomOf(c, "_NET_WM_STATE_HIDDEN")) {}
+          hidden(atomOf(c, "_NET_WM_STATE_HIDDEN")),
+          type(atomOf(c, "_NET_WM_WINDOW_TYPE")),
+          gtkApplication(atomOf(c, "_GTK_APPLICATION_ID")),
+          kdeDesktopFile(atomOf(c, "_KDE_NET_WM_DESKTOP_FILE")) {
+        for (const std::string_view end : {"NORMAL", "DIALOG", "UTILITY"}) {
+            programTypes.push_back(atomOf(c, "_NET_WM_WINDOW_TYPE_" + std::string(end)));
+        }
+        for (const std::string_view end :
+             {"DESKTOP", "DOCK", "TOOLBAR", "MENU", "SPLASH", "DROPDOWN_MENU", "POPUP_MENU",
+              "TOOLTIP", "NOTIFICATION", "COMBO", "DND"}) {
+            otherTypes.push_back(atomOf(c, "_NET_WM_WINDOW_TYPE_" + std::string(end)));
+        }
+    }
 
     xcb_atom_t stacking;
     xcb_atom_t clients;
     xcb_atom_t name;
     xcb_atom_t state;
     xcb_atom_t hidden;
+    xcb_atom_t type;
+    xcb_atom_t gtkApplication;
+    xcb_atom_t kdeDesktopFile;
+    std::vector<xcb_atom_t> programTypes; ///< Types of windows that programs work in.
+    std::vector<xcb_atom_t> otherTypes;   ///< The other types that there are.
 };
 
 /// The bytes of a property; empty when the window hasn't got it.
@@ -60,14 +77,46 @@ std::vector<std::uint32_t> propertyNumbers(xcb_connection_t* c, xcb_window_t win
     return numbers;
 }
 
+bool holds(const std::vector<xcb_atom_t>& atoms, std::uint32_t atom) {
+    return atom != XCB_ATOM_NONE && std::find(atoms.begin(), atoms.end(), atom) != atoms.end();
+}
+
+/// A window names its types with the best first; those that nobody knows don't count.
+bool isOfProgram(xcb_connection_t* c, xcb_window_t window, const Atoms& atoms) {
+    for (const auto type : propertyNumbers(c, window, atoms.type)) {
+        if (holds(atoms.programTypes, type)) {
+            return true;
+        }
+        if (holds(atoms.otherTypes, type)) {
+            return false;
+        }
+    }
+    return true;
+}
+
+/// A text up to its first zero.
+std::string firstText(const std::string& bytes) {
+    return bytes.substr(0, bytes.find('\0'));
+}
+
 /// WM_CLASS holds two texts, each ended by a zero: instance and class.
 std::string applicationName(const std::string& wmClass) {
     const std::size_t end = wmClass.find('\0');
     if (end == std::string::npos) {
         return wmClass;
     }
-    const std::string name = wmClass.substr(end + 1);
-    return name.substr(0, name.find('\0'));
+    return firstText(wmClass.substr(end + 1));
+}
+
+/// What a program calls its desktop entry; by convention it is the class where
+/// nothing else tells.
+std::string applicationId(xcb_connection_t* c, xcb_window_t window, const Atoms& atoms) {
+    for (const auto property : {atoms.gtkApplication, atoms.kdeDesktopFile}) {
+        if (auto id = firstText(propertyBytes(c, window, property)); !id.empty()) {
+            return id;
+        }
+    }
+    return applicationName(propertyBytes(c, window, XCB_ATOM_WM_CLASS));
 }
 
 /// Where the window is on the root; absent for one that is gone.
@@ -96,7 +145,7 @@ bool isShown(xcb_connection_t* c, xcb_window_t window, const Atoms& atoms) {
 std::optional<Window> describe(const XConnection& x, xcb_window_t id, const Atoms& atoms) {
     xcb_connection_t* c = x.get();
     const auto area = areaOnRoot(x, id);
-    if (!area) {
+    if (!area || !isOfProgram(c, id, atoms)) {
         return std::nullopt;
     }
     Window window;
@@ -106,6 +155,7 @@ std::optional<Window> describe(const XConnection& x, xcb_window_t id, const Atom
         window.title = propertyBytes(c, id, XCB_ATOM_WM_NAME);
     }
     window.applicationName = applicationName(propertyBytes(c, id, XCB_ATOM_WM_CLASS));
+    window.applicationId = applicationId(c, id, atoms);
     window.frame = x.toGlobal(*area);
     window.isOnScreen = isShown(c, id, atoms);
     return window;

@@ -62,7 +62,8 @@ TEST(X11ShareableContent, windowsComeFromTheManagersList) {
     EXPECT_EQ(content->windows[0].id, two);
     EXPECT_EQ(content->windows[0].title, "plain");
     EXPECT_FALSE(content->windows[0].isOnScreen);
-    EXPECT_EQ(content->windows[1], (Window{one, "Grüße", "Editor", {10, 360, 200, 100}, true}));
+    EXPECT_EQ(content->windows[1],
+              (Window{one, "Grüße", "Editor", "Editor", {10, 360, 200, 100}, true}));
 }
 
 TEST(X11ShareableContent, withoutWindowManagerThereAreNoWindows) {
