@@ -241,10 +241,10 @@ void DeviceCapture::openStream() {
     m_lastSample = hostNanoseconds();
     const auto flags = static_cast<pw_stream_flags>(
         PW_STREAM_FLAG_AUTOCONNECT | PW_STREAM_FLAG_MAP_BUFFERS | PW_STREAM_FLAG_DONT_RECONNECT);
-    const int result =
-        pw_stream_connect(m_stream, PW_DIRECTION_INPUT, PW_ID_ANY, flags, formats.data(),
-                          static_cast<std::uint32_t>(formats.size()));
-    setInterruption(result < 0 ? std::optional(ErrorKind::refused) : std::nullopt);
+    if (pw_stream_connect(m_stream, PW_DIRECTION_INPUT, PW_ID_ANY, flags, formats.data(),
+                          static_cast<std::uint32_t>(formats.size())) < 0) {
+        setInterruption(ErrorKind::refused);
+    }
 }
 
 void DeviceCapture::closeStream() {
@@ -269,8 +269,16 @@ void DeviceCapture::deliver(pw_buffer& buffer) {
 }
 
 void DeviceCapture::watch() {
-    if (m_stream != nullptr && hostNanoseconds() - m_lastSample > kSilence && !interruption()) {
+    if (m_stream == nullptr || hostNanoseconds() - m_lastSample <= kSilence) {
+        return;
+    }
+    if (!interruption()) {
         setInterruption(ErrorKind::refused);
+    }
+    // Linked, it waits for a slow device; else nobody links it any more.
+    if (pw_stream_get_state(m_stream, nullptr) != PW_STREAM_STATE_STREAMING) {
+        closeStream();
+        openStream();
     }
 }
 

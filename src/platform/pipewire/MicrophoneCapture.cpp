@@ -14,6 +14,9 @@ namespace {
 /// What is wanted of a device that says nothing: as sound servers deliver.
 constexpr std::uint32_t kUsualRate = 48000;
 
+/// Sound in portions of at most 21 ms, as a desktop at rest has it.
+constexpr const char* kLatency = "1024/48000";
+
 /// The description of raw sound, each choice decided as its device would; absent for sound of
 /// another kind.
 std::optional<spa_audio_info_raw> audioInfo(const spa_pod& pod) {
@@ -141,10 +144,10 @@ DeviceCapture::StreamPlan MicrophoneCapture::plan() {
     StreamPlan made;
     made.formats.push_back(
         copyPod(*spa_format_audio_raw_build(&builder, SPA_PARAM_EnumFormat, &info)));
-    made.properties =
-        pw_properties_new(PW_KEY_MEDIA_TYPE, "Audio", PW_KEY_MEDIA_CATEGORY, "Capture",
-                          PW_KEY_MEDIA_ROLE, "Production", PW_KEY_MEDIA_NAME, "Recording",
-                          PW_KEY_NODE_NAME, "tavlin", "stream.dont-remix", "true", nullptr);
+    made.properties = pw_properties_new(
+        PW_KEY_MEDIA_TYPE, "Audio", PW_KEY_MEDIA_CATEGORY, "Capture", PW_KEY_MEDIA_ROLE,
+        "Production", PW_KEY_MEDIA_NAME, "Recording", PW_KEY_NODE_NAME, "tavlin",
+        "stream.dont-remix", "true", PW_KEY_NODE_LATENCY, kLatency, nullptr);
     return made;
 }
 

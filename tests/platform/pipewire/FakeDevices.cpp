@@ -1,5 +1,6 @@
 #include "platform/pipewire/FakeDevices.h"
 
+#include "platform/pipewire/DeviceCapture.h"
 #include "platform/pipewire/FakePicture.h"
 #include "platform/pipewire/PipeWireTestServer.h"
 
@@ -9,7 +10,6 @@
 #include <array>
 #include <cmath>
 #include <cstring>
-#include <ctime>
 #include <numbers>
 #include <spa/param/audio/format-utils.h>
 #include <spa/param/video/format-utils.h>
@@ -124,6 +124,14 @@ void FakeMicrophone::process(void* data) {
 }
 
 void FakeMicrophone::fill(std::uint8_t* to, std::uint32_t frames) {
+    if (m_isMuted) {
+        std::memset(to, 0, std::size_t{frames} * m_sound.channels * bytesOfSample(m_sound.format));
+        m_firstHeard = 0;
+        return;
+    }
+    if (m_firstHeard == 0) {
+        m_firstHeard = hostNanoseconds();
+    }
     for (std::uint32_t frame = 0; frame < frames; ++frame, ++m_position) {
         for (std::uint32_t channel = 0; channel < m_sound.channels; ++channel) {
             const double turns = std::fmod(m_sound.frequency * (channel + 1) *
@@ -240,9 +248,7 @@ void FakeCamera::process(void* data) {
     out.chunk->offset = 0;
     out.chunk->stride = rowBytes(camera.m_mode);
     out.chunk->size = static_cast<std::uint32_t>(bytes);
-    timespec t{};
-    clock_gettime(CLOCK_MONOTONIC, &t);
-    const std::int64_t now = SPA_TIMESPEC_TO_NSEC(&t);
+    const std::int64_t now = hostNanoseconds();
     if (void* found =
             spa_buffer_find_meta_data(buffer->buffer, SPA_META_Header, sizeof(spa_meta_header))) {
         auto* header = static_cast<spa_meta_header*>(found);

@@ -40,12 +40,19 @@ public:
     FakeMicrophone(const std::string& name, const std::string& description, FakeSound sound);
     ~FakeMicrophone() { stop(); }
 
+    /// Hears nothing meanwhile.
+    void mute(bool isMuted) { m_isMuted = isMuted; }
+    /// When a tone that was muted was first heard again, host nanoseconds; 0: it was not.
+    std::int64_t firstHeard() const { return m_firstHeard; }
+
 private:
     static void process(void* data);
     void fill(std::uint8_t* to, std::uint32_t frames);
 
     FakeSound m_sound;
     std::uint64_t m_position = 0;
+    std::atomic<bool> m_isMuted = false;
+    std::atomic<std::int64_t> m_firstHeard = 0;
 };
 
 /// What a camera can deliver; the format SPA_VIDEO_FORMAT_ENCODED stands for JPEG pictures.
