@@ -5,7 +5,7 @@ namespace tavi {
 namespace {
 
 std::string withDetail(const std::string& sentence, const std::string& detail) {
-    return detail.empty() ? sentence : sentence + " (" + detail + ").";
+    return sentence + (detail.empty() ? "." : " (" + detail + ").");
 }
 
 } // namespace
@@ -23,6 +23,8 @@ std::string CaptureError::description() const {
                           detail);
     case Kind::sourceGone:
         return withDetail("The chosen source is not there; `tavi sources` lists what is", detail);
+    case Kind::sourceClosed:
+        return withDetail("The recorded window was closed", detail);
     case Kind::connectionLost:
         return withDetail("The display server ended the connection", detail);
     case Kind::writer:

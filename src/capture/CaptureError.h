@@ -11,6 +11,7 @@ struct CaptureError {
         missingExtension,  ///< The server lacks something that capture needs.
         unsupportedFormat, ///< The server's pixels are of a kind that isn't read.
         sourceGone,        ///< The chosen display or window is not there (any more).
+        sourceClosed,      ///< The recorded window was closed during the take.
         connectionLost,    ///< The display server went away during the take.
         writer,            ///< The file can't be made or written; `detail` is a whole sentence.
         camera,            ///< The camera can't be recorded; `detail` is a whole sentence.

@@ -13,13 +13,19 @@
 
 namespace tavi {
 
-/// What a screen stream shows.
+/// What a screen stream shows: a display, or one window by itself.
 struct ScreenFilter {
-    std::uint32_t displayId = 0;
+    std::uint32_t displayId = 0; ///< Not looked at when there is a window.
+    /// A window without its decoration, whatever covers it and wherever it is; 0 for the display.
+    std::uint32_t windowId = 0;
+
+    static ScreenFilter display(std::uint32_t id) { return {id, 0}; }
+    static ScreenFilter window(std::uint32_t id) { return {0, id}; }
 
     bool operator==(const ScreenFilter&) const = default;
 };
 
+/// A source that is larger, or becomes larger, is cut off at the right and at the bottom.
 struct ScreenStreamConfiguration {
     int width = 0;  ///< Pixels; a source that is smaller is continued by its last column.
     int height = 0; ///< Pixels; likewise by its last row.
@@ -41,8 +47,11 @@ struct ScreenSample {
 /// A running view of one source.
 ///
 /// The cursor is in no picture. A picture comes at once when the stream starts, and from then on
-/// only when something changed, never faster than the minimum frame interval. Threads: one
-/// controlling thread; samples arrive on the queue given. The destructor stops the stream.
+/// only when something changed, never faster than the minimum frame interval. A display's
+/// pictures are opaque. A window that is not shown for a while keeps its last picture; one that
+/// is closed ends the stream.
+/// Threads: one controlling thread; samples arrive on the queue given. The destructor stops
+/// the stream.
 class ScreenStream {
 public:
     using Handler = std::function<void(const ScreenSample&)>;

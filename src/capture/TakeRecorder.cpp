@@ -30,13 +30,13 @@ TakeRecorder::~TakeRecorder() {
     stop();
 }
 
-Result<void, CaptureError> TakeRecorder::start(const Display& display,
+Result<void, CaptureError> TakeRecorder::start(const TakeSource& source,
                                                const std::filesystem::path& library) {
     TakeDevices none;
-    return start(display, library, none);
+    return start(source, library, none);
 }
 
-Result<void, CaptureError> TakeRecorder::start(const Display& display,
+Result<void, CaptureError> TakeRecorder::start(const TakeSource& source,
                                                const std::filesystem::path& library,
                                                TakeDevices& devices) {
     m_folder = makeRecordingFolder(library, m_ports.tracking.clock.now());
@@ -44,7 +44,7 @@ Result<void, CaptureError> TakeRecorder::start(const Display& display,
     if (isReady(devices)) {
         audioSettings = devices.audioWarmUpService->audioDataOutput()->recommendedAudioSettings();
     }
-    if (auto started = startScreen(display, audioSettings); !started) {
+    if (auto started = startScreen(source, audioSettings); !started) {
         return started;
     }
     if (devices.camera) {
@@ -60,13 +60,13 @@ Result<void, CaptureError> TakeRecorder::start(const Display& display,
 }
 
 Result<void, CaptureError>
-TakeRecorder::startScreen(const Display& display,
+TakeRecorder::startScreen(const TakeSource& source,
                           const std::optional<AudioSettings>& audioSettings) {
     const Clock& clock = m_ports.tracking.clock;
-    m_capturedWidth = display.width;
-    m_capturedHeight = display.height;
+    m_capturedWidth = static_cast<int>(source.frame.width);
+    m_capturedHeight = static_cast<int>(source.frame.height);
     m_cursorTrackingService =
-        std::make_unique<CursorTrackingService>(display.frame, m_ports.tracking);
+        std::make_unique<CursorTrackingService>(source.frame, m_ports.tracking);
     m_screenCaptureService =
         std::make_unique<ScreenCaptureService>(m_ports.streams, m_ports.media, clock);
     // Time zero of everything: the video, the log and the elapsed time.
@@ -75,9 +75,9 @@ TakeRecorder::startScreen(const Display& display,
         m_cursorTrackingService->setStartDate(now);
         m_recordingStartDate = now.sinceReference;
     };
-    return m_screenCaptureService->startCapture(ScreenFilter{display.id}, display.width,
-                                                display.height, m_folder / take::kVideo,
-                                                {.audioSettings = audioSettings});
+    return m_screenCaptureService->startCapture(
+        source.filter, m_capturedWidth, m_capturedHeight, m_folder / take::kVideo,
+        {.alpha = source.filter.windowId != 0, .audioSettings = audioSettings});
 }
 
 Result<void, CaptureError> TakeRecorder::startCamera(TakeDevices& devices) {

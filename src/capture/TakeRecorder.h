@@ -24,6 +24,19 @@ struct TakePorts {
     CaptureSessions* captureSessions = nullptr; ///< Null: there are no cameras.
 };
 
+/// What a take shows: a display or one window. Takes either as it is.
+struct TakeSource {
+    ScreenFilter filter;
+    Rect frame; ///< Global space, at the start of the take; its size is the video's.
+
+    TakeSource(const Display& display)
+        : filter(ScreenFilter::display(display.id)),
+          frame(display.frame) {}
+    TakeSource(const Window& window)
+        : filter(ScreenFilter::window(window.id)),
+          frame(window.frame) {}
+};
+
 /// What a take records besides the screen.
 struct TakeDevices {
     std::optional<CaptureDevice> camera;
@@ -34,7 +47,7 @@ struct TakeDevices {
     std::unique_ptr<AudioCaptureService> audioWarmUpService;
 };
 
-/// Conducts one take of a display: its folder, the order in which the services
+/// Conducts one take: its folder, the order in which the services
 /// start and stop, and the files beside the video.
 ///
 /// States: idle -> recording -> stopped; a recorder serves one take.
@@ -51,17 +64,19 @@ public:
     TakeRecorder(const TakeRecorder&) = delete;
     TakeRecorder& operator=(const TakeRecorder&) = delete;
 
-    /// Makes the take's folder in `library` and starts recording the display
+    /// Makes the take's folder in `library` and starts recording the source
     /// and the devices. Blocks while the encoders are chosen and the camera is opened.
+    /// The pointer is logged where the source is now, also when a window is moved later.
     ///
     /// Errors: a screen that can't be recorded leaves the folder empty.
     ///         Kept on purpose: a camera that can't be recorded does not stop the screen, which
     ///         goes on, for no take, until the recorder is destroyed.
-    Result<void, CaptureError> start(const Display& display, const std::filesystem::path& library,
+    Result<void, CaptureError> start(const TakeSource& source, const std::filesystem::path& library,
                                      TakeDevices& devices);
 
     /// The same without devices.
-    Result<void, CaptureError> start(const Display& display, const std::filesystem::path& library);
+    Result<void, CaptureError> start(const TakeSource& source,
+                                     const std::filesystem::path& library);
 
     /// Brings elapsedTime() up to date.
     void tick();
@@ -95,7 +110,7 @@ private:
         double cameraStartDelay = 0; ///< Seconds.
     };
 
-    Result<void, CaptureError> startScreen(const Display& display,
+    Result<void, CaptureError> startScreen(const TakeSource& source,
                                            const std::optional<AudioSettings>& audioSettings);
     Result<void, CaptureError> startCamera(TakeDevices& devices);
     std::optional<CameraMicrophone> moveMicrophone(TakeDevices& devices);

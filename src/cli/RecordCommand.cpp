@@ -33,8 +33,9 @@ namespace {
 
 struct TakeOptions {
     int display = 0;
-    double countdown = 0;           ///< Seconds before the take starts.
-    std::optional<double> duration; ///< Seconds after which it ends by itself.
+    std::optional<std::uint32_t> window; ///< Recorded instead of a display.
+    double countdown = 0;                ///< Seconds before the take starts.
+    std::optional<double> duration;      ///< Seconds after which it ends by itself.
 };
 
 /// One line on a terminal that is written over and over; nothing elsewhere.
@@ -109,8 +110,8 @@ int finish(TakeRecorder& recorder) {
     return 0;
 }
 
-int recordDisplay(const Display& display, const TakeOptions& options,
-                  cli::StopSignals& stopSignals) {
+int recordSource(const TakeSource& source, const TakeOptions& options,
+                 cli::StopSignals& stopSignals) {
     auto monitors = X11PointerMonitors::open();
     auto pointer = X11Pointer::open();
     if (!monitors || !pointer) {
@@ -135,7 +136,7 @@ int recordDisplay(const Display& display, const TakeOptions& options,
         status.show("");
         return cli::failed("Nothing was recorded: it was stopped during the countdown.");
     }
-    if (const auto started = recorder.start(display, recordingsDirectory()); !started) {
+    if (const auto started = recorder.start(source, recordingsDirectory()); !started) {
         return cli::failed(started.error().description());
     }
     runTake(recorder, options, stopSignals, status);
@@ -144,17 +145,34 @@ int recordDisplay(const Display& display, const TakeOptions& options,
 }
 
 /// The display's number counts from 0, as `tavi sources` lists them.
-Result<Display, std::string> findDisplay(int number) {
-    X11ShareableContent source;
-    const auto content = source.content();
-    if (!content) {
-        return fail(content.error().description());
-    }
-    const auto count = static_cast<int>(content->displays.size());
+Result<TakeSource, std::string> findDisplay(const ShareableContent& content, int number) {
+    const auto count = static_cast<int>(content.displays.size());
     if (number < 0 || number >= count) {
         return fail(fmt::format("There is no display {}; `tavi sources` lists them.", number));
     }
-    return content->displays[static_cast<std::size_t>(number)];
+    return content.displays[static_cast<std::size_t>(number)];
+}
+
+Result<TakeSource, std::string> findWindow(const ShareableContent& content, std::uint32_t id) {
+    const auto found = std::find_if(content.windows.begin(), content.windows.end(),
+                                    [id](const Window& window) { return window.id == id; });
+    if (found == content.windows.end()) {
+        return fail(fmt::format("There is no window {}; `tavi sources` lists them.", id));
+    }
+    if (!found->isOnScreen) {
+        return fail(fmt::format("The window {} is minimized; show it first.", id));
+    }
+    return *found;
+}
+
+Result<TakeSource, std::string> findSource(const TakeOptions& options) {
+    X11ShareableContent shareable;
+    const auto content = shareable.content();
+    if (!content) {
+        return fail(content.error().description());
+    }
+    return options.window ? findWindow(*content, *options.window)
+                          : findDisplay(*content, options.display);
 }
 
 int record(const TakeOptions& options) {
@@ -167,15 +185,15 @@ int record(const TakeOptions& options) {
     if (!lock) {
         return cli::failed(lock.error().description());
     }
-    const auto display = findDisplay(options.display);
-    if (!display) {
-        return cli::failed(display.error());
+    const auto source = findSource(options);
+    if (!source) {
+        return cli::failed(source.error());
     }
     int argumentCount = 1;
     char name[] = "tavi";
     char* arguments[] = {name, nullptr};
     const QCoreApplication application(argumentCount, arguments);
-    return recordDisplay(*display, options, stopSignals);
+    return recordSource(*source, options, stopSignals);
 }
 
 } // namespace
@@ -183,8 +201,13 @@ int record(const TakeOptions& options) {
 void addRecordCommand(CLI::App& app, int& exitCode) {
     auto options = std::make_shared<TakeOptions>();
     CLI::App* command = app.add_subcommand("record", "Record one take; prints its folder");
-    command->add_option("--display", options->display, "The display's number, from `tavi sources`")
-        ->type_name("N");
+    CLI::Option* display = command->add_option("--display", options->display,
+                                               "The display's number, from `tavi sources`");
+    display->type_name("N");
+    command
+        ->add_option("--window", options->window, "One window instead, its id from `tavi sources`")
+        ->type_name("ID")
+        ->excludes(display);
     command->add_option("--countdown", options->countdown, "Seconds to wait before the start")
         ->check(CLI::NonNegativeNumber)
         ->type_name("S");

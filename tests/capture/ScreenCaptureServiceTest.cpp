@@ -16,7 +16,7 @@ const CaptureError kScreenError{CaptureError::Kind::sourceGone, "test"};
 class ScreenCaptureServiceTest : public testing::Test {
 protected:
     Result<void, CaptureError> start(int width = 1920, int height = 1080) {
-        return service.startCapture(ScreenFilter{7}, width, height, "/takes/video.mov");
+        return service.startCapture(ScreenFilter::display(7), width, height, "/takes/video.mov");
     }
 
     Result<void, CaptureError> startWithAudio() {
@@ -33,7 +33,7 @@ protected:
 
 TEST_F(ScreenCaptureServiceTest, configuresStreamAndWriterAsTold) {
     ASSERT_TRUE(start());
-    EXPECT_EQ(screen.lastFilter, ScreenFilter{7});
+    EXPECT_EQ(screen.lastFilter, ScreenFilter::display(7));
     EXPECT_EQ(screen.lastConfiguration.width, 1920);
     EXPECT_EQ(screen.lastConfiguration.height, 1080);
     EXPECT_EQ(screen.lastConfiguration.minimumFrameInterval, (MediaTime{1, 60}));
@@ -250,7 +250,8 @@ TEST_F(ScreenCaptureServiceTest, streamErrorsEndTheStartAndCancelTheFile) {
     for (auto* error : {&screen.makeError, &screen.outputError, &screen.startError}) {
         *error = kScreenError;
         ScreenCaptureService failing(screen, media, clock);
-        const auto started = failing.startCapture(ScreenFilter{7}, 64, 64, "/takes/video.mov");
+        const auto started =
+            failing.startCapture(ScreenFilter::display(7), 64, 64, "/takes/video.mov");
         ASSERT_FALSE(started);
         EXPECT_EQ(started.error(), kScreenError);
         EXPECT_EQ(media.calls().back(), "cancelWriting");
@@ -284,7 +285,7 @@ TEST_F(ScreenCaptureServiceTest, failureWhileFinishingIsRemembered) {
 TEST_F(ScreenCaptureServiceTest, destroyedWithoutStopCancelsTheFile) {
     {
         ScreenCaptureService dropped(screen, media, clock);
-        ASSERT_TRUE(dropped.startCapture(ScreenFilter{7}, 64, 64, "/takes/video.mov"));
+        ASSERT_TRUE(dropped.startCapture(ScreenFilter::display(7), 64, 64, "/takes/video.mov"));
         screen.sendPicture(1);
     }
     EXPECT_EQ(media.calls().back(), "cancelWriting");

@@ -61,7 +61,7 @@ protected:
 TEST_F(TakeRecorderTest, leavesAFolderWithMetadataAndImages) {
     ASSERT_TRUE(start());
     EXPECT_TRUE(recorder.isRecording());
-    EXPECT_EQ(screen.lastFilter, ScreenFilter{3});
+    EXPECT_EQ(screen.lastFilter, ScreenFilter::display(3));
     const Date zero = clock.now();
     sendFirstFrame();
     clock.advance(1.5);
@@ -90,6 +90,24 @@ TEST_F(TakeRecorderTest, leavesAFolderWithMetadataAndImages) {
 
     ASSERT_THAT(images.written, SizeIs(2));
     EXPECT_EQ(images.written.at("cursor_1.png")->row(1)[0], 7);
+}
+
+TEST_F(TakeRecorderTest, windowIsRecordedInItsOwnSizeAndSpace) {
+    const Window window{9, "notes", "Editor", "editor", {100, 50, 301, 200}, true};
+    ASSERT_TRUE(recorder.start(window, library.path()));
+    EXPECT_EQ(screen.lastFilter, ScreenFilter::window(9));
+    EXPECT_EQ(screen.lastConfiguration.width, 302) << "what the encoder takes";
+    sendFirstFrame();
+    pointer.location = {110, 60};
+    pointer.fire(PointerEventKind::leftMouseDown);
+    pointer.location = {99, 60}; // outside
+    pointer.fire(PointerEventKind::leftMouseUp);
+    const RecordingMetadata metadata = metadataOf(*recorder.stop());
+    EXPECT_EQ(metadata.screenWidth, 301);
+    EXPECT_EQ(metadata.screenHeight, 200);
+    ASSERT_THAT(metadata.cursorEvents, SizeIs(1));
+    EXPECT_DOUBLE_EQ(metadata.cursorEvents[0].x, 10);
+    EXPECT_DOUBLE_EQ(metadata.cursorEvents[0].y, 190);
 }
 
 TEST_F(TakeRecorderTest, pointerStopsBeforeTheVideo) {

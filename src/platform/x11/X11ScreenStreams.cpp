@@ -2,6 +2,7 @@
 
 #include "platform/x11/FramePool.h"
 #include "platform/x11/ScreenGrabber.h"
+#include "platform/x11/WindowGrabber.h"
 
 #include <array>
 #include <atomic>
@@ -38,7 +39,7 @@ std::int64_t intervalNanoseconds(MediaTime interval) {
 /// a picture for each.
 class X11ScreenStream final : public ScreenStream {
 public:
-    X11ScreenStream(ScreenGrabber grabber, MediaTime minimumFrameInterval)
+    X11ScreenStream(std::unique_ptr<Grabber> grabber, MediaTime minimumFrameInterval)
         : m_grabber(std::move(grabber)),
           m_interval(intervalNanoseconds(minimumFrameInterval)),
           m_wake(eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK)) {}
@@ -66,10 +67,7 @@ public:
     }
 
     std::optional<CaptureError> failure() const override {
-        if (!m_isBroken) {
-            return std::nullopt;
-        }
-        return CaptureError{CaptureError::Kind::connectionLost, ""};
+        return m_hasFailed ? m_failure : std::nullopt;
     }
 
 private:
@@ -84,9 +82,10 @@ private:
     void run() {
         std::int64_t next = 0; // when the next picture may be taken
         while (!m_isStopping) {
-            const bool hasNews = m_grabber.hasNews();
-            if (m_grabber.isBroken()) {
-                m_isBroken = true;
+            const bool hasNews = m_grabber->hasNews();
+            if (auto failure = m_grabber->failure()) {
+                m_failure = std::move(failure);
+                m_hasFailed = true;
                 return;
             }
             const std::int64_t now = hostNanoseconds();
@@ -105,42 +104,53 @@ private:
     void wait(const timespec* limit) const {
         // While a picture is held back, more damage is no reason to wake up.
         const short events = limit == nullptr ? POLLIN : 0;
-        std::array<pollfd, 2> waits{pollfd{m_grabber.descriptor(), events, 0},
+        std::array<pollfd, 2> waits{pollfd{m_grabber->descriptor(), events, 0},
                                     pollfd{m_wake, POLLIN, 0}};
         ppoll(waits.data(), waits.size(), limit, nullptr);
     }
 
     /// False when nothing in the picture changed.
     bool sendPicture(std::int64_t now) {
-        const PixelRect changed = m_grabber.grab();
+        const PixelRect changed = m_grabber->grab();
         if (changed.isEmpty()) {
             return false;
         }
         ScreenSample sample;
         sample.presentationTime = MediaTime::fromNanoseconds(now);
-        sample.image = m_pool.snapshot(m_grabber.picture(), changed);
+        sample.image = m_pool.snapshot(m_grabber->picture(), changed);
         m_queue->post([handler = m_handler, sample = std::move(sample)] { (*handler)(sample); });
         return true;
     }
 
-    ScreenGrabber m_grabber; ///< The thread's own while it runs.
-    FramePool m_pool;        ///< Likewise.
-    std::int64_t m_interval; ///< Nanoseconds.
+    std::unique_ptr<Grabber> m_grabber; ///< The thread's own while it runs.
+    FramePool m_pool;                   ///< Likewise.
+    std::int64_t m_interval;            ///< Nanoseconds.
     int m_wake;
     SerialQueue* m_queue = nullptr;
     std::shared_ptr<const Handler> m_handler; ///< Shared with blocks that still wait in the queue.
     std::atomic<bool> m_isStopping = false;
-    std::atomic<bool> m_isBroken = false;
+    std::optional<CaptureError> m_failure; ///< Set before the next, and then no more.
+    std::atomic<bool> m_hasFailed = false;
     std::thread m_thread;
 };
+
+Result<std::unique_ptr<Grabber>, CaptureError>
+openGrabber(const std::string& displayName, const ScreenFilter& filter,
+            const ScreenStreamConfiguration& configuration) {
+    if (filter.windowId != 0) {
+        return WindowGrabber::open(displayName, filter.windowId, configuration.width,
+                                   configuration.height);
+    }
+    return ScreenGrabber::open(displayName, filter.displayId, configuration.width,
+                               configuration.height);
+}
 
 } // namespace
 
 Result<std::unique_ptr<ScreenStream>, CaptureError>
 X11ScreenStreams::makeStream(const ScreenFilter& filter,
                              const ScreenStreamConfiguration& configuration) {
-    auto grabber = ScreenGrabber::open(m_displayName, filter.displayId, configuration.width,
-                                       configuration.height);
+    auto grabber = openGrabber(m_displayName, filter, configuration);
     if (!grabber) {
         return fail(grabber.error());
     }

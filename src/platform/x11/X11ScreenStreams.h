@@ -6,7 +6,7 @@
 
 namespace tavi {
 
-/// Streams of an X server's displays, each on a connection and a thread of its own.
+/// Streams of an X server's displays and windows, each on a connection and a thread of its own.
 class X11ScreenStreams final : public ScreenStreams {
 public:
     /// `displayName` empty: $DISPLAY.

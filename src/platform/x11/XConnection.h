@@ -7,6 +7,7 @@
 
 #include <xcb/xcb.h>
 
+#include <cstdint>
 #include <cstdlib>
 #include <memory>
 #include <string>
@@ -19,6 +20,12 @@ struct FreeMemory {
 };
 template<typename T>
 using XOwned = std::unique_ptr<T, FreeMemory>;
+
+/// A rectangle as requests carry it.
+inline xcb_rectangle_t wire(const PixelRect& r) {
+    return {static_cast<std::int16_t>(r.x), static_cast<std::int16_t>(r.y),
+            static_cast<std::uint16_t>(r.width), static_cast<std::uint16_t>(r.height)};
+}
 
 /// A connection to an X server and its default screen.
 ///

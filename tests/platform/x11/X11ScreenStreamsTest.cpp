@@ -1,12 +1,11 @@
 #include "platform/x11/X11ScreenStreams.h"
 
 #include "base/Clock.h"
+#include "platform/x11/WatchedStream.h"
 #include "platform/x11/X11ShareableContent.h"
-#include "platform/x11/XTestServer.h"
 
 #include <gmock/gmock.h>
 
-#include <mutex>
 #include <random>
 #include <thread>
 
@@ -14,59 +13,18 @@ namespace tavi {
 namespace {
 
 using test::Painter;
+using test::pixelAt;
 using test::XTestServer;
-
-std::uint32_t pixelAt(const PixelBuffer& image, int x, int y) {
-    std::uint32_t value = 0;
-    std::memcpy(&value, image.row(y) + static_cast<std::ptrdiff_t>(x) * 4, 4);
-    return value;
-}
 
 std::vector<Display> displaysOf(const XTestServer& server) {
     return X11ShareableContent(server.name()).content().value().displays;
 }
 
-/// A running stream and what it sent.
-class Watched {
+class Watched : public test::WatchedStream {
 public:
-    Watched(const XTestServer& server, const Display& display, int width = 0, int height = 0) {
-        ScreenStreamConfiguration configuration;
-        configuration.width = width > 0 ? width : display.width;
-        configuration.height = height > 0 ? height : display.height;
-        auto made =
-            X11ScreenStreams(server.name()).makeStream(ScreenFilter{display.id}, configuration);
-        EXPECT_TRUE(made) << made.error().description();
-        m_stream = std::move(*made);
-        EXPECT_TRUE(m_stream->addStreamOutput(m_queue, [this](const ScreenSample& sample) {
-            const std::lock_guard lock(m_mutex);
-            EXPECT_TRUE(m_queue.isCurrent());
-            m_samples.push_back(sample);
-        }));
-        EXPECT_TRUE(m_stream->startCapture());
-    }
-    ~Watched() { m_stream->stopCapture(); }
-
-    std::vector<ScreenSample> samples() const {
-        const std::lock_guard lock(m_mutex);
-        return m_samples;
-    }
-    std::size_t count() const { return samples().size(); }
-    PixelBufferPtr last() const { return samples().back().image; }
-    ScreenStream& stream() { return *m_stream; }
-
-    /// Waits until the newest picture has this colour there.
-    bool shows(int x, int y, std::uint32_t colour) const {
-        return test::waitFor([&] {
-            const auto all = samples();
-            return !all.empty() && pixelAt(*all.back().image, x, y) == (colour | 0xFF000000U);
-        });
-    }
-
-private:
-    mutable std::mutex m_mutex;
-    std::vector<ScreenSample> m_samples;
-    SerialQueue m_queue{"test"};
-    std::unique_ptr<ScreenStream> m_stream;
+    Watched(const XTestServer& server, const Display& display, int width = 0, int height = 0)
+        : WatchedStream(server, ScreenFilter::display(display.id),
+                        width > 0 ? width : display.width, height > 0 ? height : display.height) {}
 };
 
 class X11ScreenStreamsTest : public testing::Test {
@@ -246,7 +204,8 @@ TEST_F(X11ScreenStreamsTest, serverThatDiesIsAFailure) {
 CaptureError::Kind errorOf(const std::string& server, std::uint32_t displayId) {
     ScreenStreamConfiguration configuration;
     configuration.width = configuration.height = 64;
-    const auto made = X11ScreenStreams(server).makeStream(ScreenFilter{displayId}, configuration);
+    const auto made =
+        X11ScreenStreams(server).makeStream(ScreenFilter::display(displayId), configuration);
     EXPECT_FALSE(made);
     EXPECT_FALSE(made.error().description().empty());
     return made.error().kind;

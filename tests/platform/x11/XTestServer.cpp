@@ -109,6 +109,29 @@ xcb_window_t Painter::addWindow(int x, int y, int width, int height, std::uint32
     return window;
 }
 
+xcb_window_t Painter::addAlphaWindow(int x, int y, int width, int height, std::uint32_t pixel) {
+    constexpr std::uint8_t kDepth = 32;
+    auto depth = xcb_screen_allowed_depths_iterator(m_screen);
+    while (depth.rem > 0 && (depth.data->depth != kDepth || depth.data->visuals_len == 0)) {
+        xcb_depth_next(&depth);
+    }
+    EXPECT_GT(depth.rem, 0) << "no visual with an alpha channel";
+    const xcb_visualid_t visual = xcb_depth_visuals(depth.data)->visual_id;
+    const xcb_colormap_t colours = xcb_generate_id(m_connection);
+    xcb_create_colormap(m_connection, XCB_COLORMAP_ALLOC_NONE, colours, root(), visual);
+    const xcb_window_t window = xcb_generate_id(m_connection);
+    const std::array<std::uint32_t, 4> values{pixel, 0, 1, colours};
+    xcb_create_window(m_connection, kDepth, window, root(), static_cast<std::int16_t>(x),
+                      static_cast<std::int16_t>(y), static_cast<std::uint16_t>(width),
+                      static_cast<std::uint16_t>(height), 0, XCB_WINDOW_CLASS_INPUT_OUTPUT, visual,
+                      XCB_CW_BACK_PIXEL | XCB_CW_BORDER_PIXEL | XCB_CW_OVERRIDE_REDIRECT |
+                          XCB_CW_COLORMAP,
+                      values.data());
+    xcb_map_window(m_connection, window);
+    sync();
+    return window;
+}
+
 void Painter::put(int x, int y, int width, int height, const std::vector<std::uint32_t>& pixels) {
     xcb_put_image(m_connection, XCB_IMAGE_FORMAT_Z_PIXMAP, root(), m_gc,
                   static_cast<std::uint16_t>(width), static_cast<std::uint16_t>(height),

@@ -49,6 +49,9 @@ public:
     xcb_window_t addWindow(int x, int y, int width, int height, std::uint32_t colour,
                            int glyph = -1);
 
+    /// The same with an alpha channel; `pixel` is 0xAARRGGBB, premultiplied.
+    xcb_window_t addAlphaWindow(int x, int y, int width, int height, std::uint32_t pixel);
+
     /// Puts rows of BGRX pixels at (x, y) of the root window.
     void put(int x, int y, int width, int height, const std::vector<std::uint32_t>& pixels);
 

@@ -1,0 +1,55 @@
+#pragma once
+
+#include "platform/x11/DamageWatch.h"
+#include "platform/x11/Grabber.h"
+#include "platform/x11/PictureFetcher.h"
+
+#include <cstdint>
+#include <memory>
+
+namespace tavi {
+
+/// One window without its decoration. While this lives, the server keeps the
+/// window's picture in memory of its own, so that what covers the window and where it is don't
+/// matter.
+///
+/// A window that is not shown keeps its last picture. One that changes its size stays at the
+/// top left of the picture: cut off, or continued by its last column and row.
+/// Alpha is 255 everywhere unless the window has an alpha channel of its own.
+/// It owns its connection and reads its events.
+class WindowGrabber final : public Grabber {
+public:
+    /// The picture is `width` x `height` pixels, as large as the window where
+    /// that is 0. The window must be shown. Checks everything that grabbing needs, and
+    /// waits for the window's program to paint what was covered until now.
+    static Result<std::unique_ptr<WindowGrabber>, CaptureError>
+    open(const std::string& displayName, std::uint32_t windowId, int width, int height);
+
+    int descriptor() const override { return xcb_get_file_descriptor(m_x.get()); }
+    bool hasNews() override;
+    std::optional<CaptureError> failure() const override;
+    PixelRect grab() override;
+    const PixelBuffer& picture() const override { return m_picture; }
+
+private:
+    WindowGrabber(XConnection x, xcb_window_t window, PictureFetcher fetcher, DamageWatch damage,
+                  FourthByte fourthByte, int width, int height);
+
+    void handleEvent(const xcb_generic_event_t& event);
+    void awaitRepaint();
+    bool takePixmap();
+    PixelRect wholePicture() const { return {0, 0, m_picture.width(), m_picture.height()}; }
+
+    XConnection m_x;
+    xcb_window_t m_window;
+    PictureFetcher m_fetcher;
+    DamageWatch m_damage;
+    PictureFetcher::Source m_source; ///< The window's memory, past its border.
+    PixelRect m_content;             ///< The window's part of the picture.
+    PixelBuffer m_picture;
+    bool m_hasNews = true;
+    bool m_mustTakePixmap = true; ///< The window may have got new memory.
+    bool m_isClosed = false;
+};
+
+} // namespace tavi
