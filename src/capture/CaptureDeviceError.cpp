@@ -14,7 +14,7 @@ std::string CaptureDeviceError::description() const {
     case Kind::unsupportedFormat:
         return which + " delivers no format that can be recorded; choose another one.";
     }
-    return which;
+    return which + " can't be used.";
 }
 
 } // namespace tavi
