@@ -4,7 +4,9 @@
 #include <gmock/gmock.h>
 
 #include <array>
+#include <chrono>
 #include <ctime>
+#include <thread>
 
 namespace tavi {
 namespace {
@@ -73,6 +75,58 @@ TEST_F(X11WindowStreamsTest, windowThatWasCoveredBeforeIsWhole) {
     for (const auto& sample : watched.samples()) {
         EXPECT_EQ(pixelAt(*sample.image, 0, 0), 0xFF3070B0U) << "not even at first";
     }
+}
+
+/// A program that paints its window itself, some time after it is asked to.
+class SlowProgram {
+public:
+    SlowProgram(const XTestServer& server, std::uint32_t colour) : m_painter(server) {
+        m_window = m_painter.addWindow(100, 80, 200, 150, 0);
+        xcb_connection_t* c = m_painter.connection();
+        const std::array<std::uint32_t, 2> values{XCB_BACK_PIXMAP_NONE, XCB_EVENT_MASK_EXPOSURE};
+        xcb_change_window_attributes(c, m_window, XCB_CW_BACK_PIXMAP | XCB_CW_EVENT_MASK,
+                                     values.data());
+        m_gc = xcb_generate_id(c);
+        xcb_create_gc(c, m_gc, m_window, XCB_GC_FOREGROUND, &colour);
+        paint({0, 0, 200, 150});
+        m_thread = std::jthread([this](const std::stop_token& stop) { run(stop); });
+    }
+
+    xcb_window_t window() const { return m_window; }
+
+private:
+    void run(const std::stop_token& stop) {
+        while (!stop.stop_requested()) {
+            auto* event = xcb_poll_for_event(m_painter.connection());
+            if (event != nullptr && (event->response_type & 0x7F) == XCB_EXPOSE) {
+                const auto& e = *reinterpret_cast<const xcb_expose_event_t*>(event);
+                std::this_thread::sleep_for(std::chrono::milliseconds(15));
+                paint({static_cast<std::int16_t>(e.x), static_cast<std::int16_t>(e.y), e.width,
+                       e.height});
+            }
+            std::free(event);
+            std::this_thread::sleep_for(std::chrono::milliseconds(1));
+        }
+    }
+
+    void paint(const xcb_rectangle_t& area) {
+        xcb_poly_fill_rectangle(m_painter.connection(), m_window, m_gc, 1, &area);
+        m_painter.sync();
+    }
+
+    Painter m_painter;
+    xcb_window_t m_window = XCB_NONE;
+    xcb_gcontext_t m_gc = XCB_NONE;
+    std::jthread m_thread;
+};
+
+TEST_F(X11WindowStreamsTest, firstPictureWaitsForAProgramThatPaintsSlowly) {
+    const SlowProgram program(server, 0x00C080);
+    painter.addWindow(50, 40, 150, 100, 0xFF0000);
+    const WindowWatch watched(server, program.window(), 200, 150);
+    ASSERT_TRUE(watched.shows(199, 149, 0x00C080));
+    EXPECT_EQ(pixelAt(*watched.samples()[0].image, 0, 0), 0xFF00C080U);
+    EXPECT_EQ(pixelAt(*watched.samples()[0].image, 99, 59), 0xFF00C080U);
 }
 
 TEST_F(X11WindowStreamsTest, windowThatIsCoveredMeanwhileStaysWholeAndGoesOn) {
