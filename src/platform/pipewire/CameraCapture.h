@@ -25,6 +25,7 @@ private:
     void parametersChanged(const Parameters&) override {}
     StreamPlan plan() override;
     bool formatAgreed(pw_stream& stream, const spa_pod& format) override;
+    bool onlyNewestCounts() const override { return true; }
     std::optional<CaptureSample> read(pw_stream& stream, const spa_buffer& buffer) override;
 
     std::int64_t timeOf(pw_stream& stream, const spa_buffer& buffer);

@@ -50,9 +50,20 @@ struct DeviceCapture::Callbacks {
 
     static void process(void* data) {
         auto& capture = of(data);
-        while (pw_buffer* buffer = pw_stream_dequeue_buffer(capture.m_stream)) {
-            capture.deliver(*buffer);
-            pw_stream_queue_buffer(capture.m_stream, buffer);
+        pw_stream* const stream = capture.m_stream;
+        const bool isNewestOnly = capture.onlyNewestCounts();
+        while (pw_buffer* buffer = pw_stream_dequeue_buffer(stream)) {
+            while (pw_buffer* newer = isNewestOnly ? pw_stream_dequeue_buffer(stream) : nullptr) {
+                pw_stream_queue_buffer(stream, buffer);
+                buffer = newer;
+            }
+            if (!capture.m_isStopping) {
+                capture.deliver(*buffer);
+            }
+            pw_stream_queue_buffer(stream, buffer);
+            if (isNewestOnly) {
+                return; // for what came meanwhile there is another call
+            }
         }
     }
 
@@ -122,7 +133,9 @@ void DeviceCapture::start(Sink sink) {
 }
 
 void DeviceCapture::stop() {
+    m_isStopping = true; // a thread that can't keep up would hardly let go of the lock
     const PipeWireGraph::Lock lock(m_graph);
+    m_isStopping = false;
     pw_loop_update_timer(m_graph.loop(), m_watch, nullptr, nullptr, false);
     closeStream();
     m_sink = nullptr;

@@ -4,6 +4,7 @@
 #include "platform/pipewire/PipeWireGraph.h"
 #include "platform/pipewire/PodCopy.h"
 
+#include <atomic>
 #include <mutex>
 #include <optional>
 #include <vector>
@@ -67,6 +68,9 @@ protected:
     virtual StreamPlan plan() = 0;
     /// The format that was agreed upon; false when it is none to be read.
     virtual bool formatAgreed(pw_stream& stream, const spa_pod& format) = 0;
+    /// Whether buffers that wait behind another are left out: a machine that can't keep up
+    /// then reads fewer of them instead of older and older ones.
+    virtual bool onlyNewestCounts() const = 0;
     /// A buffer that came; null when there is nothing to tell of it.
     virtual std::optional<CaptureSample> read(pw_stream& stream, const spa_buffer& buffer) = 0;
 
@@ -106,6 +110,8 @@ private:
     pw_stream* m_stream = nullptr;
     spa_hook m_streamHook{};
     std::int64_t m_lastSample = 0; ///< Host nanoseconds; of the stream's start before the first.
+
+    std::atomic<bool> m_isStopping = false;
 
     mutable std::mutex m_mutex;
     std::optional<CaptureDeviceError> m_interruption; ///< By the mutex.

@@ -24,6 +24,7 @@ private:
     void parametersChanged(const Parameters& parameters) override;
     StreamPlan plan() override;
     bool formatAgreed(pw_stream& stream, const spa_pod& format) override;
+    bool onlyNewestCounts() const override { return false; }
     std::optional<CaptureSample> read(pw_stream& stream, const spa_buffer& buffer) override;
 
     std::int64_t startOf(pw_stream& stream, std::size_t frames) const;

@@ -80,8 +80,10 @@ TEST(CameraSession, pictureTimesAreThoseOfTheCamera) {
     for (std::size_t i = 1; i < all.size(); ++i) {
         EXPECT_GT(all[i].presentationTime, all[i - 1].presentationTime);
     }
+    // A machine that can't keep up leaves pictures out; it adds none.
     const double length = (all.back().presentationTime - all.front().presentationTime).seconds();
-    EXPECT_NEAR(length, static_cast<double>(all.size() - 1) / 30, 0.1);
+    EXPECT_GT(length, static_cast<double>(all.size() - 1) / 30 - 0.1);
+    EXPECT_LT(length, 8);
 }
 
 TEST(CameraSession, takesTheModeNearestToTheMediumSize) {
