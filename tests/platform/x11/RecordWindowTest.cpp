@@ -152,6 +152,27 @@ TEST(RecordWindow, filmShowsAWindowThatAnotherCovers) {
     EXPECT_GT(metadata.duration, 1.4);
 }
 
+TEST(RecordWindow, filmGoesOnWhenTheWindowIsMovedMinimizedAndShownAgain) {
+    Desktop desktop;
+    const std::uint32_t id = desktop.startTerminal();
+    ASSERT_NE(id, 0U);
+    const std::string window = std::to_string(id);
+    const auto done = desktop.folder / "done";
+    ASSERT_TRUE(desktop.server.run("sh -c 'sleep 1; xdotool windowmove " + window +
+                                   " -60 400 && xdotool windowminimize --sync " + window +
+                                   " && sleep 0.5 && xdotool windowmap --sync " + window +
+                                   " && touch \"" + done.string() + "\"' &"));
+    const auto out = desktop.folder / "out";
+    ASSERT_EQ(desktop.run("record --duration 3 --window " + window, out), 0)
+        << test::readFile(desktop.folder / "errors");
+    ASSERT_TRUE(std::filesystem::exists(done)) << "all that happened while it was recorded";
+    const auto samples = readAll(printedFolder(out) / "video.mov");
+    EXPECT_GE(samples.size(), 2U);
+    for (const auto& sample : samples) {
+        EXPECT_EQ(strangePixels(*sample.image, 0x3070B0), 0) << sample.presentationTime.seconds();
+    }
+}
+
 TEST(RecordWindow, takeOfAWindowThatIsClosedIsSaved) {
     Desktop desktop;
     const std::uint32_t id = desktop.startTerminal();
