@@ -6,8 +6,11 @@
 #include "capture/TakeRecorder.h"
 #include "cli/MainThread.h"
 #include "cli/Output.h"
+#include "cli/TakeDeviceChoice.h"
 #include "platform/ffmpeg/FfmpegImageFiles.h"
 #include "platform/ffmpeg/FfmpegMediaLibrary.h"
+#include "platform/pipewire/PipeWireDevices.h"
+#include "platform/pipewire/PipeWireSessions.h"
 #include "platform/x11/X11Pointer.h"
 #include "platform/x11/X11PointerMonitors.h"
 #include "platform/x11/X11ScreenStreams.h"
@@ -17,6 +20,7 @@
 
 #include <CLI/CLI.hpp>
 #include <QCoreApplication>
+#include <QThread>
 #include <QTimer>
 #include <fmt/format.h>
 
@@ -34,9 +38,12 @@ namespace {
 struct TakeOptions {
     int display = 0;
     std::optional<std::uint32_t> window; ///< Recorded instead of a display.
-    double countdown = 0;                ///< Seconds before the take starts.
-    std::optional<double> duration;      ///< Seconds after which it ends by itself.
+    cli::TakeDeviceNames devices;
+    double countdown = 0;           ///< Seconds before the take starts.
+    std::optional<double> duration; ///< Seconds after which it ends by itself.
 };
+
+constexpr unsigned long kMicrophonePoll = 10; // milliseconds
 
 /// One line on a terminal that is written over and over; nothing elsewhere.
 class StatusLine {
@@ -85,7 +92,9 @@ void runTake(TakeRecorder& recorder, const TakeOptions& options, cli::StopSignal
     timer.setTimerType(Qt::PreciseTimer);
     QObject::connect(&timer, &QTimer::timeout, [&] {
         recorder.tick();
-        status.show(elapsedText(recorder.elapsedTime()));
+        const auto interruption = recorder.interruption();
+        status.show(interruption ? interruption->description()
+                                 : elapsedText(recorder.elapsedTime()));
         const double left = options.duration.value_or(INFINITY) - recorder.elapsedTime();
         if (left <= 0 || recorder.failure()) {
             QCoreApplication::quit();
@@ -110,6 +119,16 @@ int finish(TakeRecorder& recorder) {
     return 0;
 }
 
+/// Asks the system for devices only when some are wanted.
+Result<TakeDevices, std::string> findDevices(const cli::TakeDeviceNames& names,
+                                             CaptureSessions& sessions, Executor& main) {
+    if (names.isEmpty()) {
+        return TakeDevices{};
+    }
+    PipeWireDevices devices(main);
+    return cli::findTakeDevices(names, devices, sessions);
+}
+
 int recordSource(const TakeSource& source, const TakeOptions& options,
                  cli::StopSignals& stopSignals) {
     auto monitors = X11PointerMonitors::open();
@@ -123,20 +142,33 @@ int recordSource(const TakeSource& source, const TakeOptions& options,
     PosixHelperLauncher launcher;
     SystemClock clock;
     cli::MainThreadExecutor main;
+    PipeWireSessions sessions;
+    auto devices = findDevices(options.devices, sessions, main);
+    if (!devices) {
+        return cli::failed(devices.error());
+    }
     TakeRecorder recorder({streams,
                            media,
                            imageFiles,
                            {**monitors, **pointer, **pointer, launcher, clock, main, nullptr,
-                            helperExecutablePath(runningExecutableFolder())}});
+                            helperExecutablePath(runningExecutableFolder())},
+                           &sessions});
     StatusLine status;
     if (options.countdown > 0) {
         countDown(options.countdown, stopSignals, status);
     }
+    const bool isHeard = cli::waitForMicrophone(*devices, [&stopSignals] {
+        QThread::msleep(kMicrophonePoll);
+        return !stopSignals.hasCome();
+    });
     if (stopSignals.hasCome()) {
         status.show("");
-        return cli::failed("Nothing was recorded: it was stopped during the countdown.");
+        return cli::failed("Nothing was recorded: it was stopped before the start.");
     }
-    if (const auto started = recorder.start(source, recordingsDirectory()); !started) {
+    if (!isHeard) {
+        return cli::failed("The microphone sends nothing: " + devices->microphone->name);
+    }
+    if (const auto started = recorder.start(source, recordingsDirectory(), *devices); !started) {
         return cli::failed(started.error().description());
     }
     runTake(recorder, options, stopSignals, status);
@@ -208,6 +240,14 @@ void addRecordCommand(CLI::App& app, int& exitCode) {
         ->add_option("--window", options->window, "One window instead, its id from `tavi sources`")
         ->type_name("ID")
         ->excludes(display);
+    command
+        ->add_option("--mic", options->devices.microphone,
+                     "Microphone by its name from `tavi sources`, or \"default\"")
+        ->type_name("NAME");
+    command
+        ->add_option("--camera", options->devices.camera,
+                     "Camera by its name from `tavi sources`, or \"default\"")
+        ->type_name("NAME");
     command->add_option("--countdown", options->countdown, "Seconds to wait before the start")
         ->check(CLI::NonNegativeNumber)
         ->type_name("S");

@@ -1,7 +1,9 @@
 #include "cli/SourcesCommand.h"
 
 #include "capture/OfferedWindows.h"
+#include "cli/MainThread.h"
 #include "cli/Output.h"
+#include "platform/pipewire/PipeWireDevices.h"
 #include "platform/x11/X11ShareableContent.h"
 #include "project/JsonWriter.h"
 
@@ -55,17 +57,44 @@ void writeWindows(JsonWriter& out, const std::vector<Window>& windows) {
     out.endArray();
 }
 
+void writeDevices(JsonWriter& out, const char* key, const std::vector<CaptureDevice>& devices) {
+    out.key(key);
+    out.beginArray();
+    for (const CaptureDevice& device : devices) {
+        out.beginObject();
+        out.field("name", device.name);
+        out.field("id", device.id);
+        out.endObject();
+    }
+    out.endArray();
+}
+
+/// Microphones and cameras; none where no media service answers.
+struct Devices {
+    std::vector<CaptureDevice> microphones;
+    std::vector<CaptureDevice> cameras;
+};
+
+Devices listDevices() {
+    cli::MainThreadExecutor main; // no change is waited for
+    PipeWireDevices devices(main);
+    return {devices.devices(CaptureDeviceKind::microphone).value_or(std::vector<CaptureDevice>()),
+            devices.devices(CaptureDeviceKind::camera).value_or(std::vector<CaptureDevice>())};
+}
+
 /// Frames are in points, origin at the bottom left of the desktop.
-std::string json(const ShareableContent& content) {
+std::string json(const ShareableContent& content, const Devices& devices) {
     JsonWriter out;
     out.beginObject();
     writeDisplays(out, content.displays);
     writeWindows(out, content.windows);
+    writeDevices(out, "microphones", devices.microphones);
+    writeDevices(out, "cameras", devices.cameras);
     out.endObject();
     return out.finish().value_or("{}");
 }
 
-void printTable(const ShareableContent& content) {
+void printTable(const ShareableContent& content, const Devices& devices) {
     for (std::size_t i = 0; i < content.displays.size(); ++i) {
         const Display& display = content.displays[i];
         cli::printLine(fmt::format("display {}  {}x{}  {}{}", i, display.width, display.height,
@@ -76,6 +105,12 @@ void printTable(const ShareableContent& content) {
                                    window.frame.width, window.frame.height, window.applicationName,
                                    window.title));
     }
+    for (const CaptureDevice& device : devices.microphones) {
+        cli::printLine("microphone  " + device.name);
+    }
+    for (const CaptureDevice& device : devices.cameras) {
+        cli::printLine("camera  " + device.name);
+    }
 }
 
 int listSources(bool asJson) {
@@ -85,10 +120,11 @@ int listSources(bool asJson) {
         return cli::failed(content.error().description());
     }
     content->windows = offeredWindows(content->windows);
+    const Devices devices = listDevices();
     if (asJson) {
-        cli::printLine(json(*content));
+        cli::printLine(json(*content, devices));
     } else {
-        printTable(*content);
+        printTable(*content, devices);
     }
     return 0;
 }
@@ -97,7 +133,8 @@ int listSources(bool asJson) {
 
 void addSourcesCommand(CLI::App& app, int& exitCode) {
     auto asJson = std::make_shared<bool>(false);
-    CLI::App* command = app.add_subcommand("sources", "List displays and windows");
+    CLI::App* command =
+        app.add_subcommand("sources", "List displays, windows, microphones and cameras");
     command->add_flag("--json", *asJson, "Print JSON");
     command->callback([asJson, &exitCode] { exitCode = listSources(*asJson); });
 }
