@@ -6,6 +6,7 @@
 #include <csignal>
 #include <cstdlib>
 #include <fcntl.h>
+#include <fstream>
 #include <sys/prctl.h>
 #include <sys/wait.h>
 #include <thread>
@@ -25,6 +26,20 @@ void end(pid_t& pid) {
     }
 }
 
+/// Keeps the session manager from Bluetooth, which asks systemd-logind for
+/// seats: where that is not running WirePlumber gives up altogether. Told
+/// twice, in Lua for releases before 0.5 and in the later form.
+void leaveOutBluetooth(const std::filesystem::path& configHome) {
+    const auto lua = configHome / "wireplumber/bluetooth.lua.d";
+    const auto fragments = configHome / "wireplumber/wireplumber.conf.d";
+    std::filesystem::create_directories(lua);
+    std::filesystem::create_directories(fragments);
+    std::ofstream(lua / "60-no-bluetooth.lua") << "bluez_monitor.enabled = false\n";
+    std::ofstream(fragments / "60-no-bluetooth.conf")
+        << "wireplumber.profiles = { main = { hardware.bluetooth = disabled "
+           "support.logind = disabled } }\n";
+}
+
 } // namespace
 
 bool waitFor(const std::function<bool()>& condition, double seconds) {
@@ -40,6 +55,7 @@ bool waitFor(const std::function<bool()>& condition, double seconds) {
 
 PipeWireTestServer::PipeWireTestServer() {
     setenv(kPlace, m_folder.path().c_str(), 1);
+    leaveOutBluetooth(m_folder.path());
     start();
 }
 
