@@ -1,3 +1,6 @@
+// A sanitizer keeps what was freed: there memory says nothing of the composer.
+#if !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__)
+
 #include "render/FrameComposer.h"
 #include "support/Pictures.h"
 
@@ -52,12 +55,7 @@ struct MemoryCase {
 class FrameComposerMemory : public testing::TestWithParam<MemoryCase> {};
 
 TEST_P(FrameComposerMemory, doesNotGrowWithTheNumberOfFrames) {
-#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
-    GTEST_SKIP() << "a sanitizer keeps what was freed";
-#endif
-    if (residentBytes() == 0) {
-        GTEST_SKIP() << "the system doesn't tell";
-    }
+    ASSERT_GT(residentBytes(), 0) << "/proc/self/statm tells nothing";
     const EditProject project = movingProject(GetParam().background, GetParam().cornerRadius);
     FrameComposer composer(project, makeOutputTimeline(project, 60), kSize);
     PixelBuffer out(composer.frameSize().width, composer.frameSize().height);
@@ -80,3 +78,5 @@ INSTANTIATE_TEST_SUITE_P(Looks, FrameComposerMemory,
 
 } // namespace
 } // namespace tavi
+
+#endif

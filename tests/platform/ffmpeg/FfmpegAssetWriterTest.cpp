@@ -21,30 +21,11 @@ namespace fs = std::filesystem;
 using Kind = MediaError::Kind;
 using Status = AssetWriterStatus;
 
-constexpr int kWidth = 160;
-constexpr int kHeight = 120;
+constexpr int kWidth = kPictureWidth;
+constexpr int kHeight = kPictureHeight;
 
 VideoSettings settings(FileType type, VideoCodec codec = VideoCodec::hevc) {
     return {codec, kWidth, kHeight, 2'000'000, 60, type == FileType::quickTimeMovie};
-}
-
-PixelBufferPtr numbered(int n) {
-    auto picture = std::make_shared<PixelBuffer>(kWidth, kHeight);
-    drawNumber(*picture, n);
-    return picture;
-}
-
-/// What no encoder makes small.
-PixelBufferPtr noise(int seed) {
-    auto picture = std::make_shared<PixelBuffer>(kWidth, kHeight);
-    std::uint32_t state = static_cast<std::uint32_t>(seed) * 7919 + 1;
-    for (int y = 0; y < kHeight; ++y) {
-        for (int x = 0; x < kWidth * 4; ++x) {
-            state = state * 1664525 + 1013904223;
-            picture->row(y)[x] = static_cast<std::uint8_t>(state >> 24);
-        }
-    }
-    return picture;
 }
 
 /// A writer with its one input, started.

@@ -25,28 +25,9 @@ using Status = AssetWriterStatus;
 using Wave = std::function<float(double)>; ///< A value by its time in seconds.
 
 constexpr double kMillisecond = 0.001;
-constexpr int kWidth = 160;
-constexpr int kHeight = 120;
+constexpr int kWidth = kPictureWidth;
+constexpr int kHeight = kPictureHeight;
 constexpr int kFrames = AudioReader::kFramesPerBuffer;
-
-PixelBufferPtr numbered(int n) {
-    auto picture = std::make_shared<PixelBuffer>(kWidth, kHeight);
-    drawNumber(*picture, n);
-    return picture;
-}
-
-/// What no encoder makes small.
-PixelBufferPtr noise(int seed) {
-    auto picture = std::make_shared<PixelBuffer>(kWidth, kHeight);
-    std::uint32_t state = static_cast<std::uint32_t>(seed) * 7919 + 1;
-    for (int y = 0; y < kHeight; ++y) {
-        for (int x = 0; x < kWidth * 4; ++x) {
-            state = state * 1664525 + 1013904223;
-            picture->row(y)[x] = static_cast<std::uint8_t>(state >> 24);
-        }
-    }
-    return picture;
-}
 
 /// `frames` moments of a wave from `start` (seconds) on, the same on every channel.
 AudioBufferPtr soundOf(const Wave& wave, double start, int frames, int sampleRate = 44100,

@@ -115,6 +115,24 @@ void drawNumber(PixelBuffer& image, int n) {
     }
 }
 
+PixelBufferPtr numbered(int n) {
+    auto picture = std::make_shared<PixelBuffer>(kPictureWidth, kPictureHeight);
+    drawNumber(*picture, n);
+    return picture;
+}
+
+PixelBufferPtr noise(int seed) {
+    auto picture = std::make_shared<PixelBuffer>(kPictureWidth, kPictureHeight);
+    std::uint32_t state = static_cast<std::uint32_t>(seed) * 7919 + 1;
+    for (int y = 0; y < kPictureHeight; ++y) {
+        for (int x = 0; x < kPictureWidth * 4; ++x) {
+            state = state * 1664525 + 1013904223;
+            picture->row(y)[x] = static_cast<std::uint8_t>(state >> 24);
+        }
+    }
+    return picture;
+}
+
 std::string probe(const fs::path& file, const std::string& entries) {
     return outputOf(fmt::format("ffprobe -v error -select_streams v:0 -show_entries {} "
                                 "-of default=nw=1:nk=1 '{}' | head -1",

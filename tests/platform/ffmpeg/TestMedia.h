@@ -41,6 +41,16 @@ int numberIn(const PixelBuffer& image);
 /// The picture whose number is `n`, to be written by a writer.
 void drawNumber(PixelBuffer& image, int n);
 
+/// The size of the pictures below.
+inline constexpr int kPictureWidth = 160;
+inline constexpr int kPictureHeight = 120;
+
+/// A picture that shows its number (see drawNumber).
+PixelBufferPtr numbered(int n);
+
+/// A picture that no encoder makes small.
+PixelBufferPtr noise(int seed);
+
 /// One value of `ffprobe -show_entries`, of the first video stream or the format.
 std::string probe(const std::filesystem::path& file, const std::string& entries);
 

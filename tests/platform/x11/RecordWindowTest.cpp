@@ -1,7 +1,6 @@
-#include "platform/ffmpeg/FfmpegMediaLibrary.h"
+#include "platform/x11/RecordedVideo.h"
 #include "platform/x11/XTestServer.h"
 #include "project/RecordingMetadataJson.h"
-#include "render/YuvConverter.h"
 #include "support/TemporaryFolder.h"
 
 #include <gmock/gmock.h>
@@ -16,6 +15,7 @@ namespace tavi {
 namespace {
 
 using test::Painter;
+using test::readAll;
 using test::XTestServer;
 
 /// A desktop with a window manager.
@@ -94,21 +94,6 @@ private:
     pid_t m_manager = 0;
     pid_t m_program = 0;
 };
-
-/// The pictures of a take's video.
-std::vector<VideoSample> readAll(const std::filesystem::path& video) {
-    FfmpegMediaLibrary media(std::make_shared<YuvConverter>());
-    const auto asset = media.openAsset(video);
-    if (!asset || asset->videoTracks.empty()) {
-        return {};
-    }
-    auto reader = media.makeVideoReader(*asset, asset->videoTracks[0], {{0, 1}, asset->duration});
-    std::vector<VideoSample> samples;
-    while (auto sample = (*reader)->copyNextSample()) {
-        samples.push_back(std::move(*sample));
-    }
-    return samples;
-}
 
 /// Pixels, away from the edges, that are further from 0xRRGGBB than coding explains.
 int strangePixels(const PixelBuffer& image, std::uint32_t colour) {

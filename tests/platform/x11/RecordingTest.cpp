@@ -3,6 +3,7 @@
 #include "capture/TakeRecorder.h"
 #include "platform/ffmpeg/FfmpegImageFiles.h"
 #include "platform/ffmpeg/FfmpegMediaLibrary.h"
+#include "platform/x11/RecordedVideo.h"
 #include "platform/x11/X11Pointer.h"
 #include "platform/x11/X11PointerMonitors.h"
 #include "platform/x11/X11ScreenStreams.h"
@@ -23,6 +24,7 @@ namespace tavi {
 namespace {
 
 using test::Painter;
+using test::readAll;
 using test::XTestServer;
 
 class QtExecutor final : public Executor {
@@ -72,20 +74,6 @@ private:
     Display m_display;
     TakeRecorder m_recorder;
 };
-
-std::vector<VideoSample> readAll(const std::filesystem::path& video) {
-    FfmpegMediaLibrary media(std::make_shared<YuvConverter>());
-    const auto asset = media.openAsset(video);
-    if (!asset || asset->videoTracks.empty()) {
-        return {};
-    }
-    auto reader = media.makeVideoReader(*asset, asset->videoTracks[0], {{0, 1}, asset->duration});
-    std::vector<VideoSample> samples;
-    while (auto sample = (*reader)->copyNextSample()) {
-        samples.push_back(std::move(*sample));
-    }
-    return samples;
-}
 
 /// Largest difference of a colour channel between a pixel and 0xRRGGBB.
 int difference(const PixelBuffer& image, int x, int y, std::uint32_t colour) {
