@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/pipewire/FakeDevices.h"
+#include "platform/pipewire/FakeCamera.h"
 
 #include <cstdint>
 #include <vector>

@@ -140,7 +140,6 @@ TEST(MicrophoneSession, soundHasTheTimeAtWhichItWasHeard) {
     SessionRig rig;
     ASSERT_NO_FATAL_FAILURE(rig.add(microphone("mic")));
     rig.session().startRunning();
-    double least = 1000;
     for (int i = 0; i < 5; ++i) {
         ASSERT_TRUE(test::waitFor(
             [&] { return secondsOf(rig.samples()) > 0.3 && fake.firstHeard() == 0; }));
@@ -148,15 +147,12 @@ TEST(MicrophoneSession, soundHasTheTimeAtWhichItWasHeard) {
         fake.mute(false);
         std::int64_t heard = 0;
         ASSERT_TRUE(test::waitFor([&] { return (heard = firstLoudTime(rig.samples())) > 0; }));
-        const auto late = static_cast<double>(heard - fake.firstHeard()) / 1e6;
-        EXPECT_GT(late, -20) << "milliseconds";
-        least = std::min(least, late);
+        // The first sample of the tone is none yet; and the device's clock stands for the host's.
+        EXPECT_NEAR(static_cast<double>(heard - fake.firstHeard()) / 1e6, 0, 1) << "milliseconds";
         fake.mute(true);
         ASSERT_TRUE(test::waitFor([&] { return fake.firstHeard() == 0; }));
         rig.clear();
     }
-    // The fake device hands its sound over one portion of 21 ms ahead, on a busy machine more.
-    EXPECT_LT(least, 50) << "milliseconds";
 }
 
 TEST(MicrophoneSession, streamThatIsTakenAwayIsMadeAnew) {

@@ -23,8 +23,8 @@ protected:
     Outcome tavi(const std::string& arguments) {
         const std::string fifo = "'" + (folder / "display").string() + "'";
         return runShell("rm -f " + fifo + "; mkfifo " + fifo +
-                        "; Xvfb -displayfd 3 -screen 0 640x480x24 -nolisten tcp -ac 3>" + fifo +
-                        " >/dev/null 2>&1 & server=$!; read number <" + fifo +
+                        "; Xvfb -displayfd 3 -screen 0 640x480x24 -nolisten tcp -noreset 3>" +
+                        fifo + " >/dev/null 2>&1 & server=$!; read number <" + fifo +
                         "; DISPLAY=:$number TAVI_DOCUMENTS_DIR='" + folder.path().string() + "' " +
                         test::tavi() + " " + arguments +
                         "; status=$?; kill $server; wait $server; exit $status");
@@ -94,14 +94,21 @@ Tone toneOf(MediaLibrary& media, const fs::path& file) {
     return tone;
 }
 
+/// Heard from the beginning to the end of a take of that many seconds.
+void expectTone(const Tone& tone, double seconds) {
+    EXPECT_NEAR(tone.seconds, seconds, 0.5);
+    EXPECT_NEAR(tone.frequency, 440, 4);
+    EXPECT_GT(tone.peak, 0.3F);
+    EXPECT_LT(tone.begin, 0.3);
+    EXPECT_LT(tone.longest, 0.01);
+}
+
 TEST_F(TakeWithDevices, holdsSoundAndCamera) {
     ASSERT_TRUE(waitFor([this] { return hasBoth(tavi("sources")); }));
     const Outcome recorded = tavi("record --mic 'Test Microphone' --camera default --duration 3");
     ASSERT_EQ(recorded.status, 0) << recorded.err;
     const fs::path take = takeOf(recorded);
-    const Tone tone = toneOf(media, take / "video.mov");
-    EXPECT_NEAR(tone.seconds, 3, 0.5);
-    EXPECT_GT(tone.peak, 0.3F);
+    expectTone(toneOf(media, take / "video.mov"), 3);
     const auto film = media.openAsset(take / "camera.mov");
     ASSERT_TRUE(film) << film.error().description();
     EXPECT_EQ(film->videoTracks.front().naturalSize, (Size{640, 480}));
@@ -116,12 +123,7 @@ TEST_F(TakeWithDevices, microphoneAloneSoundsToo) {
     ASSERT_TRUE(waitFor([this] { return hasBoth(tavi("sources")); }));
     const Outcome recorded = tavi("record --mic default --duration 2");
     ASSERT_EQ(recorded.status, 0) << recorded.err;
-    const Tone tone = toneOf(media, takeOf(recorded) / "video.mov");
-    EXPECT_NEAR(tone.seconds, 2, 0.5);
-    EXPECT_NEAR(tone.frequency, 440, 4);
-    EXPECT_GT(tone.peak, 0.3F);
-    EXPECT_LT(tone.begin, 0.3);
-    EXPECT_LT(tone.longest, 0.01);
+    expectTone(toneOf(media, takeOf(recorded) / "video.mov"), 2);
     EXPECT_FALSE(fs::exists(takeOf(recorded) / "camera.mov"));
 }
 

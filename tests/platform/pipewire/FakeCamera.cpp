@@ -1,148 +1,15 @@
-#include "platform/pipewire/FakeDevices.h"
+#include "platform/pipewire/FakeCamera.h"
 
 #include "platform/pipewire/DeviceCapture.h"
 #include "platform/pipewire/FakePicture.h"
-#include "platform/pipewire/PipeWireTestServer.h"
-
-#include <gtest/gtest.h>
 
 #include <algorithm>
 #include <array>
-#include <cmath>
 #include <cstring>
-#include <numbers>
-#include <spa/param/audio/format-utils.h>
 #include <spa/param/video/format-utils.h>
 #include <spa/pod/builder.h>
 
 namespace tavi::test {
-
-namespace {
-
-std::uint32_t bytesOfSample(std::uint32_t format) {
-    switch (format) {
-    case SPA_AUDIO_FORMAT_S16:
-        return 2;
-    case SPA_AUDIO_FORMAT_S24:
-        return 3;
-    default:
-        return 4;
-    }
-}
-
-void writeSample(std::uint32_t format, double value, std::uint8_t* to) {
-    const auto scaled = [value](int bits) {
-        return static_cast<std::int32_t>(std::lround(value * ((1LL << (bits - 1)) - 1)));
-    };
-    if (format == SPA_AUDIO_FORMAT_F32) {
-        const auto sample = static_cast<float>(value);
-        std::memcpy(to, &sample, sizeof sample);
-        return;
-    }
-    const bool is24 = format == SPA_AUDIO_FORMAT_S24 || format == SPA_AUDIO_FORMAT_S24_32;
-    const std::int32_t sample = scaled(is24 ? 24 : format == SPA_AUDIO_FORMAT_S16 ? 16 : 32);
-    std::memcpy(to, &sample, bytesOfSample(format)); // little endian
-}
-
-} // namespace
-
-FakeSource::FakeSource(const pw_stream_events& events, pw_properties* properties) {
-    pw_init(nullptr, nullptr);
-    m_loop = pw_thread_loop_new("fake-device", nullptr);
-    const std::string name = pw_properties_get(properties, PW_KEY_NODE_NAME);
-    m_stream = pw_stream_new_simple(pw_thread_loop_get_loop(m_loop), name.c_str(), properties,
-                                    &events, this);
-    EXPECT_NE(m_stream, nullptr) << "no connection";
-}
-
-FakeSource::~FakeSource() {
-    stop();
-    pw_thread_loop_destroy(m_loop);
-}
-
-void FakeSource::connect(pw_stream_flags flags, std::vector<const spa_pod*> formats) {
-    EXPECT_GE(pw_stream_connect(m_stream, PW_DIRECTION_OUTPUT, PW_ID_ANY, flags, formats.data(),
-                                static_cast<std::uint32_t>(formats.size())),
-              0);
-    pw_thread_loop_start(m_loop);
-    EXPECT_TRUE(waitFor([this] {
-        pw_thread_loop_lock(m_loop);
-        const bool isThere = pw_stream_get_node_id(m_stream) != SPA_ID_INVALID;
-        pw_thread_loop_unlock(m_loop);
-        return isThere;
-    })) << "the device does not appear";
-}
-
-void FakeSource::stop() {
-    pw_thread_loop_stop(m_loop);
-    if (m_stream != nullptr) {
-        pw_stream_destroy(m_stream);
-        m_stream = nullptr;
-    }
-}
-
-FakeMicrophone::FakeMicrophone(const std::string& name, const std::string& description,
-                               FakeSound sound)
-    : FakeSource(
-          []() -> const pw_stream_events& {
-              static const pw_stream_events events{.version = PW_VERSION_STREAM_EVENTS,
-                                                   .process = process};
-              return events;
-          }(),
-          pw_properties_new(PW_KEY_MEDIA_CLASS, "Audio/Source", PW_KEY_NODE_NAME, name.c_str(),
-                            PW_KEY_NODE_DESCRIPTION, description.c_str(), nullptr)),
-      m_sound(sound) {
-    std::array<std::uint8_t, 1024> memory{};
-    spa_pod_builder builder{};
-    spa_pod_builder_init(&builder, memory.data(), memory.size());
-    spa_audio_info_raw info{};
-    info.format = static_cast<spa_audio_format>(sound.format);
-    info.rate = sound.rate;
-    info.channels = sound.channels;
-    connect(PW_STREAM_FLAG_MAP_BUFFERS,
-            {spa_format_audio_raw_build(&builder, SPA_PARAM_EnumFormat, &info)});
-}
-
-void FakeMicrophone::process(void* data) {
-    auto& microphone = *static_cast<FakeMicrophone*>(static_cast<FakeSource*>(data));
-    pw_buffer* buffer = pw_stream_dequeue_buffer(microphone.m_stream);
-    if (buffer == nullptr) {
-        return;
-    }
-    spa_data& out = buffer->buffer->datas[0];
-    const std::uint32_t stride =
-        bytesOfSample(microphone.m_sound.format) * microphone.m_sound.channels;
-    std::uint32_t frames = out.maxsize / stride;
-    if (buffer->requested > 0) {
-        frames = std::min(frames, static_cast<std::uint32_t>(buffer->requested));
-    }
-    microphone.fill(static_cast<std::uint8_t*>(out.data), frames);
-    out.chunk->offset = 0;
-    out.chunk->stride = static_cast<std::int32_t>(stride);
-    out.chunk->size = frames * stride;
-    pw_stream_queue_buffer(microphone.m_stream, buffer);
-}
-
-void FakeMicrophone::fill(std::uint8_t* to, std::uint32_t frames) {
-    if (m_isMuted) {
-        std::memset(to, 0, std::size_t{frames} * m_sound.channels * bytesOfSample(m_sound.format));
-        m_firstHeard = 0;
-        return;
-    }
-    if (m_firstHeard == 0) {
-        m_firstHeard = hostNanoseconds();
-    }
-    for (std::uint32_t frame = 0; frame < frames; ++frame, ++m_position) {
-        for (std::uint32_t channel = 0; channel < m_sound.channels; ++channel) {
-            const double turns = std::fmod(m_sound.frequency * (channel + 1) *
-                                               static_cast<double>(m_position) / m_sound.rate,
-                                           1.0);
-            writeSample(m_sound.format,
-                        FakeSound::kAmplitude * std::sin(2 * std::numbers::pi * turns), to);
-            to += bytesOfSample(m_sound.format);
-        }
-    }
-}
 
 FakeCamera::FakeCamera(const std::string& name, const std::string& description,
                        std::vector<FakeMode> modes)
@@ -158,7 +25,7 @@ FakeCamera::FakeCamera(const std::string& name, const std::string& description,
                             PW_KEY_NODE_NAME, name.c_str(), PW_KEY_NODE_DESCRIPTION,
                             description.c_str(), nullptr)),
       m_modes(std::move(modes)) {
-    m_timer = pw_loop_add_timer(pw_thread_loop_get_loop(m_loop), tick, this);
+    m_timer = pw_loop_add_timer(loop(), tick, this);
     std::array<std::uint8_t, 4096> memory{};
     spa_pod_builder builder{};
     spa_pod_builder_init(&builder, memory.data(), memory.size());
@@ -180,13 +47,12 @@ FakeCamera::FakeCamera(const std::string& name, const std::string& description,
                             SPA_FORMAT_VIDEO_framerate, SPA_POD_Fraction(&rate), 0);
         formats.push_back(static_cast<const spa_pod*>(spa_pod_builder_pop(&builder, &frame)));
     }
-    connect(static_cast<pw_stream_flags>(PW_STREAM_FLAG_DRIVER | PW_STREAM_FLAG_MAP_BUFFERS),
-            formats);
+    connect(formats);
 }
 
 FakeCamera::~FakeCamera() {
     stop();
-    pw_loop_destroy_source(pw_thread_loop_get_loop(m_loop), m_timer);
+    pw_loop_destroy_source(loop(), m_timer);
 }
 
 void FakeCamera::state(void* data, pw_stream_state, pw_stream_state now, const char*) {
@@ -194,8 +60,7 @@ void FakeCamera::state(void* data, pw_stream_state, pw_stream_state now, const c
     const bool isOn = now == PW_STREAM_STATE_STREAMING;
     timespec first{0, isOn ? 1 : 0};
     timespec interval{0, isOn ? 1'000'000'000 / camera.m_mode.rate : 0};
-    pw_loop_update_timer(pw_thread_loop_get_loop(camera.m_loop), camera.m_timer, &first, &interval,
-                         false);
+    pw_loop_update_timer(camera.loop(), camera.m_timer, &first, &interval, false);
 }
 
 void FakeCamera::parameter(void* data, std::uint32_t id, const spa_pod* pod) {
