@@ -1,0 +1,55 @@
+import QtQuick
+import QtQuick.Layouts
+import Tavi.Ui
+
+/// A row of equal pills, one of them chosen; the arrow keys go from one to the next.
+RowLayout {
+    id: row
+
+    /// What the choice is about, for assistive technology.
+    required property string name
+    /// Objects with `text` and perhaps `symbol`.
+    required property var choices
+    property int currentIndex: 0
+    signal chosen(int index)
+
+    // Grows as the pills tell their widths.
+    property real widest: 0
+
+    spacing: 4
+
+    Accessible.role: Accessible.Grouping
+    Accessible.name: name
+
+    function step(by: int) {
+        const next = Math.max(0, Math.min(choices.length - 1, currentIndex + by))
+        if (next === currentIndex)
+            return
+        chosen(next)
+        pills.itemAt(next).forceActiveFocus(Qt.TabFocusReason)
+    }
+
+    Keys.onLeftPressed: step(-1)
+    Keys.onRightPressed: step(1)
+
+    Repeater {
+        id: pills
+        model: row.choices
+
+        ChoicePill {
+            required property int index
+            required property var modelData
+
+            Layout.fillWidth: true
+            Layout.preferredWidth: 1 // equal shares
+            Layout.minimumWidth: row.widest
+            text: modelData.text
+            symbol: modelData.symbol ?? ""
+            chosen: index === row.currentIndex
+            focusPolicy: chosen ? Qt.TabFocus : Qt.NoFocus
+            activeFocusOnTab: chosen
+            onClicked: row.chosen(index)
+            onImplicitWidthChanged: row.widest = Math.max(row.widest, implicitWidth)
+        }
+    }
+}

@@ -1,0 +1,22 @@
+import QtQuick
+import Tavi.Ui
+
+/// The bar on top of a screen, with a rule under it.
+Rectangle {
+    default property alias content: inside.data
+
+    implicitHeight: Theme.headerHeight
+    color: AppPalette.surface
+
+    Item {
+        id: inside
+        anchors.fill: parent
+        anchors.leftMargin: Theme.margin
+        anchors.rightMargin: Theme.margin - 4
+    }
+    Rule {
+        anchors.left: parent.left
+        anchors.right: parent.right
+        anchors.bottom: parent.bottom
+    }
+}

@@ -1,0 +1,102 @@
+#include "ui/Picture.h"
+
+#include <QPainter>
+#include <QPainterPath>
+#include <QQuickWindow>
+#include <QSGImageNode>
+
+#include <memory>
+
+namespace tavi {
+
+namespace {
+
+/// A rectangle whose upper and lower corners are rounded differently.
+QPainterPath roundedShape(QSizeF size, double top, double bottom) {
+    const double w = size.width();
+    const double h = size.height();
+    QPainterPath path(QPointF(top, 0));
+    path.lineTo(w - top, 0);
+    path.arcTo(w - 2 * top, 0, 2 * top, 2 * top, 90, -90);
+    path.lineTo(w, h - bottom);
+    path.arcTo(w - 2 * bottom, h - 2 * bottom, 2 * bottom, 2 * bottom, 0, -90);
+    path.lineTo(bottom, h);
+    path.arcTo(0, h - 2 * bottom, 2 * bottom, 2 * bottom, 270, -90);
+    path.lineTo(0, top);
+    path.arcTo(0, 0, 2 * top, 2 * top, 180, -90);
+    return path;
+}
+
+} // namespace
+
+QRectF coveringPart(QSizeF picture, QSizeF area) {
+    const QSizeF part = area.scaled(picture, Qt::KeepAspectRatio);
+    return {QPointF((picture.width() - part.width()) / 2, (picture.height() - part.height()) / 2),
+            part};
+}
+
+Picture::Picture(QQuickItem* parent) : QQuickItem(parent) {
+    setFlag(ItemHasContents);
+    connect(this, &Picture::lookChanged, this, [this] {
+        m_stale = true;
+        update();
+    });
+}
+
+void Picture::setImage(const QImage& image) {
+    if (image.cacheKey() == m_image.cacheKey())
+        return;
+    m_image = image;
+    emit imageChanged();
+    emit lookChanged();
+}
+
+void Picture::geometryChange(const QRectF& now, const QRectF& before) {
+    QQuickItem::geometryChange(now, before);
+    if (now.size() != before.size())
+        emit lookChanged();
+}
+
+void Picture::itemChange(ItemChange change, const ItemChangeData& data) {
+    if (change == ItemDevicePixelRatioHasChanged || change == ItemSceneChange)
+        emit lookChanged();
+    QQuickItem::itemChange(change, data);
+}
+
+QImage Picture::drawn(double ratio) const {
+    const QSize pixels(int(std::ceil(width() * ratio)), int(std::ceil(height() * ratio)));
+    const QRectF part =
+        m_stretched ? QRectF(m_image.rect()) : coveringPart(m_image.size(), QSizeF(pixels));
+    // A good filter for the size, then one brush through the shape: edges are smooth.
+    const QImage exact = m_image.copy(part.toAlignedRect().intersected(m_image.rect()))
+                             .scaled(pixels, Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
+    QImage image(pixels, QImage::Format_ARGB32_Premultiplied);
+    image.fill(Qt::transparent);
+    QPainter painter(&image);
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setPen(Qt::NoPen);
+    painter.setBrush(QBrush(exact));
+    painter.drawPath(roundedShape(pixels, m_topRadius * ratio, m_bottomRadius * ratio));
+    return image;
+}
+
+QSGNode* Picture::updatePaintNode(QSGNode* old, UpdatePaintNodeData*) {
+    auto* node = static_cast<QSGImageNode*>(old);
+    const bool blank = m_image.isNull() || width() <= 0 || height() <= 0;
+    std::unique_ptr<QSGNode> unused(blank ? node : nullptr);
+    if (blank)
+        return nullptr;
+    if (node && !m_stale)
+        return node;
+    if (!node) {
+        node = window()->createImageNode();
+        node->setOwnsTexture(true);
+    }
+    const QImage image = drawn(window()->effectiveDevicePixelRatio());
+    node->setTexture(window()->createTextureFromImage(image));
+    node->setRect(0, 0, width(), height());
+    m_stale = false;
+    return node;
+}
+
+} // namespace tavi

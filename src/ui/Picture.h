@@ -1,0 +1,56 @@
+#pragma once
+
+#include <QImage>
+#include <QQuickItem>
+
+namespace tavi {
+
+/// A picture that fills its item: scaled to cover it, cut at the edges, with
+/// rounded corners.
+///
+/// The picture is brought to the item's exact pixels once, on the processor, so
+/// that scrolling copies pixels instead of scaling them; the corners are cut in
+/// its alpha, since a clip knows rectangles only.
+/// Thread: main; the node is made on the render thread while the main thread waits.
+class Picture : public QQuickItem {
+    Q_OBJECT
+    QML_ELEMENT
+    Q_PROPERTY(QImage image READ image WRITE setImage NOTIFY imageChanged)
+    Q_PROPERTY(bool empty READ isEmpty NOTIFY imageChanged)
+    /// Corners in points: the upper two and the lower two.
+    Q_PROPERTY(double topRadius MEMBER m_topRadius NOTIFY lookChanged)
+    Q_PROPERTY(double bottomRadius MEMBER m_bottomRadius NOTIFY lookChanged)
+    /// Stretched to the item instead of cut at its edges.
+    Q_PROPERTY(bool stretched MEMBER m_stretched NOTIFY lookChanged)
+
+public:
+    explicit Picture(QQuickItem* parent = nullptr);
+
+    QImage image() const { return m_image; }
+    void setImage(const QImage& image);
+    bool isEmpty() const { return m_image.isNull(); }
+
+signals:
+    void imageChanged();
+    void lookChanged();
+
+protected:
+    QSGNode* updatePaintNode(QSGNode* old, UpdatePaintNodeData*) override;
+    void geometryChange(const QRectF& now, const QRectF& before) override;
+    void itemChange(ItemChange change, const ItemChangeData& data) override;
+
+private:
+    QImage drawn(double ratio) const;
+
+    QImage m_image;
+    double m_topRadius = 0;
+    double m_bottomRadius = 0;
+    bool m_stretched = false;
+    bool m_stale = true;
+};
+
+/// The part of a picture of size `picture` that covers `area` without distortion,
+/// from its middle.
+QRectF coveringPart(QSizeF picture, QSizeF area);
+
+} // namespace tavi

@@ -1,0 +1,93 @@
+#include "Scene.h"
+
+#include "ui/QuickSetup.h"
+
+#include <QDir>
+#include <QElapsedTimer>
+#include <QFileInfo>
+#include <QGuiApplication>
+#include <QQmlEngine>
+#include <QQuickItem>
+#include <QStyleHints>
+#include <QTest>
+
+namespace tavi::test {
+
+namespace {
+
+// A window that drew nothing for this long is at rest; one that never rests
+// (a light that pulses for ever) is looked at after the longest wait.
+constexpr int kRest = 250;
+constexpr int kLongestWait = 4000;
+
+bool isShown(const QQuickItem& item) {
+    return item.isVisible() && item.opacity() > 0;
+}
+
+void visitTree(QQuickItem& item, const std::function<void(QQuickItem&)>& visitor) {
+    if (!isShown(item))
+        return;
+    visitor(item);
+    for (QQuickItem* child : item.childItems())
+        visitTree(*child, visitor);
+}
+
+} // namespace
+
+QStringList sceneFiles() {
+    const QDir folder(QStringLiteral(TAVI_SCENES));
+    QStringList files;
+    for (const QString& name : folder.entryList({QStringLiteral("*.qml")}, QDir::Files, QDir::Name))
+        files << folder.filePath(name);
+    return files;
+}
+
+void prepareScenes() {
+    setUpFonts();
+    QGuiApplication::styleHints()->setCursorFlashTime(0);
+}
+
+Scene::Scene(const QString& file) : m_view(std::make_unique<QQuickView>()) {
+    QObject::connect(m_view->engine(), &QQmlEngine::warnings, m_view.get(),
+                     [this](const QList<QQmlError>& errors) {
+                         for (const QQmlError& error : errors)
+                             m_warnings << error.toString();
+                     });
+    m_view->engine()->setOutputWarningsToStandardError(false);
+    setUpEngine(*m_view->engine());
+    m_view->setColor(QColor::fromRgbF(0.067F, 0.067F, 0.075F));
+    m_view->setResizeMode(QQuickView::SizeRootObjectToView);
+    m_view->setSource(QUrl::fromLocalFile(file));
+    for (const QQmlError& error : m_view->errors())
+        m_warnings << error.toString();
+    m_view->show();
+    // QTest's wait wants an active window, which offscreen windows are at once.
+    if (!QTest::qWaitForWindowActive(m_view.get(), kLongestWait))
+        m_warnings << QStringLiteral("the window never became active");
+    settle();
+}
+
+Scene::~Scene() = default;
+
+void Scene::settle() {
+    QElapsedTimer all;
+    QElapsedTimer rest;
+    all.start();
+    rest.start();
+    const auto connection = QObject::connect(m_view.get(), &QQuickWindow::afterRendering,
+                                             m_view.get(), [&rest] { rest.restart(); });
+    while (rest.elapsed() < kRest && all.elapsed() < kLongestWait)
+        QTest::qWait(10);
+    QObject::disconnect(connection);
+}
+
+QImage Scene::picture() {
+    settle();
+    return m_view->grabWindow();
+}
+
+void Scene::visit(const std::function<void(QQuickItem&)>& visitor) {
+    visitTree(*m_view->contentItem(), visitor);
+}
+
+} // namespace tavi::test
