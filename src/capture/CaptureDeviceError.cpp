@@ -13,6 +13,11 @@ std::string CaptureDeviceError::description() const {
         return which + " can't be used; another program may have it, or permission is missing.";
     case Kind::unsupportedFormat:
         return which + " delivers no format that can be recorded; choose another one.";
+    case Kind::silent:
+        return which + " sends nothing; see that it is switched on, or plug it in again.";
+    case Kind::unconnected:
+        return which + " is not connected by the system; see that WirePlumber, or another " +
+               "session manager of PipeWire, runs.";
     }
     return which + " can't be used.";
 }

@@ -11,6 +11,8 @@ struct CaptureDeviceError {
         gone,      ///< The device is not plugged in (any more).
         refused,   ///< The device may not be used: by permission, or another program has it.
         unsupportedFormat, ///< The device offers nothing that is read.
+        silent,            ///< The device is in use here, but sends nothing.
+        unconnected,       ///< The device is there, but the system leads nothing from it to here.
     };
 
     Kind kind = Kind::noService;

@@ -37,5 +37,14 @@ TEST(CaptureDeviceError, namesTheDevice) {
               "The device is not there; plug it in or choose another one.");
 }
 
+TEST(CaptureDeviceError, tellsADeviceThatIsSilentFromOneThatNobodyConnects) {
+    using Kind = CaptureDeviceError::Kind;
+    EXPECT_EQ((CaptureDeviceError{Kind::silent, "Desk"}.description()),
+              "\"Desk\" sends nothing; see that it is switched on, or plug it in again.");
+    EXPECT_EQ((CaptureDeviceError{Kind::unconnected, "Desk"}.description()),
+              "\"Desk\" is not connected by the system; see that WirePlumber, or another session "
+              "manager of PipeWire, runs.");
+}
+
 } // namespace
 } // namespace tavi

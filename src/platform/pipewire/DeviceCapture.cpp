@@ -285,14 +285,16 @@ void DeviceCapture::watch() {
     if (m_stream == nullptr || hostNanoseconds() - m_lastSample <= kSilence) {
         return;
     }
-    if (!interruption()) {
-        setInterruption(ErrorKind::refused);
+    const pw_stream_state state = pw_stream_get_state(m_stream, nullptr);
+    if (state == PW_STREAM_STATE_STREAMING) {
+        setInterruption(ErrorKind::silent); // and linked: it waits for a slow device
+        return;
     }
-    // Linked, it waits for a slow device; else nobody links it any more.
-    if (pw_stream_get_state(m_stream, nullptr) != PW_STREAM_STATE_STREAMING) {
-        closeStream();
-        openStream();
+    if (state != PW_STREAM_STATE_ERROR) {
+        setInterruption(ErrorKind::unconnected);
     }
+    closeStream();
+    openStream();
 }
 
 } // namespace tavi

@@ -151,7 +151,7 @@ TEST(CameraSession, silentCameraIsTold) {
     rig.session().startRunning();
     ASSERT_TRUE(rig.waitForCount(2));
     fake.freeze(true);
-    ASSERT_TRUE(rig.waitForInterruption(ErrorKind::refused));
+    ASSERT_TRUE(rig.waitForInterruption(ErrorKind::silent));
     rig.clear();
     fake.freeze(false);
     ASSERT_TRUE(rig.waitForCount(2));

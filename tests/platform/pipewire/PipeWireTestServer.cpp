@@ -72,6 +72,10 @@ void PipeWireTestServer::start() {
     m_daemon = launch("pipewire");
     EXPECT_TRUE(waitFor([this] { return std::filesystem::exists(m_folder / "pipewire-0"); }))
         << "pipewire does not start";
+    startManager();
+}
+
+void PipeWireTestServer::startManager() {
     m_manager = launch("wireplumber");
     // The session manager owns the defaults: it is ready when they are there.
     EXPECT_TRUE(waitFor([] {
@@ -79,9 +83,13 @@ void PipeWireTestServer::start() {
     })) << "wireplumber does not start";
 }
 
+void PipeWireTestServer::killManager() {
+    end(m_manager);
+}
+
 void PipeWireTestServer::die() {
     end(m_daemon);
-    end(m_manager);
+    killManager();
     end(m_bus);
     std::error_code ignored;
     std::filesystem::remove(m_folder / "bus", ignored);

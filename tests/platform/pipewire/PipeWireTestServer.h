@@ -22,6 +22,10 @@ public:
     void start();
     void die();
 
+    /// The session manager alone, which owns all links.
+    void startManager();
+    void killManager();
+
     /// Stops the daemon from answering, or lets it answer again.
     void freeze(bool isFrozen) const;
 
