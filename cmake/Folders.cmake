@@ -55,7 +55,7 @@ function(tavi_tests folder)
   endif()
   if(view_models)
     list(APPEND view_models ${CMAKE_SOURCE_DIR}/tests/support/QtMain.cpp)
-    tavi_test_program(${folder}_viewmodels "${view_models}" "${ARG_DEPS};tavi_${folder}_viewmodels"
+    tavi_test_program(${folder}_viewmodels "${view_models}" "${ARG_DEPS};tavi_${folder}_viewmodels;Qt6::Test"
       "${ARG_TIMEOUT}" GTest::gmock)
   endif()
 endfunction()

@@ -32,13 +32,18 @@ std::filesystem::path libraryOf(const std::filesystem::path& folder) {
 
 } // namespace
 
-EditProject openProject(const std::filesystem::path& folder) {
+EditProject openProject(const std::filesystem::path& folder,
+                        const std::filesystem::path& recordingsDirectory) {
     if (const auto text = readTextFile(folder / take::kProject)) {
         if (auto project = decodeEditProject(*text)) {
             return *std::move(project);
         }
     }
-    return freshProject(folder, loadAppSettings(libraryOf(folder)));
+    return freshProject(folder, loadAppSettings(recordingsDirectory));
+}
+
+EditProject openProject(const std::filesystem::path& folder) {
+    return openProject(folder, libraryOf(folder));
 }
 
 void loadRecordingMetadata(EditProject& project, const std::filesystem::path& folder,

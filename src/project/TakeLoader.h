@@ -14,6 +14,10 @@ using ReadImage = std::function<PixelBufferPtr(const std::filesystem::path&)>;
 /// The edit of the take in `folder`: its `project.json`, or a fresh one with the
 /// options of the library's `settings.json` (or the built-in defaults) where
 /// that file is missing or does not decode. The derived fields are empty.
+EditProject openProject(const std::filesystem::path& folder,
+                        const std::filesystem::path& recordingsDirectory);
+
+/// The same with the folder that the take lies in as the library.
 EditProject openProject(const std::filesystem::path& folder);
 
 /// Refills the derived fields from `metadata.json` and the cursor images of

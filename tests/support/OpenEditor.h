@@ -1,0 +1,95 @@
+#pragma once
+
+#include "editor/EditorViewModel.h"
+#include "fakes/FakeClock.h"
+#include "fakes/FakeExecutor.h"
+#include "fakes/FakePlayer.h"
+#include "project/EditProjectJson.h"
+#include "support/TemporaryFolder.h"
+
+#include <gtest/gtest.h>
+
+#include <map>
+#include <memory>
+
+namespace tavi::test {
+
+/// A library with one take whose videos have the length and size that the test says.
+class OpenEditor : public testing::Test {
+protected:
+    /// A media stack that knows assets by their file's name.
+    class Assets final : public MediaLibrary {
+    public:
+        Result<Asset, MediaError> openAsset(const std::filesystem::path& path) override {
+            const auto found = known.find(path.filename().string());
+            if (found == known.end()) {
+                return fail(MediaError{MediaError::Kind::notFound, path.string(), ""});
+            }
+            Asset asset = found->second;
+            asset.path = path;
+            return asset;
+        }
+        Result<std::unique_ptr<VideoReader>, MediaError>
+        makeVideoReader(const Asset&, const VideoTrack&, MediaTimeRange) override {
+            return fail(MediaError{});
+        }
+        Result<std::unique_ptr<AudioReader>, MediaError>
+        makeAudioReader(const Asset&, const AudioTrack&) override {
+            return fail(MediaError{});
+        }
+        Result<std::unique_ptr<AssetWriter>, MediaError> makeWriter(const std::filesystem::path&,
+                                                                    FileType) override {
+            return fail(MediaError{});
+        }
+
+        std::map<std::string, Asset> known;
+    };
+
+    OpenEditor();
+
+    /// An asset with one video track, or none.
+    static Asset asset(double seconds, std::optional<Size> size);
+
+    void writeFile(const char* name, const std::string& text) const;
+    void writeProject(const EditProject& project) const;
+    void addCamera(double delay);
+
+    /// Opens the take; what is loaded in the background is there with `settle`.
+    void open(bool settle = true);
+    void settle();
+
+    /// What stands in `project.json`; fails the test where that doesn't decode.
+    EditProject saved() const;
+    bool isSaved() const;
+    void removeSaved() const;
+
+    /// Lets `seconds` go by for what was asked to be called later.
+    void pass(double seconds);
+
+    /// The calls of the players since the last time this was asked.
+    std::vector<std::string> newCalls();
+
+    FakePlayer& video() { return *players.made.at("video.mov"); }
+
+    TemporaryFolder library;
+    std::filesystem::path folder;
+    CallLog log;
+    FakePlayers players{log};
+    Assets media;
+    FakeClock clock;
+    FakeExecutor main;
+    FakeExecutor background;
+    std::unique_ptr<EditorViewModel> editor;
+
+private:
+    struct Later {
+        double time;
+        std::function<void()> block;
+    };
+
+    double m_now = 0;
+    std::vector<Later> m_later;
+    std::size_t m_seen = 0;
+};
+
+} // namespace tavi::test
