@@ -5,6 +5,7 @@ find_package(simdjson REQUIRED)
 find_package(tl-expected REQUIRED)
 find_package(CLI11 REQUIRED)
 find_package(Qt6 6.4 REQUIRED COMPONENTS Core Gui Qml Quick Svg)
+find_package(QCoro6 0.8 REQUIRED COMPONENTS Coro)
 
 pkg_check_modules(FFMPEG REQUIRED IMPORTED_TARGET libavformat>=59 libavcodec>=59 libavutil>=57 libswscale>=6 libswresample>=4)
 pkg_check_modules(XCB REQUIRED IMPORTED_TARGET xcb xcb-shm xcb-randr xcb-xfixes xcb-composite xcb-damage xcb-xinput xcb-ewmh)

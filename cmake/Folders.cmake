@@ -2,8 +2,10 @@
 # Makes the static library tavi_<folder> of every source file of the folder
 # ("/" in the folder's name becomes "_"), an interface library where the
 # folder holds headers only. QT switches the meta-object compiler on. View
-# models stand on Qt wherever they live: those of a folder without QT make a
-# second library, tavi_<folder>_viewmodels, so that its logic does without.
+# models, and services with observable fields, stand on Qt wherever they live: those of a folder
+# without QT make a second library, tavi_<folder>_viewmodels, so that its logic does without.
+set(TAVI_OBSERVABLE "(ViewModel|CountdownOverlayService|RecordingStatusBarService|InputMonitoringService)")
+
 function(tavi_folder folder)
   cmake_parse_arguments(ARG "QT" "" "DEPS" ${ARGN})
   string(REPLACE "/" "_" name "tavi_${folder}")
@@ -11,7 +13,7 @@ function(tavi_folder folder)
   list(FILTER sources EXCLUDE REGEX "/main\\.cpp$") # belongs to a program
   if(NOT ARG_QT)
     tavi_view_models(${folder} ${name})
-    list(FILTER sources EXCLUDE REGEX "ViewModel\\.cpp$")
+    list(FILTER sources EXCLUDE REGEX "${TAVI_OBSERVABLE}\\.cpp$")
   else()
     file(GLOB headers CONFIGURE_DEPENDS ${CMAKE_SOURCE_DIR}/src/${folder}/*.h)
     list(APPEND sources ${headers})
@@ -29,11 +31,12 @@ function(tavi_folder folder)
 endfunction()
 
 function(tavi_view_models folder logic)
-  file(GLOB sources CONFIGURE_DEPENDS ${CMAKE_SOURCE_DIR}/src/${folder}/*ViewModel.cpp
-    ${CMAKE_SOURCE_DIR}/src/${folder}/*ViewModel.h)
+  file(GLOB sources CONFIGURE_DEPENDS ${CMAKE_SOURCE_DIR}/src/${folder}/*.cpp
+    ${CMAKE_SOURCE_DIR}/src/${folder}/*.h)
+  list(FILTER sources INCLUDE REGEX "${TAVI_OBSERVABLE}\\.(cpp|h)$")
   if(sources)
     add_library(${logic}_viewmodels STATIC ${sources})
-    target_link_libraries(${logic}_viewmodels PUBLIC ${logic} Qt6::Core)
+    target_link_libraries(${logic}_viewmodels PUBLIC ${logic} Qt6::Core QCoro6::Coro)
     # The standard headers are read right only behind their configuration.
     set_target_properties(${logic}_viewmodels PROPERTIES AUTOMOC ON
       AUTOMOC_MOC_OPTIONS "--include=cstddef")
@@ -43,13 +46,13 @@ endfunction()
 # tavi_tests(<folder> [DEPS <target>...])
 # Makes one test program of every source file in tests/<folder> and registers
 # it; TAVI_TEST_DATA and TAVI_BINARY_DIR are compiled in. The tests of view
-# models (*ViewModelTest.cpp) make a second program with a Qt loop.
+# models and the like make a second program with a Qt loop.
 function(tavi_tests folder)
   cmake_parse_arguments(ARG "" "TIMEOUT" "DEPS" ${ARGN})
   file(GLOB sources CONFIGURE_DEPENDS ${CMAKE_SOURCE_DIR}/tests/${folder}/*.cpp)
   set(view_models ${sources})
-  list(FILTER sources EXCLUDE REGEX "ViewModelTest\\.cpp$")
-  list(FILTER view_models INCLUDE REGEX "ViewModelTest\\.cpp$")
+  list(FILTER sources EXCLUDE REGEX "${TAVI_OBSERVABLE}[A-Za-z]*Test\\.cpp$")
+  list(FILTER view_models INCLUDE REGEX "${TAVI_OBSERVABLE}[A-Za-z]*Test\\.cpp$")
   if(sources)
     tavi_test_program(${folder} "${sources}" "${ARG_DEPS}" "${ARG_TIMEOUT}" GTest::gmock_main)
   endif()

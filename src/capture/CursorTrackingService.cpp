@@ -14,9 +14,6 @@ namespace {
 constexpr double kAbsent = std::numeric_limits<double>::quiet_NaN();
 constexpr Date kDistantPast{-std::numeric_limits<double>::infinity()};
 
-/// Marks a line by which the helper says that it can listen.
-constexpr std::string_view kReadyMark = "\"ready\"";
-
 /// The kinds of the log other than moves, in the order of their monitors.
 constexpr std::array<std::pair<PointerEventKind, CursorEventType>, 4> kUngatedEvents{{
     {PointerEventKind::leftMouseDown, CursorEventType::leftMouseDown},
@@ -192,7 +189,7 @@ void CursorTrackingService::handleHelperChunk(std::string_view chunk) {
         const std::size_t end = std::min(chunk.find('\n'), chunk.size());
         const std::string_view line = chunk.substr(0, end);
         chunk.remove_prefix(std::min(end + 1, chunk.size()));
-        if (line.find(kReadyMark) == std::string_view::npos) {
+        if (line.find(kHelperReadyMark) == std::string_view::npos) {
             handleKeyLine(line);
         } else if (m_ports.permission != nullptr) {
             m_ports.main.post([permission = m_ports.permission] { permission->setGranted(); });

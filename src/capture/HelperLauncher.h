@@ -8,6 +8,9 @@
 
 namespace tavi {
 
+/// Marks a line by which the key helper says that it can listen.
+inline constexpr std::string_view kHelperReadyMark = "\"ready\"";
+
 /// A helper program that runs and whose standard output is being read.
 ///
 /// The destructor stops it: no chunk arrives after it, the pipe is closed, and

@@ -40,4 +40,15 @@ std::vector<Window> offeredWindows(std::span<const Window> windows) {
     return offered;
 }
 
+std::vector<std::uint32_t> windowsOfProgram(std::span<const Window> windows,
+                                            const std::string& applicationId) {
+    std::vector<std::uint32_t> ids;
+    for (const Window& window : windows) {
+        if (window.isOnScreen && !applicationId.empty() && window.applicationId == applicationId) {
+            ids.push_back(window.id);
+        }
+    }
+    return ids;
+}
+
 } // namespace tavi

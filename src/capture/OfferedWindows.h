@@ -12,4 +12,9 @@ namespace tavi {
 /// with a title unless they are at least 200 points high.
 std::vector<Window> offeredWindows(std::span<const Window> windows);
 
+/// The ids of the windows on screen that belong to the program with that desktop entry; none
+/// for an empty id.
+std::vector<std::uint32_t> windowsOfProgram(std::span<const Window> windows,
+                                            const std::string& applicationId);
+
 } // namespace tavi

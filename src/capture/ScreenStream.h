@@ -10,6 +10,7 @@
 #include <functional>
 #include <memory>
 #include <optional>
+#include <vector>
 
 namespace tavi {
 
@@ -18,9 +19,12 @@ struct ScreenFilter {
     std::uint32_t displayId = 0; ///< Not looked at when there is a window.
     /// A window without its decoration, whatever covers it and wherever it is; 0 for the display.
     std::uint32_t windowId = 0;
+    /// Windows of this program that a display's pictures are not to show, as far as the window
+    /// system can leave a window out.
+    std::vector<std::uint32_t> exceptingWindows = {};
 
-    static ScreenFilter display(std::uint32_t id) { return {id, 0}; }
-    static ScreenFilter window(std::uint32_t id) { return {0, id}; }
+    static ScreenFilter display(std::uint32_t id) { return {.displayId = id}; }
+    static ScreenFilter window(std::uint32_t id) { return {.windowId = id}; }
 
     bool operator==(const ScreenFilter&) const = default;
 };

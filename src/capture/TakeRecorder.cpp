@@ -39,7 +39,20 @@ Result<void, CaptureError> TakeRecorder::start(const TakeSource& source,
 Result<void, CaptureError> TakeRecorder::start(const TakeSource& source,
                                                const std::filesystem::path& library,
                                                TakeDevices& devices) {
+    makeFolder(library);
+    auto started = startMedia(source, devices);
+    if (started) {
+        startTracking();
+    }
+    return started;
+}
+
+void TakeRecorder::makeFolder(const std::filesystem::path& library) {
     m_folder = makeRecordingFolder(library, m_ports.tracking.clock.now());
+}
+
+Result<void, CaptureError> TakeRecorder::startMedia(const TakeSource& source,
+                                                    TakeDevices& devices) {
     std::optional<AudioSettings> audioSettings;
     if (isReady(devices)) {
         audioSettings = devices.audioWarmUpService->audioDataOutput()->recommendedAudioSettings();
@@ -48,15 +61,15 @@ Result<void, CaptureError> TakeRecorder::start(const TakeSource& source,
         return started;
     }
     if (devices.camera) {
-        if (auto started = startCamera(devices); !started) {
-            return started;
-        }
-    } else {
-        startMicrophone(devices);
+        return startCamera(devices);
     }
+    startMicrophone(devices);
+    return {};
+}
+
+void TakeRecorder::startTracking() {
     m_cursorTrackingService->startTracking();
     m_isRecording = true;
-    return {};
 }
 
 Result<void, CaptureError>
@@ -127,10 +140,20 @@ void TakeRecorder::tick() {
 }
 
 std::optional<std::filesystem::path> TakeRecorder::stop() {
+    stopTracking();
+    return finish();
+}
+
+void TakeRecorder::stopTracking() {
+    if (m_isRecording) {
+        m_cursorTrackingService->stopTracking();
+    }
+}
+
+std::optional<std::filesystem::path> TakeRecorder::finish() {
     if (!m_isRecording) {
         return std::nullopt;
     }
-    m_cursorTrackingService->stopTracking();
     const DeviceFacts facts = deviceFacts();
     stopDevices();
     m_screenCaptureService->stopCapture();

@@ -51,8 +51,11 @@ struct TakeDevices {
 /// start and stop, and the files beside the video.
 ///
 /// States: idle -> recording -> stopped; a recorder serves one take.
-/// Threads: main thread. The owner calls tick() every kTickInterval seconds
-/// while the take runs, and stop() when `failure()` is there or the user asks.
+/// Order: makeFolder(), startMedia(), startTracking(), then tick() every kTickInterval seconds,
+/// and stopTracking(), finish() when `failure()` is there or the user asks. start() and stop()
+/// are short for those before and behind.
+/// Threads: main thread, except startMedia() and finish(), which block and may be called on
+/// another one while the main thread calls nothing else of the recorder.
 /// The destructor stops a take that runs, and saves it.
 class TakeRecorder {
 public:
@@ -64,13 +67,22 @@ public:
     TakeRecorder(const TakeRecorder&) = delete;
     TakeRecorder& operator=(const TakeRecorder&) = delete;
 
-    /// Makes the take's folder in `library` and starts recording the source
-    /// and the devices. Blocks while the encoders are chosen and the camera is opened.
-    /// The pointer is logged where the source is now, also when a window is moved later.
+    /// Makes the take's folder in `library`.
+    void makeFolder(const std::filesystem::path& library);
+
+    /// Starts recording the source and the devices into the folder. Blocks while the
+    /// encoders are chosen and the camera is opened. The pointer is to be logged where the
+    /// source is now, also when a window is moved later.
     ///
     /// Errors: a screen that can't be recorded leaves the folder empty.
     ///         Kept on purpose: a camera that can't be recorded does not stop the screen, which
     ///         goes on, for no take, until the recorder is destroyed.
+    Result<void, CaptureError> startMedia(const TakeSource& source, TakeDevices& devices);
+
+    /// Starts the log, after startMedia(). From now on there is a take.
+    void startTracking();
+
+    /// All of a start.
     Result<void, CaptureError> start(const TakeSource& source, const std::filesystem::path& library,
                                      TakeDevices& devices);
 
@@ -81,9 +93,15 @@ public:
     /// Brings elapsedTime() up to date.
     void tick();
 
+    /// Ends the log. The devices and the screen run on until finish().
+    void stopTracking();
+
     /// Ends the take and completes its files; blocks until the video is whole.
     /// Returns its folder, absent when no take runs. A file that can't be
     /// written is missing afterwards; failure() tells of the video only.
+    std::optional<std::filesystem::path> finish();
+
+    /// All of a stop.
     std::optional<std::filesystem::path> stop();
 
     bool isRecording() const { return m_isRecording; }
