@@ -40,6 +40,7 @@ void InputMonitoringService::startProbe() {
     if (!path) {
         return;
     }
+    m_helper.reset();
     m_helper =
         m_ports.launcher.launch(*path, [this, alive = std::weak_ptr(m_alive)](
                                            std::string_view chunk) { readChunk(chunk, alive); });
