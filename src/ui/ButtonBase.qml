@@ -16,6 +16,12 @@ T.AbstractButton {
     property real cornerRadius: Theme.smallRadius
     property color foreground: AppPalette.primaryText
 
+    /// What a click does.
+    function press() {
+        if (enabled)
+            clicked()
+    }
+
     implicitWidth: implicitContentWidth + leftPadding + rightPadding
     implicitHeight: implicitContentHeight + topPadding + bottomPadding
     hoverEnabled: true
@@ -25,10 +31,10 @@ T.AbstractButton {
     Accessible.role: Accessible.Button
     Accessible.name: text !== "" ? text : hint
     Accessible.description: text !== "" ? hint : ""
-    Accessible.onPressAction: click()
+    Accessible.onPressAction: press()
 
-    Keys.onReturnPressed: click()
-    Keys.onEnterPressed: click()
+    Keys.onReturnPressed: press()
+    Keys.onEnterPressed: press()
 
     contentItem: Item {
         implicitWidth: row.implicitWidth

@@ -11,8 +11,8 @@ Rectangle {
     Item {
         id: inside
         anchors.fill: parent
-        anchors.leftMargin: Theme.margin
-        anchors.rightMargin: Theme.margin - 4
+        anchors.leftMargin: Theme.screenMargin
+        anchors.rightMargin: Theme.screenMargin
     }
     Rule {
         anchors.left: parent.left

@@ -1,5 +1,7 @@
 #include "ui/Picture.h"
 
+#include "base/PixelBuffer.h"
+
 #include <QPainter>
 #include <QPainterPath>
 #include <QQuickWindow>
@@ -29,6 +31,23 @@ QPainterPath roundedShape(QSizeF size, double top, double bottom) {
 
 } // namespace
 
+QImage imageOf(const QVariant& source) {
+    if (source.metaType() != QMetaType::fromType<PixelBufferPtr>())
+        return source.value<QImage>();
+    const auto buffer = source.value<PixelBufferPtr>();
+    if (!buffer || buffer->empty())
+        return {};
+    // The image holds the buffer until its last copy is gone.
+    auto* owner = new PixelBufferPtr(buffer);
+    return {buffer->data(),
+            buffer->width(),
+            buffer->height(),
+            qsizetype(buffer->stride()),
+            QImage::Format_ARGB32_Premultiplied,
+            [](void* held) { delete static_cast<PixelBufferPtr*>(held); },
+            owner};
+}
+
 QRectF coveringPart(QSizeF picture, QSizeF area) {
     const QSizeF part = area.scaled(picture, Qt::KeepAspectRatio);
     return {QPointF((picture.width() - part.width()) / 2, (picture.height() - part.height()) / 2),
@@ -43,11 +62,12 @@ Picture::Picture(QQuickItem* parent) : QQuickItem(parent) {
     });
 }
 
-void Picture::setImage(const QImage& image) {
-    if (image.cacheKey() == m_image.cacheKey())
+void Picture::setSource(const QVariant& source) {
+    if (source == m_source)
         return;
-    m_image = image;
-    emit imageChanged();
+    m_source = source;
+    m_image = imageOf(source);
+    emit sourceChanged();
     emit lookChanged();
 }
 

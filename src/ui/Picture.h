@@ -2,6 +2,7 @@
 
 #include <QImage>
 #include <QQuickItem>
+#include <QVariant>
 
 namespace tavi {
 
@@ -15,8 +16,9 @@ namespace tavi {
 class Picture : public QQuickItem {
     Q_OBJECT
     QML_ELEMENT
-    Q_PROPERTY(QImage image READ image WRITE setImage NOTIFY imageChanged)
-    Q_PROPERTY(bool empty READ isEmpty NOTIFY imageChanged)
+    /// A QImage or a PixelBufferPtr; anything else is no picture.
+    Q_PROPERTY(QVariant source READ source WRITE setSource NOTIFY sourceChanged)
+    Q_PROPERTY(bool empty READ isEmpty NOTIFY sourceChanged)
     /// Corners in points: the upper two and the lower two.
     Q_PROPERTY(double topRadius MEMBER m_topRadius NOTIFY lookChanged)
     Q_PROPERTY(double bottomRadius MEMBER m_bottomRadius NOTIFY lookChanged)
@@ -26,12 +28,12 @@ class Picture : public QQuickItem {
 public:
     explicit Picture(QQuickItem* parent = nullptr);
 
-    QImage image() const { return m_image; }
-    void setImage(const QImage& image);
+    QVariant source() const { return m_source; }
+    void setSource(const QVariant& source);
     bool isEmpty() const { return m_image.isNull(); }
 
 signals:
-    void imageChanged();
+    void sourceChanged();
     void lookChanged();
 
 protected:
@@ -42,12 +44,17 @@ protected:
 private:
     QImage drawn(double ratio) const;
 
+    QVariant m_source;
     QImage m_image;
     double m_topRadius = 0;
     double m_bottomRadius = 0;
     bool m_stretched = false;
     bool m_stale = true;
 };
+
+/// The picture in a QImage or a PixelBufferPtr (shared, not copied); null for
+/// anything else.
+QImage imageOf(const QVariant& source);
 
 /// The part of a picture of size `picture` that covers `area` without distortion,
 /// from its middle.

@@ -9,7 +9,8 @@ QtObject {
     readonly property real headerHeight: 44
     readonly property real spacing: 8
     readonly property real gap: 14      // between cards
-    readonly property real margin: 16   // at the edges of screens and panels
+    readonly property real margin: 16   // at the edges of panels
+    readonly property real screenMargin: 20
     readonly property real smallRadius: 5
     readonly property real radius: 7
     readonly property real largeRadius: 10

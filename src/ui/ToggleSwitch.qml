@@ -16,8 +16,13 @@ T.Switch {
     Accessible.role: Accessible.CheckBox
     Accessible.name: name
 
-    Keys.onReturnPressed: click()
-    Keys.onEnterPressed: click()
+    Keys.onReturnPressed: press()
+    Keys.onEnterPressed: press()
+
+    function press() {
+        toggle()
+        toggled()
+    }
 
     Spring {
         id: place

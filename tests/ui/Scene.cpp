@@ -1,11 +1,13 @@
 #include "Scene.h"
 
+#include "TestPictures.h"
 #include "ui/QuickSetup.h"
 
 #include <QDir>
 #include <QElapsedTimer>
 #include <QFileInfo>
 #include <QGuiApplication>
+#include <QQmlContext>
 #include <QQmlEngine>
 #include <QQuickItem>
 #include <QStyleHints>
@@ -55,6 +57,8 @@ Scene::Scene(const QString& file) : m_view(std::make_unique<QQuickView>()) {
                      });
     m_view->engine()->setOutputWarningsToStandardError(false);
     setUpEngine(*m_view->engine());
+    m_view->rootContext()->setContextProperty(QStringLiteral("testPictures"),
+                                              new TestPictures(m_view.get()));
     m_view->setColor(QColor::fromRgbF(0.067F, 0.067F, 0.075F));
     m_view->setResizeMode(QQuickView::SizeRootObjectToView);
     m_view->setSource(QUrl::fromLocalFile(file));

@@ -1,0 +1,77 @@
+import QtQuick
+import Tavi.Capture
+import Tavi.Ui
+
+/// The one window's content: the screen of the mode, and the settings over it.
+Rectangle {
+    id: view
+
+    /// Everything that lives as long as the process.
+    required property QtObject taviApp
+    readonly property QtObject appViewModel: taviApp.appViewModel
+    /// The screen of the mode.
+    readonly property alias screen: screen.item
+
+    color: AppPalette.background
+
+    Loader {
+        id: screen
+        anchors.fill: parent
+        focus: true
+        sourceComponent: {
+            switch (view.appViewModel.currentMode) {
+            case "permission":
+                return permission
+            case "home":
+                return home
+            case "recording":
+                return recording
+            case "editing":
+                return editing
+            default:
+                return splash
+            }
+        }
+        onLoaded: item.forceActiveFocus(Qt.OtherFocusReason)
+    }
+
+    Component {
+        id: splash
+        SplashView {}
+    }
+    Component {
+        id: permission
+        PermissionView {
+            appViewModel: view.appViewModel
+        }
+    }
+    Component {
+        id: home
+        HomeView {
+            appViewModel: view.appViewModel
+            homeViewModel: view.taviApp.homeViewModel
+            notificationViewModel: view.taviApp.notificationViewModel
+            thumbnails: view.taviApp.thumbnails
+        }
+    }
+    Component {
+        id: recording
+        RecordingView {
+            appViewModel: view.appViewModel
+            settingsManager: view.taviApp.settingsManager
+            viewModel: view.taviApp.recordingViewModel
+            inputMonitoring: view.taviApp.inputMonitoring
+        }
+    }
+    Component {
+        id: editing
+        EditorPlaceholder {
+            appViewModel: view.appViewModel
+        }
+    }
+
+    SettingsOverlay {
+        appViewModel: view.appViewModel
+        settingsViewModel: view.taviApp.settingsViewModel
+    }
+}

@@ -1,0 +1,6 @@
+import QtQuick
+
+QtObject {
+    property bool defaultCameraEnabled: false
+    property bool defaultAudioEnabled: true
+}

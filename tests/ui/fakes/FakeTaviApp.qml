@@ -1,0 +1,12 @@
+import QtQuick
+
+QtObject {
+    property FakeAppViewModel appViewModel: FakeAppViewModel {}
+    property FakeHomeViewModel homeViewModel: FakeHomeViewModel {}
+    property FakeNotificationViewModel notificationViewModel: FakeNotificationViewModel {}
+    property FakeSettingsViewModel settingsViewModel: FakeSettingsViewModel {}
+    property FakeSettingsManager settingsManager: FakeSettingsManager {}
+    property FakeThumbnails thumbnails: FakeThumbnails {}
+    property FakeRecordingViewModel recordingViewModel: FakeRecordingViewModel {}
+    property FakeInputMonitoring inputMonitoring: FakeInputMonitoring {}
+}

@@ -1,0 +1,6 @@
+import QtQuick
+import "../fakes"
+
+AppScene {
+    Component.onCompleted: library.fill(9)
+}

@@ -1,0 +1,8 @@
+import QtQuick
+import "../fakes"
+
+AppScene {
+    app.currentMode: "recording"
+    take.isCountingDown: true
+    take.countdownValue: 3
+}

@@ -1,0 +1,6 @@
+import QtQuick
+import "../fakes"
+
+AppScene {
+    app.currentMode: "recording"
+}

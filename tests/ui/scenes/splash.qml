@@ -1,0 +1,10 @@
+import QtQuick
+import "../fakes"
+
+import Tavi.App
+
+SplashView {
+    implicitWidth: 960
+    implicitHeight: 640
+    pulseDelay: 1000000
+}
