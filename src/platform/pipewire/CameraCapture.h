@@ -35,7 +35,7 @@ private:
     std::atomic<int> m_height = 0;
     std::atomic<Mirroring> m_mirroring = Mirroring::off;
 
-    // By the connection's lock.
+    // Of the connection's thread.
     CameraFormat m_format;    ///< What is asked for.
     CameraPicture m_delivery; ///< What was agreed upon: a picture without bytes.
     std::int64_t m_last = 0;  ///< Time of the last picture, host nanoseconds.

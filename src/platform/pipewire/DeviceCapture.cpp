@@ -89,8 +89,11 @@ DeviceCapture::~DeviceCapture() {
 }
 
 void DeviceCapture::close() {
+    m_graph.perform([this] {
+        m_isClosed = true;
+        forget();
+    });
     m_graph.stop();
-    forget();
 }
 
 Result<void, CaptureDeviceError> DeviceCapture::open() {
@@ -119,27 +122,29 @@ Result<void, CaptureDeviceError> DeviceCapture::open() {
 }
 
 void DeviceCapture::start(Sink sink) {
-    const PipeWireGraph::Lock lock(m_graph);
-    m_sink = std::move(sink);
-    timespec second{1, 0};
-    pw_loop_update_timer(m_graph.loop(), m_watch, &second, &second, false);
-    if (m_isUsable) {
-        openStream();
-    } else if (m_node == nullptr) {
-        setInterruption(m_graph.isReady() ? ErrorKind::gone : ErrorKind::noService);
-    } else if (m_isDescribed) {
-        setInterruption(ErrorKind::unsupportedFormat);
-    }
+    m_graph.perform([this, &sink] {
+        m_sink = std::move(sink);
+        timespec second{1, 0};
+        pw_loop_update_timer(m_graph.loop(), m_watch, &second, &second, false);
+        if (m_isUsable) {
+            openStream();
+        } else if (m_node == nullptr) {
+            setInterruption(m_graph.isReady() ? ErrorKind::gone : ErrorKind::noService);
+        } else if (m_isDescribed) {
+            setInterruption(ErrorKind::unsupportedFormat);
+        }
+    });
 }
 
 void DeviceCapture::stop() {
-    m_isStopping = true; // a thread that can't keep up would hardly let go of the lock
-    const PipeWireGraph::Lock lock(m_graph);
+    m_isStopping = true; // a thread that can't keep up would read all that waits before
+    m_graph.perform([this] {
+        pw_loop_update_timer(m_graph.loop(), m_watch, nullptr, nullptr, false);
+        closeStream();
+        m_sink = nullptr;
+        setInterruption(std::nullopt);
+    });
     m_isStopping = false;
-    pw_loop_update_timer(m_graph.loop(), m_watch, nullptr, nullptr, false);
-    closeStream();
-    m_sink = nullptr;
-    setInterruption(std::nullopt);
 }
 
 std::optional<CaptureDeviceError> DeviceCapture::interruption() const {
@@ -156,7 +161,7 @@ void DeviceCapture::setInterruption(std::optional<ErrorKind> kind) {
 }
 
 void DeviceCapture::nodeAdded(const PipeWireNode& node) {
-    if (node.name == m_device.id) {
+    if (node.name == m_device.id && !m_isClosed) {
         forget(); // the daemon may announce the new one before it tells of the old one's end
         follow(node);
     }
@@ -261,11 +266,18 @@ void DeviceCapture::openStream() {
 }
 
 void DeviceCapture::closeStream() {
-    if (m_stream != nullptr) {
-        spa_hook_remove(&m_streamHook);
-        pw_stream_destroy(m_stream);
-        m_stream = nullptr;
+    if (m_stream == nullptr) {
+        return;
     }
+    spa_hook_remove(&m_streamHook);
+    pw_stream_disconnect(m_stream);
+    // Calls that the library's data thread left here for the stream come before it goes.
+    const auto nothing = [](spa_loop*, bool, std::uint32_t, const void*, std::size_t, void*) {
+        return 0;
+    };
+    pw_loop_invoke(m_graph.loop(), nothing, 0, nullptr, 0, false, nullptr);
+    pw_stream_destroy(m_stream);
+    m_stream = nullptr;
 }
 
 void DeviceCapture::deliver(pw_buffer& buffer) {

@@ -59,7 +59,7 @@ protected:
     /// Ends the thread; nothing virtual is called any more.
     void close();
 
-    // On the connection's thread, or with its lock held:
+    // On the connection's thread:
 
     /// Whether a device with these parameters can be used; called at every coming of the device.
     virtual bool describe(const Parameters& parameters) = 0;
@@ -73,8 +73,6 @@ protected:
     virtual bool onlyNewestCounts() const = 0;
     /// A buffer that came; null when there is nothing to tell of it.
     virtual std::optional<CaptureSample> read(pw_stream& stream, const spa_buffer& buffer) = 0;
-
-    PipeWireGraph& graph() { return m_graph; }
 
 private:
     struct Callbacks;
@@ -97,7 +95,8 @@ private:
     PipeWireGraph m_graph;
     spa_source* m_watch = nullptr; ///< A timer that looks whether samples come.
 
-    // All below: by the connection's lock.
+    // All below: changed on the connection's thread, read by others with its lock.
+    bool m_isClosed = false; ///< Follows no device any more.
     std::uint32_t m_nodeId = 0;
     std::string m_serial;
     pw_proxy* m_node = nullptr; ///< Null while the device is not there.

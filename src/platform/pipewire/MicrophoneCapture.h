@@ -30,7 +30,7 @@ private:
     std::int64_t startOf(pw_stream& stream, std::size_t frames) const;
     void setFormat(const spa_audio_info_raw& info);
 
-    // By the connection's lock.
+    // Of the connection's thread.
     spa_audio_info_raw m_deviceInfo{}; ///< What the device delivers, or would by itself.
     int m_rate = 0;                    ///< Of the stream; 0 before a format was agreed upon.
     int m_channels = 0;

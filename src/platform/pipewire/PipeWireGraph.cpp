@@ -119,6 +119,8 @@ struct PipeWireGraph::Callbacks {
         }
     }
 
+    static void work(void* data, std::uint64_t) { of(data).runWork(); }
+
     static constexpr pw_core_events kCore{
         .version = PW_VERSION_CORE_EVENTS, .done = coreDone, .error = coreError};
     static constexpr pw_registry_events kRegistry{
@@ -133,11 +135,12 @@ PipeWireGraph::PipeWireGraph(const char* threadName, Observer& observer) : m_obs
     m_loop = pw_thread_loop_new(threadName, nullptr);
     m_context = pw_context_new(loop(), nullptr, 0);
     m_timer = pw_loop_add_timer(loop(), Callbacks::timer, this);
+    m_workEvent = pw_loop_add_event(loop(), Callbacks::work, this);
 }
 
 PipeWireGraph::~PipeWireGraph() {
     stop();
-    closeCore();
+    pw_loop_destroy_source(loop(), m_workEvent);
     pw_loop_destroy_source(loop(), m_timer);
     if (m_context != nullptr) {
         pw_context_destroy(m_context);
@@ -152,22 +155,55 @@ bool PipeWireGraph::connect() {
             return false;
         }
     }
-    const Lock lock(*this);
-    if (m_core == nullptr) {
-        openCore();
+    perform([this] {
+        if (m_core == nullptr) {
+            openCore();
+        }
         if (m_core == nullptr) {
             retryLater();
-            return false;
         }
-    }
-    return waitUntil([this] { return m_isReady || m_isLost; }) && m_isReady;
+    });
+    const Lock lock(*this);
+    return waitUntil([this] { return m_isReady || m_isLost || m_core == nullptr; }) && m_isReady;
 }
 
 void PipeWireGraph::stop() {
+    perform([this] {
+        pw_loop_update_timer(loop(), m_timer, nullptr, nullptr, false);
+        closeCore();
+    });
     if (m_isRunning) {
         pw_thread_loop_stop(m_loop);
         m_isRunning = false;
     }
+}
+
+void PipeWireGraph::perform(const std::function<void()>& work) {
+    if (!m_isRunning || pw_thread_loop_in_thread(m_loop)) {
+        work();
+        return;
+    }
+    Work item{&work};
+    std::unique_lock lock(m_workMutex);
+    m_work.push_back(&item);
+    pw_loop_signal_event(loop(), m_workEvent);
+    m_workDone.wait(lock, [&item] { return item.isDone; });
+}
+
+void PipeWireGraph::runWork() {
+    std::vector<Work*> work;
+    {
+        const std::lock_guard lock(m_workMutex);
+        work.swap(m_work);
+    }
+    for (const Work* item : work) {
+        (*item->function)();
+    }
+    const std::lock_guard lock(m_workMutex);
+    for (Work* item : work) {
+        item->isDone = true;
+    }
+    m_workDone.notify_all();
 }
 
 bool PipeWireGraph::waitUntil(const std::function<bool()>& condition) {

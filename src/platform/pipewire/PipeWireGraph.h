@@ -1,12 +1,15 @@
 #pragma once
 
 #include <chrono>
+#include <condition_variable>
 #include <cstdint>
 #include <functional>
 #include <map>
+#include <mutex>
 #include <pipewire/extensions/metadata.h>
 #include <pipewire/pipewire.h>
 #include <string>
+#include <vector>
 
 namespace tavi {
 
@@ -42,7 +45,7 @@ public:
         ~Observer() = default;
     };
 
-    /// Holds the thread off while it lives. May be nested.
+    /// Holds the thread off while it lives, to look at what it changes. May be nested.
     class Lock {
     public:
         explicit Lock(const PipeWireGraph& graph) : m_loop(graph.m_loop) {
@@ -70,14 +73,24 @@ public:
     /// graph's thread, without its lock.
     bool connect();
 
-    /// Ends the thread: the observer is not called any more. For good.
+    /// Closes the connection and ends the thread: the observer is not called any more, and what was
+    /// made with core() and registry() must be gone. For good.
     void stop();
+
+    /// Runs `work` on the graph's thread and waits until it is done; at once where there is no
+    /// thread, or on it. Not with the lock held.
+    ///
+    /// Whatever belongs to the daemon is made, changed and let go in this way. The lock is not
+    /// enough: the library's data thread leaves calls for a stream with the graph's thread, and a
+    /// stream that another thread destroys is still called by those that wait.
+    void perform(const std::function<void()>& work);
 
     /// With the lock held: waits until `condition` holds, which is asked after each signal();
     /// false when it didn't within the patience. Not on the graph's thread.
     bool waitUntil(const std::function<bool()>& condition);
 
-    /// All that follows: with the lock held, or on the thread.
+    /// All that follows: on the thread; but for what makes or changes something, also with
+    /// the lock held.
     void signal() { pw_thread_loop_signal(m_loop, false); }
     pw_loop* loop() const { return pw_thread_loop_get_loop(m_loop); }
     pw_core* core() const { return m_core; }
@@ -94,6 +107,12 @@ public:
 private:
     struct Callbacks;
 
+    struct Work {
+        const std::function<void()>* function = nullptr;
+        bool isDone = false;
+    };
+
+    void runWork();
     void openCore();
     void closeCore();
     void retryLater();
@@ -105,7 +124,12 @@ private:
     pw_thread_loop* m_loop;
     pw_context* m_context = nullptr;
     spa_source* m_timer = nullptr; ///< To let go of a dead connection, then to try another one.
-    bool m_isRunning = false;
+    bool m_isRunning = false;      ///< Of the controlling thread.
+
+    spa_source* m_workEvent = nullptr; ///< Wakes the thread for work.
+    std::mutex m_workMutex;
+    std::condition_variable m_workDone;
+    std::vector<Work*> m_work; ///< By its mutex.
 
     pw_core* m_core = nullptr;
     pw_registry* m_registry = nullptr;

@@ -36,8 +36,12 @@ struct FakeMicrophone::Callbacks {
     }
 
     static void state(void* data, pw_stream_state, pw_stream_state now, const char*) {
-        of(data).m_isRunning = now == PW_STREAM_STATE_STREAMING;
-        of(data).start();
+        auto& microphone = of(data);
+        if (now == PW_STREAM_STATE_PAUSED) {
+            microphone.announceLatency();
+        }
+        microphone.m_isRunning = now == PW_STREAM_STATE_STREAMING;
+        microphone.start();
     }
 
     static void io(void* data, std::uint32_t id, void* area, std::uint32_t size) {
@@ -74,7 +78,6 @@ FakeMicrophone::FakeMicrophone(const std::string& name, const std::string& descr
     info.rate = sound.rate;
     info.channels = sound.channels;
     connect({spa_format_audio_raw_build(&builder, SPA_PARAM_EnumFormat, &info)});
-    announceLatency();
 }
 
 FakeMicrophone::~FakeMicrophone() {
@@ -93,9 +96,7 @@ void FakeMicrophone::announceLatency() {
     latency.max_quantum = 1;
     std::array<const spa_pod*, 1> parameter{
         spa_latency_build(&builder, SPA_PARAM_Latency, &latency)};
-    pw_thread_loop_lock(m_loop);
     pw_stream_update_params(m_stream, parameter.data(), parameter.size());
-    pw_thread_loop_unlock(m_loop);
 }
 
 void FakeMicrophone::start() {
