@@ -120,7 +120,7 @@ QCoro::Task<> RecordingViewModel::loadSources() {
         emit availableMicrophonesChanged();
     }
     if (!alive.expired()) {
-        restartAudioWarmUp();
+        co_await warmUpAudio();
     }
 }
 
@@ -179,6 +179,10 @@ std::vector<CaptureDevice> RecordingViewModel::devicesOf(CaptureDeviceKind kind)
 }
 
 void RecordingViewModel::restartAudioWarmUp() {
+    warmUpAudio();
+}
+
+QCoro::Task<> RecordingViewModel::warmUpAudio() {
     if (m_audioWarmUpService) {
         m_audioWarmUpService->stopAudio();
         m_audioWarmUpService.reset();
@@ -186,7 +190,7 @@ void RecordingViewModel::restartAudioWarmUp() {
     ++m_warmUpRequests;
     m_isWarmUpWanted = true;
     if (!m_openingWarmUpService) {
-        warmUp();
+        co_await openMicrophones();
     }
 }
 
@@ -195,7 +199,7 @@ std::optional<CaptureDevice> RecordingViewModel::selectedMicrophone() const {
 }
 
 /// Opens one device at a time: what was asked for meanwhile is opened next.
-QCoro::Task<> RecordingViewModel::warmUp() {
+QCoro::Task<> RecordingViewModel::openMicrophones() {
     const std::weak_ptr<Alive> alive = m_alive;
     while (std::exchange(m_isWarmUpWanted, false)) {
         m_microphoneError.clear();

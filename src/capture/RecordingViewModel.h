@@ -149,6 +149,10 @@ public:
     /// Warms the selected microphone up, or none, instead of the one that is warm.
     Q_INVOKABLE void restartAudioWarmUp();
 
+    /// The same; done when the microphone is open, or at once while another one is being opened,
+    /// which this one then follows.
+    QCoro::Task<> warmUpAudio();
+
     /// Counts down over the selected source and starts the take; then, if there is one, calls
     /// `onStarted`. Nothing unless idle and the selected index is in the list.
     void startCountdown(std::function<void()> onStarted);
@@ -225,7 +229,7 @@ private:
     QCoro::Task<bool> mayUse(CaptureDeviceKind kind);
     QCoro::Task<> loadThumbnails();
     std::vector<CaptureDevice> devicesOf(CaptureDeviceKind kind);
-    QCoro::Task<> warmUp();
+    QCoro::Task<> openMicrophones();
     std::optional<CaptureDevice> selectedMicrophone() const;
 
     std::optional<TakeSource> selectedSource() const;

@@ -18,14 +18,19 @@ inline const CaptureDevice kFakeMicrophone{"alsa.mic", "Desk Microphone",
                                            CaptureDeviceKind::microphone};
 inline const CaptureDevice kFakeCamera{"v4l2.cam", "Lid Camera", CaptureDeviceKind::camera};
 
-/// A list of devices that the test changes. Handlers run at once.
+/// A list of devices that the test changes. Handlers run at once. Questions are noted
+/// ("requestAccess camera", "devices camera").
 class FakeCaptureDevices final : public CaptureDevices {
 public:
-    void requestAccess(CaptureDeviceKind, std::function<void(bool)> handler) override {
-        handler(isAllowed);
+    explicit FakeCaptureDevices(CallLog* log = nullptr) : m_log(log != nullptr ? *log : m_ownLog) {}
+
+    void requestAccess(CaptureDeviceKind kind, std::function<void(bool)> handler) override {
+        note("requestAccess", kind);
+        handler(isAllowed && forbidden.count(kind) == 0);
     }
     Result<std::vector<CaptureDevice>, CaptureDeviceError>
     devices(CaptureDeviceKind kind) override {
+        note("devices", kind);
         std::vector<CaptureDevice> found;
         std::copy_if(plugged.begin(), plugged.end(), std::back_inserter(found),
                      [kind](const CaptureDevice& device) { return device.kind == kind; });
@@ -43,9 +48,16 @@ public:
     }
 
     bool isAllowed = true;
+    std::set<CaptureDeviceKind> forbidden;
     std::vector<CaptureDevice> plugged{kFakeMicrophone, kFakeCamera};
 
 private:
+    void note(const std::string& call, CaptureDeviceKind kind) {
+        m_log.note(call + (kind == CaptureDeviceKind::camera ? " camera" : " microphone"));
+    }
+
+    CallLog m_ownLog;
+    CallLog& m_log;
     std::function<void()> m_handler;
 };
 

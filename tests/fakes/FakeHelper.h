@@ -1,6 +1,7 @@
 #pragma once
 
 #include "capture/HelperLauncher.h"
+#include "fakes/CallLog.h"
 
 #include <string>
 #include <utility>
@@ -11,7 +12,11 @@ namespace tavi {
 /// Helpers that say what the test wants, on the test's thread.
 class FakeHelperLauncher final : public HelperLauncher {
 public:
+    /// Starts and ends are noted ("launch", "end helper").
+    explicit FakeHelperLauncher(CallLog* log = nullptr) : m_log(log != nullptr ? *log : m_ownLog) {}
+
     std::unique_ptr<HelperProcess> launch(const std::string& path, ChunkHandler onChunk) override {
+        m_log.note("launch");
         launches.push_back(path);
         if (fails) {
             return nullptr;
@@ -36,13 +41,18 @@ private:
     class Process final : public HelperProcess {
     public:
         explicit Process(FakeHelperLauncher& owner) : m_owner(owner) {}
-        ~Process() override { m_owner.m_onChunk = nullptr; }
+        ~Process() override {
+            m_owner.m_log.note("end helper");
+            m_owner.m_onChunk = nullptr;
+        }
         pid_t pid() const override { return 1; }
 
     private:
         FakeHelperLauncher& m_owner;
     };
 
+    CallLog m_ownLog;
+    CallLog& m_log;
     ChunkHandler m_onChunk;
 };
 

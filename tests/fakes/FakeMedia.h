@@ -66,6 +66,9 @@ public:
         lastPath = path;
         lastType = type;
         m_log.note(prefix + "makeWriter");
+        if (whileMaking) {
+            whileMaking();
+        }
         if (makeError && (failingFile.empty() || failingFile == name)) {
             return fail(*makeError);
         }
@@ -74,6 +77,8 @@ public:
 
     std::vector<std::string> calls() const { return m_log.calls(); }
 
+    /// Runs inside makeWriter(), before it returns, on the caller's thread.
+    std::function<void()> whileMaking;
     std::filesystem::path lastPath;
     FileType lastType = FileType::mp4;
     VideoSettings lastSettings;

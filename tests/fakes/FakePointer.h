@@ -1,6 +1,7 @@
 #pragma once
 
 #include "capture/Pointer.h"
+#include "fakes/CallLog.h"
 
 #include <map>
 #include <set>
@@ -10,8 +11,12 @@ namespace tavi {
 /// A pointer that the test moves and presses.
 class FakePointer final : public PointerMonitors, public PointerLocation, public CursorImages {
 public:
+    /// Monitors are noted ("addMonitor", "removeMonitor").
+    explicit FakePointer(CallLog* log = nullptr) : m_log(log != nullptr ? *log : m_ownLog) {}
+
     std::optional<Token> addGlobalMonitor(PointerEventKind kind,
                                           std::function<void()> handler) override {
+        m_log.note("addMonitor");
         installed.push_back(kind);
         if (refused.count(kind) > 0) {
             return std::nullopt;
@@ -19,7 +24,10 @@ public:
         monitors[++m_lastToken] = {kind, std::move(handler)};
         return m_lastToken;
     }
-    void removeMonitor(Token token) override { monitors.erase(token); }
+    void removeMonitor(Token token) override {
+        m_log.note("removeMonitor");
+        monitors.erase(token);
+    }
 
     Point query() const override { return location; }
 
@@ -48,6 +56,8 @@ public:
     int cursorLookups = 0;
 
 private:
+    CallLog m_ownLog;
+    CallLog& m_log;
     Token m_lastToken = 0;
 };
 

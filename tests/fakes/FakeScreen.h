@@ -1,17 +1,22 @@
 #pragma once
 
 #include "capture/ScreenStream.h"
+#include "fakes/CallLog.h"
 
 #include <atomic>
 #include <optional>
 
 namespace tavi {
 
-/// A screen whose samples the test sends. The stream that is running is `stream`.
+/// A screen whose samples the test sends. What is asked of it is noted ("makeStream",
+/// "startCapture", "stopCapture").
 class FakeScreenStreams final : public ScreenStreams {
 public:
+    explicit FakeScreenStreams(CallLog* log = nullptr) : m_log(log != nullptr ? *log : m_ownLog) {}
+
     Result<std::unique_ptr<ScreenStream>, CaptureError>
     makeStream(const ScreenFilter& filter, const ScreenStreamConfiguration& config) override {
+        m_log.note("makeStream");
         lastFilter = filter;
         lastConfiguration = config;
         if (makeError) {
@@ -73,6 +78,7 @@ private:
             return {};
         }
         Result<void, CaptureError> startCapture() override {
+            m_owner.m_log.note("startCapture");
             if (m_owner.startError) {
                 return fail(*m_owner.startError);
             }
@@ -84,6 +90,7 @@ private:
             return {};
         }
         Result<void, CaptureError> stopCapture() override {
+            m_owner.m_log.note("stopCapture");
             if (m_owner.whileStopping) {
                 m_owner.whileStopping();
             }
@@ -99,6 +106,8 @@ private:
         FakeScreenStreams& m_owner;
     };
 
+    CallLog m_ownLog;
+    CallLog& m_log;
     SerialQueue* m_queue = nullptr;
     ScreenStream::Handler m_handler;
     bool m_isRunning = false;
