@@ -15,13 +15,10 @@ namespace {
 
 constexpr int kChannels = PixelBuffer::kBytesPerPixel;
 
-// The shadow, in output pixels.
-constexpr double kShadowAlpha = 0.4;
-constexpr double kShadowSigma = 8;
-constexpr double kShadowMargin = 24; ///< Drawn to each side of the bubble.
+constexpr double kShadowReach = 3; ///< Deviations that are drawn to each side of the bubble.
 
-/// Pixels around the layer in which the bubble still matters to its shadow.
-constexpr int kShadowOverhang = 32;
+/// Deviations around the layer in which the bubble still matters to its shadow.
+constexpr double kShadowOverhang = 4;
 
 Rect grown(const Rect& rect, double margin) {
     return {rect.x - margin, rect.y - margin, rect.width + 2 * margin, rect.height + 2 * margin};
@@ -71,14 +68,16 @@ std::optional<Rect> cameraBubbleRect(const CameraSettings& settings, Size output
     return hasArea(rect) ? std::optional(rect) : std::nullopt;
 }
 
-CameraBubble::CameraBubble(const CameraSettings& settings, Size output) : m_settings(settings) {
+CameraBubble::CameraBubble(const CameraSettings& settings, Size output, CameraBubbleShadow shadow)
+    : m_settings(settings),
+      m_shadowLook(shadow) {
     const auto bubble = cameraBubbleRect(settings, output);
     if (!bubble) {
         return;
     }
     m_height = static_cast<int>(std::ceil(output.height));
     const double margin =
-        std::max(settings.shadowEnabled ? kShadowMargin : 0.0, settings.borderWidth);
+        std::max(settings.shadowEnabled ? kShadowReach * shadow.sigma : 0.0, settings.borderWidth);
     m_bounds = touchedPixels(flipped(grown(*bubble, margin), m_height),
                              {0, 0, static_cast<int>(std::ceil(output.width)), m_height});
     if (m_bounds.empty()) {
@@ -104,23 +103,23 @@ Rect CameraBubble::toLayer(const Rect& rect) const {
 
 void CameraBubble::castShadow(const Rect& bubble) {
     // A bubble that hangs over the output throws its shadow back into it.
-    const PixelBounds around{-kShadowOverhang, -kShadowOverhang, m_shadow.width() + kShadowOverhang,
-                             m_shadow.height() + kShadowOverhang};
+    const int overhang = static_cast<int>(std::ceil(kShadowOverhang * m_shadowLook.sigma));
+    const PixelBounds around{-overhang, -overhang, m_shadow.width() + overhang,
+                             m_shadow.height() + overhang};
     CoverageMask mask;
     mask.assign(bubble, cornerRadius(m_settings, bubble), bubble, around);
     const std::vector<std::uint8_t> coverage = written(mask, around);
     GaussianBlur blur;
     blur.blur({coverage.data(), around.width(), around.height(),
                static_cast<std::size_t>(around.width()), 1},
-              kShadowSigma, BlurEdges::transparent);
+              m_shadowLook.sigma, BlurEdges::transparent);
     blur.begin();
     std::vector<std::uint8_t> alpha(static_cast<std::size_t>(m_shadow.width()));
     for (int y = 0; y < m_shadow.height(); ++y) {
-        blur.writeRow(y + kShadowOverhang, kShadowOverhang, kShadowOverhang + m_shadow.width(),
-                      alpha.data());
+        blur.writeRow(y + overhang, overhang, overhang + m_shadow.width(), alpha.data());
         for (int x = 0; x < m_shadow.width(); ++x) {
             m_shadow.row(y)[bytes(x) + 3] = static_cast<std::uint8_t>(
-                std::lround(alpha[static_cast<std::size_t>(x)] * kShadowAlpha));
+                std::lround(alpha[static_cast<std::size_t>(x)] * m_shadowLook.alpha));
         }
     }
 }

@@ -17,6 +17,12 @@ namespace tavi {
 /// where its size isn't positive. Both margins are fractions of the width.
 std::optional<Rect> cameraBubbleRect(const CameraSettings& settings, Size output);
 
+/// The soft shadow around a bubble, in output pixels.
+struct CameraBubbleShadow {
+    double alpha = 0.4;
+    double sigma = 8; ///< Deviation of its blur; three of them are drawn to each side.
+};
+
 /// Draws the camera into a rounded square in a corner of the output, with a rim
 /// and a soft shadow.
 ///
@@ -28,7 +34,7 @@ std::optional<Rect> cameraBubbleRect(const CameraSettings& settings, Size output
 class CameraBubble {
 public:
     /// `output` is the output's exact size, at most 16384 pixels a side.
-    CameraBubble(const CameraSettings& settings, Size output);
+    CameraBubble(const CameraSettings& settings, Size output, CameraBubbleShadow shadow = {});
 
     /// Draws the bubble over `out`, whose lower left corner is the output's and
     /// which holds all of the output. Null or empty images draw nothing.
@@ -41,6 +47,7 @@ private:
     void drawLayer(const PixelBuffer& image);
 
     CameraSettings m_settings;
+    CameraBubbleShadow m_shadowLook;
     int m_height = 0;     ///< Rows of the output, from which rows are counted.
     PixelBounds m_bounds; ///< What is drawn on; empty without a bubble.
     Rect m_bubble;        ///< In the layer's pixels, rows from the top.
