@@ -1,12 +1,9 @@
 #include "keys/X11KeySource.h"
 
-#include "keys/KeyText.h"
-
-#include <xkbcommon/xkbcommon-keysyms.h>
 #include <xkbcommon/xkbcommon-x11.h>
 
-#include <array>
 #include <cstdlib>
+#include <utility>
 
 // The header has a field that is named like a keyword of C++.
 #define explicit explicitComponents
@@ -23,48 +20,25 @@ struct FreeMemory {
 template<typename T>
 using Owned = std::unique_ptr<T, FreeMemory>;
 
-struct NamedModifier {
-    const char* name;
-    std::uint32_t bit;
-};
-
-constexpr std::array kModifiers{
-    NamedModifier{XKB_MOD_NAME_CTRL, modifier::kControl},
-    NamedModifier{XKB_MOD_NAME_ALT, modifier::kOption},
-    NamedModifier{XKB_MOD_NAME_SHIFT, modifier::kShift},
-    NamedModifier{XKB_MOD_NAME_LOGO, modifier::kCommand},
-};
-
-/// The user's locale, as the C library decides it; compose tables hang from it.
-const char* localeName() {
-    for (const char* variable : {"LC_ALL", "LC_CTYPE", "LANG"}) {
-        const char* value = std::getenv(variable);
-        if (value != nullptr && *value != '\0') {
-            return value;
-        }
-    }
-    return "C";
-}
-
 } // namespace
 
 std::unique_ptr<X11KeySource> X11KeySource::open(Handler handler) {
-    std::unique_ptr<X11KeySource> source(new X11KeySource(std::move(handler)));
-    const bool isListening = source->connect() && source->selectKeyboardEvents() &&
-                             source->loadKeymap() && source->selectKeyEvents();
-    if (!isListening) {
+    XkbHandle<xkb_context> context(xkb_context_new(XKB_CONTEXT_NO_FLAGS));
+    if (!context) {
         return nullptr;
     }
-    source->loadComposeTable();
-    return source;
+    std::unique_ptr<X11KeySource> source(new X11KeySource(std::move(handler), std::move(context)));
+    const bool isListening = source->connect() && source->selectKeyboardEvents() &&
+                             source->loadKeymap() && source->selectKeyEvents();
+    return isListening ? std::move(source) : nullptr;
 }
 
+X11KeySource::X11KeySource(Handler handler, XkbHandle<xkb_context> context)
+    : m_handler(std::move(handler)),
+      m_context(std::move(context)),
+      m_translator(*m_context) {}
+
 X11KeySource::~X11KeySource() {
-    xkb_compose_state_unref(m_composeState);
-    xkb_compose_table_unref(m_composeTable);
-    xkb_state_unref(m_state);
-    xkb_keymap_unref(m_keymap);
-    xkb_context_unref(m_context);
     xcb_disconnect(m_connection);
 }
 
@@ -79,8 +53,7 @@ bool X11KeySource::connect() {
         xcb_screen_next(&screens);
     }
     m_root = screens.data->root;
-    m_context = xkb_context_new(XKB_CONTEXT_NO_FLAGS);
-    return m_context != nullptr;
+    return true;
 }
 
 /// Asks for every change of the layout and of modifiers and group. They come on
@@ -137,29 +110,18 @@ bool X11KeySource::selectKeyEvents() {
 }
 
 bool X11KeySource::loadKeymap() {
-    xkb_keymap* keymap = xkb_x11_keymap_new_from_device(m_context, m_connection, m_keyboard,
-                                                        XKB_KEYMAP_COMPILE_NO_FLAGS);
-    if (keymap == nullptr) {
+    XkbHandle<xkb_keymap> keymap(xkb_x11_keymap_new_from_device(
+        m_context.get(), m_connection, m_keyboard, XKB_KEYMAP_COMPILE_NO_FLAGS));
+    if (!keymap) {
         return false;
     }
-    xkb_state* state = xkb_x11_state_new_from_device(keymap, m_connection, m_keyboard);
-    if (state == nullptr) {
-        xkb_keymap_unref(keymap);
+    XkbHandle<xkb_state> state(
+        xkb_x11_state_new_from_device(keymap.get(), m_connection, m_keyboard));
+    if (!state) {
         return false;
     }
-    xkb_state_unref(m_state);
-    xkb_keymap_unref(m_keymap);
-    m_keymap = keymap;
-    m_state = state;
+    m_translator.setKeymap(std::move(keymap), std::move(state));
     return true;
-}
-
-void X11KeySource::loadComposeTable() {
-    m_composeTable =
-        xkb_compose_table_new_from_locale(m_context, localeName(), XKB_COMPOSE_COMPILE_NO_FLAGS);
-    if (m_composeTable != nullptr) {
-        m_composeState = xkb_compose_state_new(m_composeTable, XKB_COMPOSE_STATE_NO_FLAGS);
-    }
 }
 
 bool X11KeySource::readEvents() {
@@ -183,53 +145,18 @@ void X11KeySource::handleKeyboardEvent(const xcb_generic_event_t& event) {
         return;
     }
     const auto& s = reinterpret_cast<const xcb_xkb_state_notify_event_t&>(event);
-    xkb_state_update_mask(m_state, s.baseMods, s.latchedMods, s.lockedMods,
-                          static_cast<xkb_layout_index_t>(s.baseGroup),
-                          static_cast<xkb_layout_index_t>(s.latchedGroup),
-                          static_cast<xkb_layout_index_t>(s.lockedGroup));
+    m_translator.setMasks({.held = s.baseMods,
+                           .latched = s.latchedMods,
+                           .locked = s.lockedMods,
+                           .heldGroup = static_cast<xkb_layout_index_t>(s.baseGroup),
+                           .latchedGroup = static_cast<xkb_layout_index_t>(s.latchedGroup),
+                           .lockedGroup = s.lockedGroup});
 }
 
 void X11KeySource::handleKeyPress(const xcb_input_raw_key_press_event_t& event) {
-    const std::string text = textOf(event.detail);
-    if (!text.empty()) {
-        m_handler(keyLine(event.time, text, modifiers()));
+    if (const auto line = m_translator.keyLineOf(event.detail, event.time)) {
+        m_handler(*line);
     }
-}
-
-/// The press's text. A key that only starts or continues a composed character
-/// has none; the key that completes it has all of it.
-std::string X11KeySource::textOf(xkb_keycode_t key) {
-    const xkb_keysym_t symbol = xkb_state_key_get_one_sym(m_state, key);
-    if (m_composeState == nullptr ||
-        xkb_compose_state_feed(m_composeState, symbol) == XKB_COMPOSE_FEED_IGNORED) {
-        return keyText(symbol);
-    }
-    switch (xkb_compose_state_get_status(m_composeState)) {
-    case XKB_COMPOSE_COMPOSING:
-        return {};
-    case XKB_COMPOSE_COMPOSED: {
-        std::array<char, 64> text{};
-        xkb_compose_state_get_utf8(m_composeState, text.data(), text.size());
-        xkb_compose_state_reset(m_composeState);
-        return text.data();
-    }
-    case XKB_COMPOSE_CANCELLED:
-        xkb_compose_state_reset(m_composeState);
-        return keyText(symbol);
-    case XKB_COMPOSE_NOTHING:
-        break;
-    }
-    return keyText(symbol);
-}
-
-std::uint32_t X11KeySource::modifiers() const {
-    std::uint32_t bits = 0;
-    for (const auto& m : kModifiers) {
-        if (xkb_state_mod_name_is_active(m_state, m.name, XKB_STATE_MODS_EFFECTIVE) > 0) {
-            bits |= m.bit;
-        }
-    }
-    return bits;
 }
 
 } // namespace tavi

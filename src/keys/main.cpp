@@ -3,11 +3,14 @@
 // it stays, silent.
 
 #include "keys/KeyLine.h"
+#include "keys/LibinputKeySource.h"
+#include "keys/Session.h"
 #include "keys/X11KeySource.h"
 
 #include <array>
 #include <csignal>
 #include <cstdlib>
+#include <memory>
 #include <poll.h>
 #include <unistd.h>
 
@@ -22,22 +25,44 @@ void takeSignalsAgain() {
     std::signal(SIGPIPE, SIG_IGN);
 }
 
+void print(std::string_view line) {
+    if (!tavi::writeLine(line)) {
+        std::exit(EXIT_SUCCESS);
+    }
+}
+
+/// An X server below a Wayland session sees only the keys of its own windows.
+std::unique_ptr<tavi::KeySource> openSource() {
+    if (!tavi::isWaylandSession()) {
+        if (auto server = tavi::X11KeySource::open(print)) {
+            return server;
+        }
+    }
+    return tavi::LibinputKeySource::open(print);
+}
+
 bool isReaderGone(short events) {
     return (events & (POLLERR | POLLHUP | POLLNVAL)) != 0;
 }
 
 /// Waits for news of the source, and for the end of the reader. No source: for the latter only.
-int run(tavi::X11KeySource* source) {
+int run(std::unique_ptr<tavi::KeySource> source) {
+    bool hasSaidReady = false;
     for (;;) {
-        std::array<pollfd, 2> waits{
-            pollfd{STDOUT_FILENO, 0, 0},
-            pollfd{source != nullptr ? source->descriptor() : -1, POLLIN, 0}};
+        if (source && source->isListening() && !hasSaidReady) {
+            print(tavi::kReadyLine);
+            hasSaidReady = true;
+            // What came while the replies were awaited is read already and would wake nobody.
+            source->readEvents();
+        }
+        std::array<pollfd, 2> waits{pollfd{STDOUT_FILENO, 0, 0},
+                                    pollfd{source ? source->descriptor() : -1, POLLIN, 0}};
         poll(waits.data(), waits.size(), -1);
         if (isReaderGone(waits[0].revents)) {
             return EXIT_SUCCESS;
         }
         if (waits[1].revents != 0 && !source->readEvents()) {
-            source = nullptr;
+            source.reset();
         }
     }
 }
@@ -46,17 +71,5 @@ int run(tavi::X11KeySource* source) {
 
 int main() {
     takeSignalsAgain();
-    const auto source = tavi::X11KeySource::open([](const std::string& line) {
-        if (!tavi::writeLine(line)) {
-            std::exit(EXIT_SUCCESS);
-        }
-    });
-    if (source) {
-        if (!tavi::writeLine(tavi::kReadyLine)) {
-            return EXIT_SUCCESS;
-        }
-        // What came while the replies were awaited is read already and would wake nobody.
-        source->readEvents();
-    }
-    return run(source.get());
+    return run(openSource());
 }

@@ -1,77 +1,40 @@
-#include "capture/PosixHelperLauncher.h"
 #include "platform/x11/XTestServer.h"
-#include "project/KeyLineJson.h"
+#include "support/RunningKeys.h"
 
 #include <gmock/gmock.h>
+#include <xcb/xtest.h>
 
 #include <cstdlib>
-#include <mutex>
-#include <sstream>
 #include <sys/wait.h>
 #include <unistd.h>
+
+// The header has a field that is named like a keyword of C++.
+#define explicit explicitComponents
+#include <xcb/xkb.h>
+#undef explicit
 
 namespace tavi {
 namespace {
 
-const std::string kHelper = std::string(TAVI_BINARY_DIR) + "/TaviKeys";
+using test::kCommand;
+using test::kControl;
+using test::kOption;
+using test::kShift;
+using test::line;
 
-constexpr unsigned kShift = 0x20000;
-constexpr unsigned kControl = 0x40000;
-constexpr unsigned kOption = 0x80000;
-constexpr unsigned kCommand = 0x100000;
-
-/// The helper on a display, and what it printed so far.
-class RunningKeys {
+/// The helper on a display of its own.
+class DisplayKeys : public test::RunningKeys {
 public:
-    explicit RunningKeys(const std::string& display) {
-        setenv("DISPLAY", display.c_str(), 1);
-        m_process = m_launcher.launch(kHelper, [this](std::string_view chunk) {
-            const std::lock_guard lock(m_mutex);
-            m_text += chunk;
-        });
-        unsetenv("DISPLAY");
-        EXPECT_TRUE(m_process) << kHelper;
-    }
-
-    std::string text() const {
-        const std::lock_guard lock(m_mutex);
-        return m_text;
-    }
-
-    /// Each key line as its "c", a space and its "m".
-    std::vector<std::string> keys() const {
-        std::istringstream lines(text());
-        std::vector<std::string> found;
-        for (std::string line; std::getline(lines, line);) {
-            if (const auto key = parseKeyLine(line)) {
-                found.push_back(key->character + " " + std::to_string(key->modifiers.value_or(99)));
-            }
-        }
-        return found;
-    }
-
-    bool isReady() const {
-        return test::waitFor([this] { return text().find("\"ready\"") != std::string::npos; });
-    }
-    bool hasKeys(std::size_t count) const {
-        return test::waitFor([this, count] { return keys().size() >= count; });
-    }
-    bool isAlive() const { return kill(m_process->pid(), 0) == 0; }
-
-private:
-    mutable std::mutex m_mutex;
-    std::string m_text;
-    PosixHelperLauncher m_launcher;
-    std::unique_ptr<HelperProcess> m_process;
+    explicit DisplayKeys(const std::string& display, const std::string& locale = "en_US.UTF-8")
+        : RunningKeys({{"DISPLAY", display},
+                       {"XDG_SESSION_TYPE", "x11"},
+                       {"XDG_SEAT", "seat-of-nobody"}, // where no server is: no real keyboard
+                       {"LC_ALL", locale}}) {}
 };
-
-std::string line(const std::string& character, unsigned modifiers) {
-    return character + " " + std::to_string(modifiers);
-}
 
 TEST(TaviKeys, saysThatItIsReadyInItsFirstLine) {
     const test::XTestServer server;
-    const RunningKeys helper(server.name());
+    const DisplayKeys helper(server.name());
     ASSERT_TRUE(helper.isReady());
     EXPECT_EQ(helper.text(), "{\"ready\":true}\n");
 }
@@ -107,7 +70,7 @@ TEST(TaviKeys, printsEachPressWithItsNameAndModifiers) {
         {"backslash", line("\\", 0)},
     };
     const test::XTestServer server;
-    const RunningKeys helper(server.name());
+    const DisplayKeys helper(server.name());
     ASSERT_TRUE(helper.isReady());
     std::string keys;
     std::vector<std::string> expected;
@@ -122,7 +85,7 @@ TEST(TaviKeys, printsEachPressWithItsNameAndModifiers) {
 
 TEST(TaviKeys, modifiersAloneGiveNoLine) {
     const test::XTestServer server;
-    const RunningKeys helper(server.name());
+    const DisplayKeys helper(server.name());
     ASSERT_TRUE(helper.isReady());
     ASSERT_TRUE(
         server.run("xdotool key shift ctrl alt super Caps_Lock Caps_Lock Num_Lock Num_Lock x"));
@@ -132,7 +95,7 @@ TEST(TaviKeys, modifiersAloneGiveNoLine) {
 
 TEST(TaviKeys, heldKeyCountsOnce) {
     const test::XTestServer server;
-    const RunningKeys helper(server.name());
+    const DisplayKeys helper(server.name());
     ASSERT_TRUE(helper.isReady());
     ASSERT_TRUE(server.run("xset r rate 50 100"));
     ASSERT_TRUE(server.run("xdotool keydown x sleep 0.3 keyup x key y"));
@@ -142,7 +105,7 @@ TEST(TaviKeys, heldKeyCountsOnce) {
 
 TEST(TaviKeys, followsTheLayoutOfTheMoment) {
     const test::XTestServer server;
-    const RunningKeys helper(server.name());
+    const DisplayKeys helper(server.name());
     ASSERT_TRUE(helper.isReady());
     // Key code 29 is "y" on a US keyboard and "z" on a German one.
     ASSERT_TRUE(server.run("xdotool key 29"));
@@ -154,9 +117,7 @@ TEST(TaviKeys, followsTheLayoutOfTheMoment) {
 
 TEST(TaviKeys, deadKeyAndLetterGiveOneCharacter) {
     const test::XTestServer server;
-    setenv("LC_ALL", "en_US.UTF-8", 1);
-    const RunningKeys helper(server.name());
-    unsetenv("LC_ALL");
+    const DisplayKeys helper(server.name());
     ASSERT_TRUE(helper.isReady());
     ASSERT_TRUE(server.run("setxkbmap de"));
     ASSERT_TRUE(server.run("xdotool key 21 key 26")); // dead acute, e
@@ -164,9 +125,68 @@ TEST(TaviKeys, deadKeyAndLetterGiveOneCharacter) {
     EXPECT_THAT(helper.keys(), testing::ElementsAre("é 0"));
 }
 
+/// Switches the server's layout group, as a desktop's indicator does.
+void lockGroup(const test::XTestServer& server, std::uint8_t group) {
+    test::Painter client(server);
+    xcb_connection_t* c = client.connection();
+    std::free(xcb_xkb_use_extension_reply(c, xcb_xkb_use_extension(c, 1, 0), nullptr));
+    xcb_xkb_latch_lock_state(c, XCB_XKB_ID_USE_CORE_KBD, 0, 0, 1, group, 0, 0, 0);
+    client.sync();
+}
+
+/// Presses a key by its code, as a keyboard does; xdotool would switch the group itself.
+void typeCode(const test::XTestServer& server, std::uint8_t code) {
+    test::Painter client(server);
+    for (const int kind : {XCB_KEY_PRESS, XCB_KEY_RELEASE}) {
+        xcb_test_fake_input(client.connection(), static_cast<std::uint8_t>(kind), code, 0,
+                            client.root(), 0, 0, 0);
+    }
+    client.sync();
+}
+
+TEST(TaviKeys, followsTheGroupOfTheMoment) {
+    const test::XTestServer server;
+    ASSERT_TRUE(server.run("setxkbmap us,gr"));
+    const DisplayKeys helper(server.name());
+    ASSERT_TRUE(helper.isReady());
+    constexpr std::uint8_t kKey = 54; // "c" and "ψ"
+    typeCode(server, kKey);
+    lockGroup(server, 1);
+    typeCode(server, kKey);
+    ASSERT_TRUE(server.run("xdotool keydown Control_L"));
+    lockGroup(server, 1);
+    typeCode(server, kKey);
+    ASSERT_TRUE(server.run("xdotool keyup Control_L"));
+    lockGroup(server, 0);
+    typeCode(server, kKey);
+    ASSERT_TRUE(helper.hasKeys(4));
+    EXPECT_THAT(helper.keys(), testing::ElementsAre("c 0", "ψ 0", line("c", kControl), "c 0"));
+}
+
+TEST(TaviKeys, capsLockMakesCapitalsAndNoModifier) {
+    const test::XTestServer server;
+    const DisplayKeys helper(server.name());
+    ASSERT_TRUE(helper.isReady());
+    ASSERT_TRUE(server.run("xdotool key Caps_Lock key 38 key Caps_Lock key 38"));
+    ASSERT_TRUE(helper.hasKeys(2));
+    EXPECT_THAT(helper.keys(), testing::ElementsAre("A 0", "a 0"));
+}
+
+TEST(TaviKeys, sleepsWhileNobodyTypes) {
+    const test::XTestServer server;
+    const DisplayKeys helper(server.name());
+    ASSERT_TRUE(helper.isReady());
+    ASSERT_TRUE(server.run("xdotool key a"));
+    ASSERT_TRUE(helper.hasKeys(1));
+    test::runLoopFor(0.3);
+    const long before = helper.sleeps();
+    test::runLoopFor(1);
+    EXPECT_EQ(helper.sleeps(), before);
+}
+
 TEST(TaviKeys, keysOfAGrabbedKeyboardAreSeen) {
     const test::XTestServer server;
-    const RunningKeys helper(server.name());
+    const DisplayKeys helper(server.name());
     ASSERT_TRUE(helper.isReady());
     const test::Painter grabber(server);
     std::free(xcb_grab_keyboard_reply(grabber.connection(),
@@ -178,8 +198,21 @@ TEST(TaviKeys, keysOfAGrabbedKeyboardAreSeen) {
     EXPECT_TRUE(helper.hasKeys(1));
 }
 
+/// A server below a Wayland session sees only what is typed into its own windows.
+TEST(TaviKeys, inAWaylandSessionTheServerIsNotAsked) {
+    const test::XTestServer server;
+    const test::RunningKeys helper({{"DISPLAY", server.name()},
+                                    {"XDG_SESSION_TYPE", "wayland"},
+                                    {"XDG_SEAT", "seat-of-nobody"}});
+    test::runLoopFor(0.3);
+    ASSERT_TRUE(server.run("xdotool key a"));
+    test::runLoopFor(0.2);
+    EXPECT_TRUE(helper.isAlive());
+    EXPECT_EQ(helper.text(), "");
+}
+
 TEST(TaviKeys, withoutDisplayStaysAndIsSilent) {
-    const RunningKeys helper(":9871");
+    const DisplayKeys helper(":9871");
     test::runLoopFor(0.3);
     EXPECT_TRUE(helper.isAlive());
     EXPECT_EQ(helper.text(), "");
@@ -187,7 +220,7 @@ TEST(TaviKeys, withoutDisplayStaysAndIsSilent) {
 
 TEST(TaviKeys, staysWhenTheServerDies) {
     test::XTestServer server;
-    const RunningKeys helper(server.name());
+    const DisplayKeys helper(server.name());
     ASSERT_TRUE(helper.isReady());
     server.die();
     test::runLoopFor(0.2);
@@ -202,11 +235,13 @@ TEST(TaviKeys, endsWhenItsReaderIsGone) {
         ASSERT_EQ(pipe(ends), 0);
         const pid_t pid = fork();
         if (pid == 0) {
+            setenv("XDG_SESSION_TYPE", "x11", 1);
+            setenv("XDG_SEAT", "seat-of-nobody", 1);
             setenv("DISPLAY", display.c_str(), 1);
             dup2(ends[1], STDOUT_FILENO);
             close(ends[0]);
             close(ends[1]);
-            execl(kHelper.c_str(), kHelper.c_str(), nullptr);
+            execl(test::kHelper.c_str(), test::kHelper.c_str(), nullptr);
             _exit(127);
         }
         close(ends[1]);

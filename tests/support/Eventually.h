@@ -1,0 +1,21 @@
+#pragma once
+
+#include <chrono>
+#include <functional>
+#include <thread>
+
+namespace tavi::test {
+
+/// Waits until `condition` holds; false when it doesn't within ten seconds.
+inline bool eventually(const std::function<bool()>& condition) {
+    const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(10);
+    while (!condition()) {
+        if (std::chrono::steady_clock::now() > end) {
+            return false;
+        }
+        std::this_thread::sleep_for(std::chrono::milliseconds(1));
+    }
+    return true;
+}
+
+} // namespace tavi::test
