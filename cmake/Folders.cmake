@@ -22,7 +22,9 @@ function(tavi_folder folder)
     add_library(${name} STATIC ${sources})
     target_link_libraries(${name} PUBLIC ${ARG_DEPS})
     if(ARG_QT)
-      set_target_properties(${name} PROPERTIES AUTOMOC ON)
+      # The standard headers are read right only behind their configuration.
+      set_target_properties(${name} PROPERTIES AUTOMOC ON AUTOMOC_MOC_OPTIONS "--include=cstddef")
+      add_library(${name}_viewmodels ALIAS ${name}) # for tests
     endif()
   else()
     add_library(${name} INTERFACE)

@@ -16,6 +16,8 @@ namespace tavi {
 /// the next assignment writes over it.
 class SettingsManager : public QObject {
     Q_OBJECT
+    Q_PROPERTY(bool defaultCameraEnabled READ defaultCameraEnabled NOTIFY settingsChanged)
+    Q_PROPERTY(bool defaultAudioEnabled READ defaultAudioEnabled NOTIFY settingsChanged)
 
 public:
     /// Loads; a file that is absent or broken in any place gives the built-in
@@ -23,6 +25,8 @@ public:
     explicit SettingsManager(std::filesystem::path recordingsDirectory, QObject* parent = nullptr);
 
     const AppSettings& settings() const { return m_settings; }
+    bool defaultCameraEnabled() const { return m_settings.defaultCameraEnabled; }
+    bool defaultAudioEnabled() const { return m_settings.defaultAudioEnabled; }
 
     /// Stores and saves, whether or not anything is different.
     void setSettings(const AppSettings& settings);

@@ -1,0 +1,33 @@
+#pragma once
+
+#include "base/Result.h"
+
+#include <filesystem>
+#include <string>
+
+namespace tavi {
+
+/// Why a take's folder could not be changed.
+struct RecordingFileError {
+    enum class Kind {
+        notFound,  ///< It is not there any more.
+        nameTaken, ///< Something of the new name is there.
+        failed,    ///< The system says no.
+    };
+
+    Kind kind = Kind::failed;
+    std::filesystem::path path; ///< What it happened to.
+    std::string detail;         ///< The system's own words.
+
+    std::string description() const;
+};
+
+/// Removes a take's folder with everything in it. What was removed before a failure stays removed.
+/// Thread: any.
+Result<void, RecordingFileError> removeRecording(const std::filesystem::path& folder);
+
+/// Moves a take's folder to another name; never over something that is there. Thread: any.
+Result<void, RecordingFileError> moveRecording(const std::filesystem::path& folder,
+                                               const std::filesystem::path& destination);
+
+} // namespace tavi

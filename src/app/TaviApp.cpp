@@ -1,0 +1,77 @@
+#include "app/TaviApp.h"
+
+#include "app/NotificationItem.h"
+#include "app/PathText.h"
+
+#include <utility>
+
+namespace tavi {
+
+TaviApp::TaviApp(TaviAppPorts ports, const PackageConfiguration& package,
+                 const ProgramVersion& version, const QLocale& locale)
+    : m_makeRecording(std::move(ports.makeRecording)),
+      m_inputMonitoring(ports.inputMonitoring),
+      m_updaterController(std::move(ports.updater), package, version.version),
+      m_settingsManager(ports.app.recordingsDirectory),
+      m_appViewModel(ports.app),
+      m_notificationViewModel(builtInNotifications(package.changelogUrl), version.version,
+                              ports.defaults, ports.app.workspace),
+      m_homeViewModel(m_appViewModel, locale),
+      m_settingsViewModel({ports.app.workspace, ports.app.main, ports.app.background},
+                          ports.app.recordingsDirectory, version, locale),
+      m_thumbnails(ports.images, ports.app.main) {
+    connect(&m_appViewModel, &AppViewModel::currentModeChanged, this, &TaviApp::followMode,
+            Qt::DirectConnection);
+    connect(&m_appViewModel, &AppViewModel::recordingsChanged, &m_thumbnails,
+            &TakeThumbnails::retryFailures);
+    connect(&m_homeViewModel, &HomeViewModel::recordingGone, &m_thumbnails, &TakeThumbnails::drop);
+    connect(&m_settingsViewModel, &SettingsViewModel::checkForUpdatesAsked, &m_updaterController,
+            &UpdaterController::checkForUpdates);
+    connect(&m_updaterController, &UpdaterController::told, &m_appViewModel,
+            &AppViewModel::setNoticeText);
+    m_updaterController.startUpdater();
+}
+
+TaviApp::~TaviApp() = default;
+
+/// Connected before any view, so that a view model is there when its screen comes.
+void TaviApp::followMode() {
+    if (m_appViewModel.currentMode() == AppMode::recording()) {
+        openRecordingScreen();
+    } else if (m_recordingViewModel) {
+        // The screen goes with the mode, a moment from now; its view model behind it.
+        m_appViewModel.setRecordingViewModel(nullptr);
+        m_recordingViewModel.release()->deleteLater();
+    }
+}
+
+void TaviApp::openRecordingScreen() {
+    m_recordingViewModel = m_makeRecording();
+    RecordingViewModel* model = m_recordingViewModel.get();
+    m_appViewModel.setRecordingViewModel(model);
+    connect(model, &RecordingViewModel::recordingStarted, this,
+            [this, model] { m_appViewModel.beginRecording(*model); });
+    connect(model, &RecordingViewModel::recordingStopped, this, [this](const QString& folder) {
+        if (!folder.isEmpty()) {
+            m_appViewModel.openFinishedTake(pathOf(folder));
+        }
+    });
+    connect(model, &RecordingViewModel::recordingEnded, this, &TaviApp::takeEndedByItself);
+    emit recordingViewModelChanged();
+}
+
+void TaviApp::takeEndedByItself(const QString& folder) {
+    m_appViewModel.setNotice(m_recordingViewModel ? m_recordingViewModel->failureText()
+                                                  : std::string());
+    m_appViewModel.finishRecording(folder.isEmpty() ? std::nullopt : std::optional(pathOf(folder)));
+}
+
+void TaviApp::stopTake() {
+    if (RecordingStatusBarService* item = m_appViewModel.statusBarService()) {
+        item->stopRecording();
+    } else if (m_recordingViewModel && m_recordingViewModel->isRecording()) {
+        m_recordingViewModel->stop();
+    }
+}
+
+} // namespace tavi
