@@ -7,6 +7,10 @@
 namespace tavi {
 
 /// Streams of an X server's displays and windows, each on a connection and a thread of its own.
+///
+/// An X server gives a display's picture only as it is on the screen, so no window can be left
+/// out of it: ScreenFilter::exceptingWindows is not looked at. A program that is not to be in the
+/// picture hides its windows before it starts the stream.
 class X11ScreenStreams final : public ScreenStreams {
 public:
     /// `displayName` empty: $DISPLAY.

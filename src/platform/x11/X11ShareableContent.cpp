@@ -1,6 +1,7 @@
 #include "platform/x11/X11ShareableContent.h"
 
 #include "platform/x11/Monitors.h"
+#include "platform/x11/WindowArea.h"
 
 #include <algorithm>
 #include <optional>
@@ -117,21 +118,6 @@ std::string applicationId(xcb_connection_t* c, xcb_window_t window, const Atoms&
         }
     }
     return applicationName(propertyBytes(c, window, XCB_ATOM_WM_CLASS));
-}
-
-/// Where the window is on the root; absent for one that is gone.
-std::optional<PixelRect> areaOnRoot(const XConnection& x, xcb_window_t window) {
-    xcb_connection_t* c = x.get();
-    const auto geometryCookie = xcb_get_geometry(c, window);
-    const auto placeCookie = xcb_translate_coordinates(c, window, x.root(), 0, 0);
-    const XOwned<xcb_get_geometry_reply_t> geometry(
-        xcb_get_geometry_reply(c, geometryCookie, nullptr));
-    const XOwned<xcb_translate_coordinates_reply_t> place(
-        xcb_translate_coordinates_reply(c, placeCookie, nullptr));
-    if (!geometry || !place) {
-        return std::nullopt;
-    }
-    return PixelRect{place->dst_x, place->dst_y, geometry->width, geometry->height};
 }
 
 bool isShown(xcb_connection_t* c, xcb_window_t window, const Atoms& atoms) {

@@ -1,19 +1,11 @@
 #include "capture/CursorImageBytes.h"
-#include "capture/PosixHelperLauncher.h"
-#include "capture/TakeRecorder.h"
-#include "platform/ffmpeg/FfmpegImageFiles.h"
-#include "platform/ffmpeg/FfmpegMediaLibrary.h"
+#include "platform/x11/RealAdapters.h"
 #include "platform/x11/RecordedVideo.h"
-#include "platform/x11/X11Pointer.h"
-#include "platform/x11/X11PointerMonitors.h"
-#include "platform/x11/X11ScreenStreams.h"
 #include "platform/x11/X11ShareableContent.h"
 #include "platform/x11/XTestServer.h"
 #include "project/RecordingMetadataJson.h"
-#include "render/YuvConverter.h"
 #include "support/TemporaryFolder.h"
 
-#include <QCoreApplication>
 #include <gmock/gmock.h>
 
 #include <csignal>
@@ -27,35 +19,13 @@ using test::Painter;
 using test::readAll;
 using test::XTestServer;
 
-class QtExecutor final : public Executor {
-public:
-    void post(std::function<void()> block) override {
-        QMetaObject::invokeMethod(QCoreApplication::instance(), std::move(block),
-                                  Qt::QueuedConnection);
-    }
-};
-
-/// A base, so that it is there before any member listens to the loop.
-struct WithQtApplication {
-    WithQtApplication() { test::ensureQtApplication(); }
-};
-
 /// A take of a server's only display, made of the real adapters.
-class RealTake : private WithQtApplication {
+class RealTake {
 public:
     explicit RealTake(const std::string& server)
-        : m_streams(server),
-          m_monitors(std::move(X11PointerMonitors::open(server).value())),
-          m_pointer(std::move(X11Pointer::open(server).value())),
+        : m_adapters(server),
           m_display(X11ShareableContent(server).content().value().displays.at(0)),
-          m_recorder({m_streams,
-                      m_media,
-                      m_imageFiles,
-                      {*m_monitors, *m_pointer, *m_pointer, m_launcher, m_clock, m_main, nullptr,
-                       std::string(TAVI_BINARY_DIR) + "/TaviKeys"}}) {
-        setenv("DISPLAY", server.c_str(), 1); // for the helper
-    }
-    ~RealTake() { unsetenv("DISPLAY"); }
+          m_recorder(m_adapters.ports()) {}
 
     Result<void, CaptureError> start(const std::filesystem::path& library) {
         return m_recorder.start(m_display, library);
@@ -63,14 +33,7 @@ public:
     TakeRecorder& recorder() { return m_recorder; }
 
 private:
-    X11ScreenStreams m_streams;
-    FfmpegMediaLibrary m_media{std::make_shared<YuvConverter>()};
-    FfmpegImageFiles m_imageFiles;
-    PosixHelperLauncher m_launcher;
-    SystemClock m_clock;
-    QtExecutor m_main;
-    std::unique_ptr<X11PointerMonitors> m_monitors;
-    std::unique_ptr<X11Pointer> m_pointer;
+    test::RealAdapters m_adapters;
     Display m_display;
     TakeRecorder m_recorder;
 };
