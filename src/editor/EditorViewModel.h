@@ -64,6 +64,7 @@ public:
     const std::optional<Uuid>& selectedKeyframeID() const { return m_selectedKeyframeID; }
     Size videoSize() const { return m_videoSize; } ///< 1920x1080 until it is known.
     AutoZoomViewModel& autoZoomViewModel() { return m_autoZoomViewModel; }
+    const AutoZoomViewModel& autoZoomViewModel() const { return m_autoZoomViewModel; }
     const AutoZoomSettings& autoZoomSettings() const { return m_autoZoomSettings; }
     bool isMarkingCut() const { return m_cutStartMarker.has_value(); }
     const std::optional<double>& cutStartMarker() const { return m_cutStartMarker; }
