@@ -15,6 +15,10 @@ namespace {
 /// Sound decodes in no time.
 constexpr int kThreads = 1;
 
+/// Decoded before what is wanted: the first packets after a jump sound wrong, since
+/// they lean on those before.
+constexpr MediaTime kWarmUp{1, 10};
+
 /// No sound lies further away, in moments; what a damaged file says may.
 constexpr std::int64_t kFurthest = std::int64_t{1} << 50;
 
@@ -65,6 +69,20 @@ std::optional<SoundPiece> AudioDecoder::next() {
         }
     }
     return lastPiece();
+}
+
+void AudioDecoder::seek(MediaTime time) {
+    const AVRational base = stream().time_base;
+    const MediaTime from = time - kWarmUp;
+    const std::int64_t start = stream().start_time == AV_NOPTS_VALUE ? 0 : stream().start_time;
+    const std::int64_t ticks = from.rescaled(base.den).value / base.num;
+    if (ticks <= start || !m_track.jump(ticks)) {
+        m_track.jump(std::min<std::int64_t>(start, 0));
+    }
+    m_held.reset();
+    std::vector<float> rest;
+    m_resampler.flush(rest); // Made anew for the next frame.
+    m_expected = 0;
 }
 
 /// The decoded frame as floats; absent for one that can't be converted.

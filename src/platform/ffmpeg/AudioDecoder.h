@@ -1,5 +1,6 @@
 #pragma once
 
+#include "base/MediaTime.h"
 #include "base/Result.h"
 #include "media/MediaError.h"
 #include "platform/ffmpeg/FfmpegAudioResampler.h"
@@ -28,6 +29,9 @@ public:
     /// Errors: notFound, notMedia, cannotDecode.
     static Result<std::unique_ptr<AudioDecoder>, MediaError>
     open(const std::filesystem::path& path, int track, int sampleRate, int channels);
+
+    /// Goes to `time`: the next pieces hold all sound from there on, and some before it.
+    void seek(MediaTime time);
 
     /// The next piece; pieces may touch, overlap or leave gaps as the file's
     /// times say. Absent at the end of the track and when the rest can't be

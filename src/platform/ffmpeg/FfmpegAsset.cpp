@@ -22,6 +22,9 @@ namespace fs = std::filesystem;
 /// playlist must not make the program open what it lists.
 constexpr const char* kContainers = "mov,mp4,m4a,3gp,3g2,mj2,matroska,webm,avi,mpegts,apng";
 
+/// Larger pictures are a damaged file's, or nothing that can be shown.
+constexpr double kLargestSide = 16384;
+
 std::optional<MediaError> plainFileError(const fs::path& path) {
     using Kind = MediaError::Kind;
     std::error_code failure;
@@ -95,6 +98,11 @@ MediaTime trackEnd(const AVStream& stream) {
 }
 
 } // namespace
+
+bool isReasonable(Size pictureSize) {
+    return pictureSize.width >= 1 && pictureSize.height >= 1 &&
+           pictureSize.width <= kLargestSide && pictureSize.height <= kLargestSide;
+}
 
 MediaTime streamTime(std::int64_t ticks, AVRational timeBase) {
     return {ticks * timeBase.num, timeBase.den};

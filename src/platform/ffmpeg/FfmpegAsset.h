@@ -20,6 +20,9 @@ Asset describeAsset(const std::filesystem::path& path, const AVFormatContext& in
 /// Opens the file, describes it and closes it again.
 Result<Asset, MediaError> openFfmpegAsset(const std::filesystem::path& path);
 
+/// False for a size that only a damaged file can have.
+bool isReasonable(Size pictureSize);
+
 /// `ticks` of a stream's clock as a time.
 MediaTime streamTime(std::int64_t ticks, AVRational timeBase);
 

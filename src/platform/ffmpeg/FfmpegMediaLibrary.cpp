@@ -12,14 +12,6 @@ namespace tavi {
 
 namespace {
 
-/// Larger pictures are a damaged file's, or nothing that can be shown.
-constexpr double kLargestSide = 16384;
-
-bool isReasonable(Size size) {
-    return size.width >= 1 && size.height >= 1 && size.width <= kLargestSide &&
-           size.height <= kLargestSide;
-}
-
 /// No sound has more; what claims to is damaged.
 constexpr int kHighestRate = 768'000;
 constexpr int kMostChannels = 64;

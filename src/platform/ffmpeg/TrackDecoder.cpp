@@ -7,6 +7,7 @@ extern "C" {
 #include <libavutil/common.h>
 }
 
+#include <algorithm>
 #include <limits>
 #include <utility>
 
@@ -78,7 +79,17 @@ bool TrackDecoder::jump(std::int64_t ticks) {
     m_isDraining = false;
     m_readErrors = 0;
     m_error.reset();
+    m_hurry.reset();
+    m_latestInHurry.reset();
+    m_lastHurriedOver.reset();
     return true;
+}
+
+void TrackDecoder::hurryTo(std::int64_t ticks) {
+    m_hurry = ticks;
+    if (m_latestInHurry && *m_latestInHurry > ticks) {
+        m_latestInHurry.reset();
+    }
 }
 
 bool TrackDecoder::decode(AVFrame& frame) {
@@ -115,6 +126,7 @@ void TrackDecoder::feed() {
         const bool isOurs = m_packet->stream_index == m_track;
         if (isOurs) {
             notePacket();
+            chooseSkipping();
             avcodec_send_packet(m_codec.get(), m_packet.get());
         }
         av_packet_unref(m_packet.get());
@@ -132,6 +144,21 @@ void TrackDecoder::notePacket() {
     m_packetEnd.reset();
     if (m_packet->pts != AV_NOPTS_VALUE && m_packet->duration > 0) {
         m_packetEnd = av_sat_add64(m_packet->pts, m_packet->duration);
+    }
+}
+
+/// Has the decoder leave out the packet that was read if it is one to hurry over.
+void TrackDecoder::chooseSkipping() {
+    m_codec->skip_frame = AVDISCARD_DEFAULT;
+    const std::int64_t time = m_packet->pts;
+    if (!m_hurry || time == AV_NOPTS_VALUE || time > *m_hurry) {
+        return;
+    }
+    if (m_latestInHurry && time < *m_latestInHurry) {
+        m_codec->skip_frame = AVDISCARD_NONREF;
+        m_lastHurriedOver = std::max(m_lastHurriedOver.value_or(time), time);
+    } else {
+        m_latestInHurry = time;
     }
 }
 

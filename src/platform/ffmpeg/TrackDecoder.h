@@ -29,6 +29,13 @@ public:
     /// the file has no way.
     bool jump(std::int64_t ticks);
 
+    /// Until the next jump(): pictures that no other one refers to need not be given where a later
+    /// one lies at or before `ticks` too.
+    void hurryTo(std::int64_t ticks);
+
+    /// The time of the latest picture since the last jump() that was left out for the hurry.
+    std::optional<std::int64_t> lastHurriedOver() const { return m_lastHurriedOver; }
+
     /// Where the packet read last ends, in ticks; absent where it doesn't say.
     std::optional<std::int64_t> packetEnd() const { return m_packetEnd; }
 
@@ -44,6 +51,7 @@ private:
     MediaError unreadable(const std::string& reason) const;
     void feed();
     void notePacket();
+    void chooseSkipping();
     void noteEnd();
 
     std::filesystem::path m_path;
@@ -53,6 +61,9 @@ private:
     CodecHandle m_codec;
     PacketHandle m_packet{av_packet_alloc()};
     std::optional<std::int64_t> m_packetEnd;
+    std::optional<std::int64_t> m_hurry;
+    std::optional<std::int64_t> m_latestInHurry; ///< Among the packets up to there.
+    std::optional<std::int64_t> m_lastHurriedOver;
     bool m_isDraining = false;
     bool m_hasPackets = false;
     bool m_hasDecoded = false;

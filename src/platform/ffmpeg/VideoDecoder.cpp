@@ -42,14 +42,36 @@ void VideoDecoder::seek(MediaTime time) {
         base);
     for (const double back : kLookBack) {
         const MediaTime from = time - MediaTime::fromSeconds(back);
-        m_isPeeked =
-            from > origin && m_track.jump(from.rescaled(base.den).value / base.num) && decodeNext();
+        m_isPeeked = from > origin && m_track.jump(ticksOf(from)) && decodeNext();
         if (m_isPeeked && m_time <= time) {
             return;
         }
     }
-    m_track.jump(streamTime(origin.value, base).value / base.num);
+    m_track.jump(ticksOf(origin));
     m_isPeeked = decodeNext() != nullptr;
+}
+
+/// The last tick at or before `time`.
+std::int64_t VideoDecoder::ticksOf(MediaTime time) const {
+    const AVRational base = stream().time_base;
+    const std::int64_t nearest = time.rescaled(base.den).value / base.num;
+    return streamTime(nearest, base) > time ? nearest - 1 : nearest;
+}
+
+void VideoDecoder::hurryTo(MediaTime time) {
+    m_track.hurryTo(ticksOf(time));
+}
+
+std::optional<MediaTime> VideoDecoder::lastHurriedOver() const {
+    const auto ticks = m_track.lastHurriedOver();
+    return ticks ? std::optional(streamTime(*ticks, stream().time_base)) : std::nullopt;
+}
+
+std::optional<MediaTime> VideoDecoder::keyFrameBefore(MediaTime time) const {
+    // The library takes no constant track though it only looks.
+    const AVIndexEntry* entry = avformat_index_get_entry_from_timestamp(
+        const_cast<AVStream*>(&stream()), ticksOf(time), AVSEEK_FLAG_BACKWARD);
+    return entry ? std::optional(streamTime(entry->timestamp, stream().time_base)) : std::nullopt;
 }
 
 AVFrame* VideoDecoder::next() {

@@ -26,6 +26,17 @@ public:
     /// begins later.
     void seek(MediaTime time);
 
+    /// Until the next seek(): pictures before the one in force at `time` may be left out where
+    /// nothing else is made of them.
+    void hurryTo(MediaTime time);
+
+    /// The time of the latest picture since the last seek() that was left out for the hurry.
+    std::optional<MediaTime> lastHurriedOver() const;
+
+    /// The latest key frame that the file's index knows at or before `time`, by the order of
+    /// decoding; absent where it knows none.
+    std::optional<MediaTime> keyFrameBefore(MediaTime time) const;
+
     /// The next picture, valid until the next call; null at the end of the
     /// track and when the rest can't be read (error() tells). Damaged stretches
     /// are skipped.
@@ -45,6 +56,7 @@ private:
     VideoDecoder() = default;
 
     AVFrame* decodeNext();
+    std::int64_t ticksOf(MediaTime time) const;
 
     TrackDecoder m_track;
     FrameHandle m_frame{av_frame_alloc()};
