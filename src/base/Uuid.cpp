@@ -1,5 +1,7 @@
 #include "base/Uuid.h"
 
+#include "base/HexDigits.h"
+
 #include <random>
 
 namespace tavi {
@@ -10,16 +12,6 @@ constexpr std::size_t kTextLength = 36;
 
 bool isDashPosition(std::size_t i) {
     return i == 8 || i == 13 || i == 18 || i == 23;
-}
-
-int hexValue(char c) {
-    if (c >= '0' && c <= '9') {
-        return c - '0';
-    }
-    if (c >= 'a' && c <= 'f') {
-        return c - 'a' + 10;
-    }
-    return c >= 'A' && c <= 'F' ? c - 'A' + 10 : -1;
 }
 
 /// One generator a thread, seeded with the system's entropy.
@@ -61,7 +53,7 @@ std::optional<Uuid> Uuid::parse(std::string_view text) {
             }
             continue;
         }
-        const int value = hexValue(text[i]);
+        const int value = hexDigitValue(text[i]);
         if (value < 0) {
             return std::nullopt;
         }

@@ -1,10 +1,9 @@
 #include "project/RecordingMetadataJson.h"
 
 #include "project/CursorEventJson.h"
+#include "project/RecordingMetadataElement.h"
 
 namespace tavi {
-
-namespace {
 
 void write(JsonWriter& json, const RecordingMetadata& metadata) {
     json.beginObject();
@@ -19,6 +18,8 @@ void write(JsonWriter& json, const RecordingMetadata& metadata) {
     json.field("cameraStartDelay", metadata.cameraStartDelay);
     json.endObject();
 }
+
+namespace {
 
 /// Stands in for a list whose items are only to be checked.
 template<typename T>
