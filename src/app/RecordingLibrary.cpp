@@ -49,11 +49,16 @@ void readSidecar(MetadataDecoder& decoder, RecordingItem& item) {
     }
 }
 
-void readSidecars(std::vector<RecordingItem>& items) {
+using Recover = std::function<void(const fs::path&)>;
+
+void readSidecars(std::vector<RecordingItem>& items, const Recover& recover) {
     std::atomic<std::size_t> next = 0;
     const auto work = [&] {
         MetadataDecoder decoder;
         for (std::size_t i = next++; i < items.size(); i = next++) {
+            if (recover) {
+                recover(items[i].url);
+            }
             readSidecar(decoder, items[i]);
         }
     };
@@ -68,9 +73,10 @@ void readSidecars(std::vector<RecordingItem>& items) {
 
 } // namespace
 
-std::vector<RecordingItem> scanRecordings(const fs::path& recordingsDirectory, Date now) {
+std::vector<RecordingItem> scanRecordings(const fs::path& recordingsDirectory, Date now,
+                                          const Recover& recover) {
     std::vector<RecordingItem> items = listTakes(recordingsDirectory, now);
-    readSidecars(items);
+    readSidecars(items, recover);
     std::stable_sort(
         items.begin(), items.end(),
         [](const RecordingItem& a, const RecordingItem& b) { return a.date > b.date; });

@@ -4,6 +4,7 @@
 #include "base/Uuid.h"
 
 #include <filesystem>
+#include <functional>
 #include <vector>
 
 namespace tavi {
@@ -23,8 +24,11 @@ struct RecordingItem {
 /// are passed over. A take whose `metadata.json` is missing or broken is listed
 /// all the same, with the date `now` and duration 0. A library that is missing
 /// or can't be listed has no takes.
-/// Thread: any; reads the sidecars on as many threads as the machine has cores.
-std::vector<RecordingItem> scanRecordings(const std::filesystem::path& recordingsDirectory,
-                                          Date now);
+/// `recover`, if given, is called with the folder of every take before its sidecar is read, to
+/// complete one whose recorder died (TakeRecovery).
+/// Thread: any; reads the sidecars, and recovers, on as many threads as the machine has cores.
+std::vector<RecordingItem>
+scanRecordings(const std::filesystem::path& recordingsDirectory, Date now,
+               const std::function<void(const std::filesystem::path&)>& recover = {});
 
 } // namespace tavi

@@ -150,6 +150,16 @@ std::int64_t CursorTrackingService::addImage(const SystemCursor& cursor) {
     return id;
 }
 
+std::vector<CursorTrackingService::Image>
+CursorTrackingService::cursorImagesFrom(std::size_t first) const {
+    const std::lock_guard lock(m_imageMutex);
+    std::vector<Image> images;
+    for (std::size_t id = first; id < m_cursorImageDatas.size(); ++id) {
+        images.push_back({m_cursorImageInfos[id], m_cursorImageDatas[id]});
+    }
+    return images;
+}
+
 void CursorTrackingService::startHelper() {
     if (!m_ports.helperPath) {
         return;

@@ -46,6 +46,12 @@ public:
 
     using ImageBytes = std::vector<std::uint8_t>;
 
+    /// One row of the image table with the image itself.
+    struct Image {
+        CursorImageInfo info;
+        ImageBytes bytes;
+    };
+
     /// `captureFrame` is the recorded area in the global bottom-left-origin space, in points.
     CursorTrackingService(Rect captureFrame, CursorTrackingPorts ports);
     ~CursorTrackingService();
@@ -66,6 +72,8 @@ public:
     const std::vector<CursorImageInfo>& cursorImageInfos() const { return m_cursorImageInfos; }
     /// The bytes of each image (CursorImageBytes.h), same index. After stopTracking().
     const std::vector<ImageBytes>& cursorImageDatas() const { return m_cursorImageDatas; }
+    /// Copies of the images from number `first` on. At any time.
+    std::vector<Image> cursorImagesFrom(std::size_t first) const;
 
 private:
     struct Alive {};
@@ -99,7 +107,7 @@ private:
     std::unique_ptr<HelperProcess> m_helper;
     std::unique_ptr<KeyPermission::Wait> m_permissionWait;
 
-    std::mutex m_imageMutex; ///< Guards what follows: key lines look images up as well.
+    mutable std::mutex m_imageMutex; ///< Guards what follows: key lines look images up as well.
     std::vector<CursorImageInfo> m_cursorImageInfos;
     std::vector<ImageBytes> m_cursorImageDatas;
     std::map<ImageBytes, std::int64_t> m_imageDedup;

@@ -1,6 +1,6 @@
 #include "capture/TakeRecorder.h"
 
-#include "capture/CursorImageBytes.h"
+#include "capture/CursorImageFiles.h"
 #include "project/RecordingFolder.h"
 #include "project/RecordingMetadata.h"
 #include "project/RecordingMetadataJson.h"
@@ -8,7 +8,6 @@
 #include <algorithm>
 #include <cassert>
 #include <cmath>
-#include <fstream>
 #include <limits>
 
 namespace tavi {
@@ -78,6 +77,7 @@ TakeRecorder::startScreen(const TakeSource& source,
     const Clock& clock = m_ports.tracking.clock;
     m_capturedWidth = static_cast<int>(source.frame.width);
     m_capturedHeight = static_cast<int>(source.frame.height);
+    m_journal = LogJournal::create(m_folder / take::kJournal, metadata({}));
     m_cursorTrackingService =
         std::make_unique<CursorTrackingService>(source.frame, m_ports.tracking);
     m_screenCaptureService =
@@ -88,9 +88,13 @@ TakeRecorder::startScreen(const TakeSource& source,
         m_cursorTrackingService->setStartDate(now);
         m_recordingStartDate = now.sinceReference;
     };
-    return m_screenCaptureService->startCapture(
+    auto started = m_screenCaptureService->startCapture(
         source.filter, m_capturedWidth, m_capturedHeight, m_folder / take::kVideo,
         {.alpha = source.filter.windowId != 0, .audioSettings = audioSettings});
+    if (!started) {
+        abandonJournal();
+    }
+    return started;
 }
 
 Result<void, CaptureError> TakeRecorder::startCamera(TakeDevices& devices) {
@@ -101,6 +105,7 @@ Result<void, CaptureError> TakeRecorder::startCamera(TakeDevices& devices) {
     const auto started =
         service->startCapture(*devices.camera, m_folder / take::kCamera, microphone);
     if (!started) {
+        abandonJournal();
         return fail(CaptureError{CaptureError::Kind::camera, started.error().description()});
     }
     m_cameraCaptureService = std::move(service);
@@ -136,6 +141,7 @@ void TakeRecorder::startMicrophone(TakeDevices& devices) {
 void TakeRecorder::tick() {
     if (const auto start = recordingStartDate(); m_isRecording && start) {
         m_elapsedTime = m_ports.tracking.clock.now().since(*start);
+        updateJournal(deviceFacts());
     }
 }
 
@@ -147,6 +153,7 @@ std::optional<std::filesystem::path> TakeRecorder::stop() {
 void TakeRecorder::stopTracking() {
     if (m_isRecording) {
         m_cursorTrackingService->stopTracking();
+        updateJournal(deviceFacts());
     }
 }
 
@@ -157,8 +164,7 @@ std::optional<std::filesystem::path> TakeRecorder::finish() {
     const DeviceFacts facts = deviceFacts();
     stopDevices();
     m_screenCaptureService->stopCapture();
-    writeCursorImages();
-    writeMetadata(facts);
+    completeFolder(facts);
     m_isRecording = false;
     m_elapsedTime = 0;
     return m_folder;
@@ -214,31 +220,51 @@ std::optional<Date> TakeRecorder::recordingStartDate() const {
     return std::isnan(date) ? std::nullopt : std::optional(Date{date});
 }
 
-/// An image that can't be written leaves a gap in the files.
-void TakeRecorder::writeCursorImages() const {
-    const auto& datas = m_cursorTrackingService->cursorImageDatas();
-    for (std::size_t index = 0; index < datas.size(); ++index) {
-        if (const auto image = cursorImageFromBytes(datas[index])) {
-            static_cast<void>(
-                m_ports.imageFiles.writePng(m_folder / take::cursorImageName(index), *image));
-        }
+void TakeRecorder::updateJournal(const DeviceFacts& facts) {
+    if (m_journal) {
+        m_journal->update(metadata(facts), *m_cursorTrackingService);
     }
 }
 
-void TakeRecorder::writeMetadata(const DeviceFacts& facts) const {
+/// There is no take to complete.
+void TakeRecorder::abandonJournal() {
+    if (m_journal) {
+        m_journal->remove();
+    }
+    m_journal.reset();
+}
+
+/// The journal goes only when what it stands in for is on the disk.
+void TakeRecorder::completeFolder(const DeviceFacts& facts) {
+    if (m_journal) {
+        m_journal->releaseReserve();
+    }
+    writeCursorImages(m_folder, m_cursorTrackingService->cursorImageDatas(), m_ports.imageFiles);
+    if (writeMetadata(facts) && m_journal) {
+        m_journal->remove();
+    }
+    m_journal.reset();
+}
+
+/// All but the lists.
+RecordingMetadata TakeRecorder::metadata(const DeviceFacts& facts) const {
     RecordingMetadata metadata;
     metadata.startDate = recordingStartDate().value_or(m_ports.tracking.clock.now());
     metadata.duration = m_elapsedTime;
     metadata.screenWidth = m_capturedWidth;
     metadata.screenHeight = m_capturedHeight;
-    metadata.cursorEvents = m_cursorTrackingService->events();
-    metadata.cursorImageInfos = m_cursorTrackingService->cursorImageInfos();
     metadata.hasCameraRecording = facts.hasCamera;
     metadata.hasAudioRecording = facts.hasAudio;
     metadata.cameraStartDelay = facts.cameraStartDelay;
-    if (const auto json = encodeRecordingMetadata(metadata)) {
-        std::ofstream(m_folder / take::kMetadata, std::ios::binary) << *json;
-    }
+    return metadata;
+}
+
+bool TakeRecorder::writeMetadata(const DeviceFacts& facts) const {
+    RecordingMetadata whole = metadata(facts);
+    whole.cursorEvents = m_cursorTrackingService->events();
+    whole.cursorImageInfos = m_cursorTrackingService->cursorImageInfos();
+    const auto json = encodeRecordingMetadata(whole);
+    return json && createTextFile(m_folder / take::kMetadata, *json);
 }
 
 } // namespace tavi

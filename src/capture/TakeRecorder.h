@@ -4,6 +4,7 @@
 #include "capture/CameraCaptureService.h"
 #include "capture/CaptureSession.h"
 #include "capture/CursorTrackingService.h"
+#include "capture/LogJournal.h"
 #include "capture/ScreenCaptureService.h"
 #include "capture/ShareableContent.h"
 #include "media/ImageGenerator.h"
@@ -90,7 +91,7 @@ public:
     Result<void, CaptureError> start(const TakeSource& source,
                                      const std::filesystem::path& library);
 
-    /// Brings elapsedTime() up to date.
+    /// Brings elapsedTime() up to date, and the journal of the take.
     void tick();
 
     /// Ends the log. The devices and the screen run on until finish().
@@ -98,7 +99,8 @@ public:
 
     /// Ends the take and completes its files; blocks until the video is whole.
     /// Returns its folder, absent when no take runs. A file that can't be
-    /// written is missing afterwards; failure() tells of the video only.
+    /// written is missing afterwards; failure() tells of the video only. Without its
+    /// metadata a take keeps its journal, from which TakeRecovery makes them.
     std::optional<std::filesystem::path> finish();
 
     /// All of a stop.
@@ -136,8 +138,11 @@ private:
     DeviceFacts deviceFacts() const;
     void stopDevices();
     std::optional<Date> recordingStartDate() const;
-    void writeCursorImages() const;
-    void writeMetadata(const DeviceFacts& facts) const;
+    RecordingMetadata metadata(const DeviceFacts& facts) const;
+    void updateJournal(const DeviceFacts& facts);
+    void abandonJournal();
+    void completeFolder(const DeviceFacts& facts);
+    bool writeMetadata(const DeviceFacts& facts) const;
 
     TakePorts m_ports;
     std::unique_ptr<CursorTrackingService> m_cursorTrackingService;
@@ -145,6 +150,7 @@ private:
     // Both write into the screen's file.
     std::unique_ptr<AudioCaptureService> m_audioCaptureService;
     std::unique_ptr<CameraCaptureService> m_cameraCaptureService;
+    std::unique_ptr<LogJournal> m_journal; ///< Null where none can be kept.
     std::filesystem::path m_folder;
     bool m_isRecording = false;
     double m_elapsedTime = 0;

@@ -2,9 +2,13 @@
 
 #include "app/RecordingLibrary.h"
 #include "base/Clock.h"
+#include "capture/TakeRecovery.h"
 #include "cli/Output.h"
+#include "platform/ffmpeg/FfmpegImageFiles.h"
+#include "platform/ffmpeg/FfmpegMediaLibrary.h"
 #include "project/JsonWriter.h"
 #include "project/RecordingFolder.h"
+#include "render/YuvConverter.h"
 
 #include <CLI/CLI.hpp>
 #include <fmt/format.h>
@@ -51,6 +55,15 @@ void printTable(const std::vector<RecordingItem>& items) {
     }
 }
 
+std::vector<RecordingItem> scanLibrary(const std::filesystem::path& directory) {
+    FfmpegMediaLibrary media(std::make_shared<YuvConverter>());
+    FfmpegImageFiles imageFiles;
+    const TakeRecovery recovery(media, imageFiles);
+    return scanRecordings(
+        directory, SystemClock().now(),
+        [&recovery](const std::filesystem::path& folder) { recovery.recover(folder); });
+}
+
 } // namespace
 
 void addLibraryCommand(CLI::App& app, int& exitCode) {
@@ -59,7 +72,7 @@ void addLibraryCommand(CLI::App& app, int& exitCode) {
     command->add_flag("--json", *asJson, "Print JSON");
     command->callback([asJson, &exitCode] {
         const auto directory = recordingsDirectory();
-        const auto items = scanRecordings(directory, SystemClock().now());
+        const auto items = scanLibrary(directory);
         if (*asJson) {
             cli::printLine(json(items));
         } else if (items.empty()) {

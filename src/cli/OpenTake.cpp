@@ -1,5 +1,6 @@
 #include "cli/OpenTake.h"
 
+#include "capture/TakeRecovery.h"
 #include "platform/ffmpeg/FfmpegImageFiles.h"
 #include "project/RecordingFolder.h"
 #include "project/TakeLoader.h"
@@ -40,6 +41,8 @@ Result<OpenTake, std::string> openTake(const std::string& argument, MediaLibrary
     if (!std::filesystem::exists(video, error)) {
         return fail("The folder is no take, it holds no video.mov: " + folder.string());
     }
+    FfmpegImageFiles imageFiles;
+    TakeRecovery(media, imageFiles).recover(folder);
     auto asset = media.openAsset(video);
     if (!asset) {
         return fail(asset.error().description());

@@ -21,7 +21,8 @@ struct OpenTake {
 /// The folder that a command line names: a path, or the name of a take in the library.
 std::filesystem::path takeFolder(const std::string& argument);
 
-/// Opens a take. The error is a sentence for the user that names the file.
+/// Opens a take; one whose recorder died is completed first. The error is a sentence for the user
+/// that names the file.
 Result<OpenTake, std::string> openTake(const std::string& argument, MediaLibrary& media);
 
 } // namespace tavi::cli

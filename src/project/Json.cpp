@@ -103,19 +103,26 @@ bool writeTextFile(const std::filesystem::path& path, std::string_view text) {
     return file.fd >= 0 && writeAll(file.fd, text);
 }
 
-bool replaceTextFile(const std::filesystem::path& path, std::string_view text) {
+bool createTextFile(const std::filesystem::path& path, std::string_view text) {
     const std::filesystem::path beside =
         path.parent_path() /
         ("." + path.filename().string() + "." + std::to_string(getpid()) + ".new");
-    if (!writeAndSync(beside, text, O_EXCL)) {
-        unlink(beside.c_str());
-        return writeTextFile(path, text);
+    unlink(beside.c_str()); // of a process that died and had the same number
+    if (writeAndSync(beside, text, O_EXCL) && rename(beside.c_str(), path.c_str()) == 0) {
+        return true;
     }
-    if (rename(beside.c_str(), path.c_str()) != 0) {
-        unlink(beside.c_str());
-        return writeTextFile(path, text);
+    const int error = errno;
+    unlink(beside.c_str());
+    errno = error;
+    return false;
+}
+
+bool replaceTextFile(const std::filesystem::path& path, std::string_view text) {
+    if (createTextFile(path, text)) {
+        return true;
     }
-    return true;
+    // Never for want of room: the old content would be gone before that shows.
+    return (errno == EACCES || errno == EPERM) && writeTextFile(path, text);
 }
 
 } // namespace tavi

@@ -35,9 +35,11 @@ Result<std::string, JsonError> readTextFile(const std::filesystem::path& path);
 /// Writes `text` to `path` in place, whole and not atomically. False on failure.
 bool writeTextFile(const std::filesystem::path& path, std::string_view text);
 
-/// Writes `text` beside `path` and then puts it in its place, so that a crash
-/// leaves the old content or the new; where the folder allows no second file it
-/// writes in place. False on failure.
+/// Writes `text` beside `path` and then puts it in its place, so that a crash or a full disk
+/// leaves the old content or the new. It is on the disk when this returns. False on failure.
+bool createTextFile(const std::filesystem::path& path, std::string_view text);
+
+/// The same; where the folder allows no second file it writes in place.
 bool replaceTextFile(const std::filesystem::path& path, std::string_view text);
 
 } // namespace tavi

@@ -30,7 +30,8 @@ inline constexpr const char* kVideo = "video.mov";
 inline constexpr const char* kCamera = "camera.mov";
 inline constexpr const char* kMetadata = "metadata.json";
 inline constexpr const char* kProject = "project.json";
-std::string cursorImageName(std::size_t index); ///< "cursor_<n>.png"
+inline constexpr const char* kJournal = "recording.journal"; ///< While it is recorded.
+std::string cursorImageName(std::size_t index);              ///< "cursor_<n>.png"
 } // namespace take
 
 /// The absolute, percent-encoded file URL of a folder, with a trailing slash.

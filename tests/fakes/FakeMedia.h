@@ -49,6 +49,9 @@ public:
     explicit FakeMediaLibrary(CallLog* log = nullptr) : m_log(log != nullptr ? *log : m_ownLog) {}
 
     Result<Asset, MediaError> openAsset(const std::filesystem::path&) override {
+        if (asset) {
+            return *asset;
+        }
         return fail(MediaError{MediaError::Kind::notFound, "", ""});
     }
     Result<std::unique_ptr<VideoReader>, MediaError>
@@ -79,6 +82,7 @@ public:
 
     /// Runs inside makeWriter(), before it returns, on the caller's thread.
     std::function<void()> whileMaking;
+    std::optional<Asset> asset; ///< What every file is.
     std::filesystem::path lastPath;
     FileType lastType = FileType::mp4;
     VideoSettings lastSettings;
@@ -202,6 +206,9 @@ public:
     Result<void, MediaError> writePng(const std::filesystem::path& path,
                                       const PixelBuffer& image) override {
         const std::string name = path.filename().string();
+        if (whileWriting) {
+            whileWriting();
+        }
         if (name == unwritable) {
             return fail(MediaError{MediaError::Kind::cannotWrite, path.string(), ""});
         }
@@ -214,6 +221,8 @@ public:
     }
 
     std::string unwritable; ///< A name that fails.
+    /// Runs inside writePng(), before anything is written.
+    std::function<void()> whileWriting;
     std::map<std::string, PixelBufferPtr> written;
 };
 
