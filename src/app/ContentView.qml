@@ -70,6 +70,21 @@ Rectangle {
         }
     }
 
+    AlertDialog {
+        readonly property string notice: view.appViewModel.notice
+        readonly property bool wanted: notice !== "" && view.Window.window
+
+        title: qsTr("Tavlin")
+        confirmText: qsTr("OK")
+        onWantedChanged: {
+            if (!wanted)
+                return
+            text = notice // stays readable while the alert goes
+            Qt.callLater(open)
+        }
+        onConfirmed: view.appViewModel.notice = ""
+        onCancelled: view.appViewModel.notice = ""
+    }
     SettingsOverlay {
         appViewModel: view.appViewModel
         settingsViewModel: view.taviApp.settingsViewModel

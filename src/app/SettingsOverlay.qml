@@ -10,20 +10,18 @@ T.Popup {
     required property QtObject appViewModel
     required property QtObject settingsViewModel
 
-    parent: T.Overlay.overlay
-    anchors.centerIn: parent
+    readonly property bool wanted: appViewModel.showSettings && parent?.Window.window
+
+    anchors.centerIn: T.Overlay.overlay
     modal: true
     focus: true
     width: panel.implicitWidth
     height: panel.implicitHeight
-    visible: parent && appViewModel.showSettings
     closePolicy: T.Popup.CloseOnEscape | T.Popup.CloseOnPressOutside
     onAboutToShow: settingsViewModel.appear()
     onAboutToHide: settingsViewModel.disappear()
-    onClosed: {
-        appViewModel.showSettings = false
-        visible = Qt.binding(() => parent && appViewModel.showSettings)
-    }
+    onClosed: appViewModel.showSettings = false
+    onWantedChanged: wanted ? Qt.callLater(open) : close()
 
     T.Overlay.modal: Rectangle {
         color: AppPalette.at(AppPalette.black, 0.4)

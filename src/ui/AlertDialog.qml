@@ -30,8 +30,7 @@ T.Popup {
         cancelled()
     }
 
-    parent: T.Overlay.overlay
-    anchors.centerIn: parent
+    anchors.centerIn: T.Overlay.overlay
     width: Math.max(320, Math.min(420, buttons.implicitWidth + 2 * padding))
     padding: 20
     implicitHeight: implicitContentHeight + topPadding + bottomPadding

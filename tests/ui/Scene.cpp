@@ -19,8 +19,8 @@ namespace {
 
 // A window that drew nothing for this long is at rest; one that never rests
 // (a light that pulses for ever) is looked at after the longest wait.
-constexpr int kRest = 250;
-constexpr int kLongestWait = 4000;
+constexpr int kRest = 120;
+constexpr int kLongestWait = 2500;
 
 bool isShown(const QQuickItem& item) {
     return item.isVisible() && item.opacity() > 0;

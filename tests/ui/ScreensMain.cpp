@@ -1,3 +1,4 @@
+#include "LongerTexts.h"
 #include "Scene.h"
 
 #include <QDir>
@@ -6,8 +7,10 @@
 #include <QImage>
 
 #include <cstdio>
+#include <optional>
 
 /// Draws every scene into a folder: tavi-screens <folder> [scene...]
+/// With the environment variable TAVI_LONGER_TEXTS every text is 40 % longer;
 /// QT_SCALE_FACTOR gives pictures of other scales.
 int main(int argc, char** argv) {
     QGuiApplication application(argc, argv);
@@ -22,6 +25,9 @@ int main(int argc, char** argv) {
         return 1;
     }
     tavi::test::prepareScenes();
+    std::optional<tavi::test::LongerTexts> translator;
+    if (qEnvironmentVariableIsSet("TAVI_LONGER_TEXTS"))
+        translator.emplace();
     int bad = 0;
     for (const QString& file : tavi::test::sceneFiles()) {
         const QString name = QFileInfo(file).completeBaseName();

@@ -3,6 +3,7 @@ import QtQuick
 QtObject {
     property string currentMode: "home"
     property bool showSettings: false
+    property string notice: ""
     property string editingPath: "/home/ada/Documents/Tavlin/Recording_2026-11-20_15-04-05"
     property string editingName: "Recording_2026-11-20_15-04-05"
 
