@@ -11,6 +11,8 @@ Rectangle {
     readonly property QtObject appViewModel: taviApp.appViewModel
     /// The screen of the mode.
     readonly property alias screen: screen.item
+    readonly property alias settings: settings
+    readonly property alias noticeAlert: noticeAlert
 
     color: AppPalette.background
 
@@ -71,6 +73,8 @@ Rectangle {
     }
 
     AlertDialog {
+        id: noticeAlert
+
         readonly property string notice: view.appViewModel.notice
         readonly property bool wanted: notice !== "" && view.Window.window
 
@@ -86,6 +90,7 @@ Rectangle {
         onCancelled: view.appViewModel.notice = ""
     }
     SettingsOverlay {
+        id: settings
         appViewModel: view.appViewModel
         settingsViewModel: view.taviApp.settingsViewModel
     }

@@ -3,15 +3,17 @@ import Tavi.Ui
 
 /// What opening a take shows while this version has no editor: the take, the
 /// way back and what can be done with it.
-Rectangle {
+FocusScope {
     id: view
 
     required property QtObject appViewModel
     /// The take's folder as a word of a shell.
     readonly property string folder: "'" + appViewModel.editingPath.replace(/'/g, "'\\''") + "'"
 
-    color: AppPalette.background
-
+    Rectangle {
+        anchors.fill: parent
+        color: AppPalette.background
+    }
     HeaderBar {
         id: header
         width: parent.width

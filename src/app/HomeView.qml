@@ -2,7 +2,7 @@ import QtQuick
 import Tavi.Ui
 
 /// The library: a grid of all recordings.
-Rectangle {
+FocusScope {
     id: view
 
     required property QtObject appViewModel
@@ -14,14 +14,10 @@ Rectangle {
     readonly property alias menu: menu
     readonly property alias dialogs: dialogs
     readonly property alias bell: bell
+    readonly property alias selectionBar: selectionBar
+    readonly property alias newRecordingButton: newRecordingButton
     readonly property bool empty: homeViewModel.recordings.length === 0
     readonly property bool selecting: homeViewModel.selectedCount > 0
-
-    color: AppPalette.background
-    onActiveFocusChanged: {
-        if (activeFocus)
-            (empty ? emptyLibrary : grid).forceActiveFocus(Qt.OtherFocusReason)
-    }
 
     // The focused item gets its keys first, so a text field keeps its own.
     Keys.onPressed: event => {
@@ -37,6 +33,10 @@ Rectangle {
         }
     }
 
+    Rectangle {
+        anchors.fill: parent
+        color: AppPalette.background
+    }
     HeaderBar {
         id: header
         width: parent.width
@@ -71,11 +71,13 @@ Rectangle {
                 height: 1
             }
             NewRecordingButton {
+                id: newRecordingButton
                 anchors.verticalCenter: parent.verticalCenter
                 onClicked: view.appViewModel.newRecording()
             }
         }
         SelectionBar {
+            id: selectionBar
             anchors.right: parent.right
             anchors.verticalCenter: parent.verticalCenter
             visible: view.selecting
@@ -89,6 +91,7 @@ Rectangle {
         anchors.centerIn: parent
         anchors.verticalCenterOffset: header.height / 2
         visible: view.empty
+        focus: view.empty
         onNewRecordingAsked: view.appViewModel.newRecording()
     }
     TakeGrid {
@@ -97,7 +100,7 @@ Rectangle {
         anchors.left: parent.left
         anchors.right: parent.right
         anchors.bottom: parent.bottom
-        focus: true
+        focus: !view.empty
         visible: !view.empty
         homeViewModel: view.homeViewModel
         thumbnails: view.thumbnails

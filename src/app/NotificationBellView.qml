@@ -8,6 +8,8 @@ IconButton {
 
     required property QtObject notificationViewModel
     property alias showPopover: popover.visible
+    readonly property alias popover: popover
+    readonly property alias dot: dot
 
     symbol: "bell.fill"
     symbolSize: 13
@@ -19,6 +21,7 @@ IconButton {
     }
 
     Rectangle {
+        id: dot
         anchors.right: parent.right
         anchors.top: parent.top
         anchors.margins: 3
@@ -32,7 +35,7 @@ IconButton {
         Pulse {
             id: pulseAnimation
             seconds: 1
-            running: bell.notificationViewModel.hasUnread && bell.visible
+            running: bell.notificationViewModel.hasUnread && bell.visible && !Theme.still
                      && Qt.application.state === Qt.ApplicationActive
         }
     }

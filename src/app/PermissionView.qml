@@ -2,13 +2,15 @@ import QtQuick
 import Tavi.Ui
 
 /// Shown while the permission to record the screen is missing.
-Rectangle {
+FocusScope {
     id: view
 
     required property QtObject appViewModel
 
-    color: AppPalette.background
-
+    Rectangle {
+        anchors.fill: parent
+        color: AppPalette.background
+    }
     HeaderBar {
         id: header
         width: parent.width

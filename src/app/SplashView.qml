@@ -8,15 +8,12 @@ Rectangle {
 
     property bool appeared: false
     property bool glowPulse: false
-    /// Milliseconds from appearing to the first pulse of the glow.
-    property int pulseDelay: 800
-
     color: AppPalette.background
     Component.onCompleted: appeared = true
 
     Timer {
-        interval: view.pulseDelay
-        running: view.appeared
+        interval: 800
+        running: view.appeared && !Theme.still
         onTriggered: view.glowPulse = true
     }
 

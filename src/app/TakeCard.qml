@@ -15,6 +15,7 @@ Item {
     signal menuAsked(real x, real y)
 
     readonly property url url: item.url
+    readonly property alias picture: picture
 
     function load() {
         picture.source = thumbnails.image(url)
@@ -38,7 +39,7 @@ Item {
         target: card.thumbnails
 
         function onReady(url: url) {
-            if (url === card.url)
+            if (url.toString() === card.url.toString())
                 picture.source = card.thumbnails.image(url)
         }
     }

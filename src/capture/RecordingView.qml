@@ -2,7 +2,7 @@ import QtQuick
 import Tavi.Ui
 
 /// Picks a source and devices, starts the countdown and shows the running take.
-Rectangle {
+FocusScope {
     id: view
 
     required property QtObject appViewModel
@@ -13,8 +13,6 @@ Rectangle {
     property bool showPermissionGranted: false
     readonly property string body: viewModel.isRecording || viewModel.isStarting ? "recording"
                                  : viewModel.isCountingDown ? "countingDown" : "selection"
-
-    color: AppPalette.background
 
     Component.onCompleted: {
         viewModel.isCameraEnabled = settingsManager.defaultCameraEnabled
@@ -60,6 +58,10 @@ Rectangle {
             event.accepted = false
     }
 
+    Rectangle {
+        anchors.fill: parent
+        color: AppPalette.background
+    }
     HeaderBar {
         id: header
         width: parent.width

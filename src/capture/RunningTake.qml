@@ -34,7 +34,7 @@ FocusScope {
                 Pulse {
                     id: pulseOpacity
                     seconds: 0.8
-                    running: body.viewModel.isRecording && body.visible
+                    running: body.viewModel.isRecording && body.visible && !Theme.still
                              && body.Window.visibility !== Window.Minimized
                 }
             }

@@ -21,12 +21,16 @@ RowLayout {
     Accessible.role: Accessible.Grouping
     Accessible.name: name
 
+    /// The keyboard goes along with the choice.
+    function choose(index: int) {
+        if (pills.itemAt(currentIndex)?.activeFocus)
+            pills.itemAt(index).forceActiveFocus(Qt.TabFocusReason)
+        chosen(index)
+    }
     function step(by: int) {
         const next = Math.max(0, Math.min(choices.length - 1, currentIndex + by))
-        if (next === currentIndex)
-            return
-        chosen(next)
-        pills.itemAt(next).forceActiveFocus(Qt.TabFocusReason)
+        if (next !== currentIndex)
+            choose(next)
     }
 
     Keys.onLeftPressed: step(-1)
@@ -46,9 +50,8 @@ RowLayout {
             text: modelData.text
             symbol: modelData.symbol ?? ""
             chosen: index === row.currentIndex
-            focusPolicy: chosen ? Qt.TabFocus : Qt.NoFocus
-            activeFocusOnTab: chosen
-            onClicked: row.chosen(index)
+            focusPolicy: chosen || activeFocus ? Qt.TabFocus : Qt.NoFocus
+            onClicked: row.choose(index)
             onImplicitWidthChanged: row.widest = Math.max(row.widest, implicitWidth)
         }
     }

@@ -63,8 +63,6 @@ Picture::Picture(QQuickItem* parent) : QQuickItem(parent) {
 }
 
 void Picture::setSource(const QVariant& source) {
-    if (source == m_source)
-        return;
     m_source = source;
     m_image = imageOf(source);
     emit sourceChanged();

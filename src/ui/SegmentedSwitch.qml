@@ -27,12 +27,16 @@ Rectangle {
     Accessible.role: Accessible.PageTabList
     Accessible.name: name
 
+    /// The keyboard goes along with the choice.
+    function choose(index: int) {
+        if (segments.itemAt(currentIndex)?.activeFocus)
+            segments.itemAt(index).forceActiveFocus(Qt.TabFocusReason)
+        chosen(index)
+    }
     function step(by: int) {
         const next = Math.max(0, Math.min(choices.length - 1, currentIndex + by))
-        if (next === currentIndex)
-            return
-        chosen(next)
-        segments.itemAt(next).forceActiveFocus(Qt.TabFocusReason)
+        if (next !== currentIndex)
+            choose(next)
     }
 
     Keys.onLeftPressed: step(-1)
@@ -75,8 +79,8 @@ Rectangle {
                 symbolSize: 12
                 foreground: current || hovered ? AppPalette.primaryText : AppPalette.secondaryText
                 cornerRadius: Theme.radius - 1
-                focusPolicy: current ? Qt.TabFocus : Qt.NoFocus
-                onClicked: control.chosen(index)
+                focusPolicy: current || activeFocus ? Qt.TabFocus : Qt.NoFocus
+                onClicked: control.choose(index)
 
                 Accessible.role: Accessible.PageTab
                 Accessible.selectable: true

@@ -51,7 +51,7 @@ Item {
             to: 360
             duration: 900
             loops: Animation.Infinite
-            running: spinner.visible
+            running: spinner.visible && !Theme.still
         }
     }
 }

@@ -15,6 +15,9 @@ QtObject {
     readonly property real radius: 7
     readonly property real largeRadius: 10
 
+    /// Nothing moves by itself: for pictures that are the same at every run.
+    property bool still: false
+
     // Milliseconds.
     readonly property int hover: 150
     readonly property int fade: 200

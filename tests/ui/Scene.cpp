@@ -7,6 +7,7 @@
 #include <QElapsedTimer>
 #include <QFileInfo>
 #include <QGuiApplication>
+#include <QQmlComponent>
 #include <QQmlContext>
 #include <QQmlEngine>
 #include <QQuickItem>
@@ -17,10 +18,19 @@ namespace tavi::test {
 
 namespace {
 
-// A window that drew nothing for this long is at rest; one that never rests
-// (a light that pulses for ever) is looked at after the longest wait.
+// A window that drew nothing for this long is at rest, in milliseconds.
 constexpr int kRest = 120;
-constexpr int kLongestWait = 2500;
+constexpr int kLongestWait = 10'000;
+
+/// Nothing that pulses or turns for ever does so in this engine.
+void holdStill(QQmlEngine& engine) {
+    QQmlComponent command(&engine);
+    command.setData("import QtQml\nimport Tavi.Ui\n"
+                    "QtObject { Component.onCompleted: Theme.still = true }",
+                    QUrl());
+    const std::unique_ptr<QObject> done(command.create());
+    Q_ASSERT(done);
+}
 
 bool isShown(const QQuickItem& item) {
     return item.isVisible() && item.opacity() > 0;
@@ -59,6 +69,7 @@ Scene::Scene(const QString& file) : m_view(std::make_unique<QQuickView>()) {
     setUpEngine(*m_view->engine());
     m_view->rootContext()->setContextProperty(QStringLiteral("testPictures"),
                                               new TestPictures(m_view.get()));
+    holdStill(*m_view->engine());
     m_view->setColor(QColor::fromRgbF(0.067F, 0.067F, 0.075F));
     m_view->setResizeMode(QQuickView::SizeRootObjectToView);
     m_view->setSource(QUrl::fromLocalFile(file));
@@ -86,7 +97,6 @@ void Scene::settle() {
 }
 
 QImage Scene::picture() {
-    settle();
     return m_view->grabWindow();
 }
 

@@ -25,7 +25,7 @@ public:
     /// What QML had to complain about while it was made and shown.
     const QStringList& warnings() const { return m_warnings; }
 
-    /// The picture of the window when nothing moves any more.
+    /// The picture of the window.
     QImage picture();
 
     /// Runs the loop until nothing was drawn for a while.

@@ -6,5 +6,4 @@ import Tavi.App
 SplashView {
     implicitWidth: 960
     implicitHeight: 640
-    pulseDelay: 1000000
 }
