@@ -11,6 +11,7 @@ function(tavi_folder folder)
   string(REPLACE "/" "_" name "tavi_${folder}")
   file(GLOB sources CONFIGURE_DEPENDS ${CMAKE_SOURCE_DIR}/src/${folder}/*.cpp)
   list(FILTER sources EXCLUDE REGEX "/main\\.cpp$") # belongs to a program
+  list(FILTER sources EXCLUDE REGEX "QuickItem\\.cpp$") # drawn items belong to the QML module
   if(NOT ARG_QT)
     tavi_view_models(${folder} ${name})
     list(FILTER sources EXCLUDE REGEX "${TAVI_OBSERVABLE}\\.cpp$")
