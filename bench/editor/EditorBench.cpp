@@ -3,6 +3,7 @@
 #include "fakes/FakeExecutor.h"
 #include "fakes/FakeMedia.h"
 #include "fakes/FakePlayer.h"
+#include "fakes/FakeTimers.h"
 #include "project/RecordingMetadataJson.h"
 #include "support/HourLog.h"
 #include "support/TemporaryFolder.h"
@@ -44,8 +45,7 @@ public:
     EditorViewModel open() {
         return EditorViewModel(m_library / "take",
                                {m_players, m_media, [](const auto&) { return nullptr; }, m_clock,
-                                m_main, m_background, [](double, const auto&) {},
-                                m_library.path()});
+                                m_main, m_background, m_timers, m_library.path()});
     }
 
 private:
@@ -64,6 +64,7 @@ private:
     FakeClock m_clock;
     FakeExecutor m_main;
     FakeExecutor m_background;
+    FakeTimers m_timers;
 };
 
 void openTake(benchmark::State& state) {

@@ -142,10 +142,9 @@ void EditorViewModel::projectWasChanged() {
 }
 
 void EditorViewModel::autosaveLater() {
-    m_ports.callLater(kAutosaveDelay, [self = QPointer(this), change = ++m_changes] {
-        if (self && self->m_changes == change) {
-            self->persistProject();
-        }
+    m_autosave = m_ports.timers.repeat(kAutosaveDelay, [this] {
+        const auto once = std::move(m_autosave);
+        persistProject();
     });
 }
 

@@ -3,6 +3,7 @@
 #include "autozoom/AutoZoomViewModel.h"
 #include "base/Clock.h"
 #include "base/Executor.h"
+#include "base/Timers.h"
 #include "editor/CanvasMode.h"
 #include "editor/EditorPlayback.h"
 #include "editor/ProjectStore.h"
@@ -19,9 +20,6 @@
 
 namespace tavi {
 
-/// Runs a block on the main thread after a while (seconds).
-using CallLater = std::function<void(double, std::function<void()>)>;
-
 /// What an editor stands on. All outlive it.
 struct EditorPorts {
     MediaPlayers& players;
@@ -30,7 +28,7 @@ struct EditorPorts {
     const Clock& clock;
     Executor& main;
     Executor& background; ///< Opens media and runs the analysis.
-    CallLater callLater;
+    Timers& timers;
     std::filesystem::path recordingsDirectory; ///< Holds `settings.json`.
 };
 
@@ -181,7 +179,7 @@ private:
     AutoZoomSettings m_autoZoomSettings;
     std::optional<double> m_cutStartMarker;
     EditorPlayback m_playback;
-    int m_changes = 0; ///< Of the project; a save half a second old looks whether it is the last.
+    std::unique_ptr<Timers::Timer> m_autosave; ///< While a change waits to be saved.
 };
 
 } // namespace tavi

@@ -27,7 +27,7 @@ protected:
         project.trimState.cutSegments = {{Uuid::make(), 50, 52}};
         writeProject(project);
         open();
-        pass(1);
+        pass();
         removeSaved();
         newCalls();
     }
@@ -141,7 +141,7 @@ TEST_F(EditorCommands, curvePointDragIsSavedLater) {
     point.zoomLevel = 3;
     editor->updateZoomCurvePoint(id, point);
     EXPECT_FALSE(isSaved());
-    pass(0.5);
+    pass();
     expectSaved();
     editor->addZoomCurvePoint(id, {Uuid::make(), 10.5, 1});
     expectSaved();

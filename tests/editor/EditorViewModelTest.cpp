@@ -72,7 +72,7 @@ TEST_F(EditorViewModelTest, brokenProjectBecomesAFreshOneAtTheFirstAutosave) {
     writeFile("project.json", "{\"keyframes\":");
     open();
     EXPECT_THAT(editor->project().keyframes, IsEmpty());
-    pass(0.5);
+    pass();
     EXPECT_EQ(saved().recordingPath, folderUrl(folder));
 }
 
@@ -148,7 +148,7 @@ TEST_F(EditorViewModelTest, whatIsLoadedAfterTheEditorIsGoneIsDropped) {
     editor->handleKey(Qt::Key_Space, 0);
     editor.reset();
     settle();
-    pass(1);
+    pass();
     EXPECT_FALSE(isSaved());
 }
 
@@ -342,31 +342,31 @@ TEST_F(EditorPlaybackTest, pausedPlayheadMayStandInACut) {
 
 TEST_F(EditorViewModelTest, openedTakeIsSavedOnceThoughNothingWasEdited) {
     open();
-    pass(0.4);
     EXPECT_FALSE(isSaved());
-    pass(0.1);
+    EXPECT_THAT(timers.running(), ElementsAre(0.5));
+    pass();
     EXPECT_EQ(saved().recordingPath, folderUrl(folder));
     removeSaved();
-    pass(10);
+    pass();
     EXPECT_FALSE(isSaved());
 }
 
 TEST_F(EditorViewModelTest, changesAreSavedHalfASecondAfterTheLast) {
     open();
-    pass(1);
+    pass();
     removeSaved();
     for (int i = 0; i < 5; ++i) {
         editor->changeProject([i](EditProject& p) { p.appearanceSettings.cornerRadius = i; });
-        pass(0.4);
+        EXPECT_THAT(timers.running(), ElementsAre(0.5)) << "begun anew";
         EXPECT_FALSE(isSaved());
     }
-    pass(0.1);
+    pass();
     EXPECT_EQ(saved().appearanceSettings.cornerRadius, 4);
 }
 
 TEST_F(EditorViewModelTest, playheadSelectionAndCanvasSaveNothing) {
     open();
-    pass(1);
+    pass();
     removeSaved();
     editor->seek(3);
     editor->selectKeyframe(Uuid::make());
@@ -374,7 +374,7 @@ TEST_F(EditorViewModelTest, playheadSelectionAndCanvasSaveNothing) {
     editor->setAutoZoomSettings({0.9, false});
     editor->toggleCut();
     editor->cancelCut();
-    pass(1);
+    pass();
     EXPECT_FALSE(isSaved());
 }
 
@@ -414,7 +414,7 @@ TEST_F(EditorViewModelTest, folderThatIsGoneIsNoTrouble) {
     open();
     std::filesystem::remove_all(library.path());
     editor->addKeyframe();
-    pass(1);
+    pass();
     EXPECT_THAT(editor->project().keyframes, SizeIs(1));
 }
 

@@ -17,7 +17,7 @@ class Inspector : public test::OpenEditor {
 protected:
     void SetUp() override {
         open();
-        pass(1);
+        pass();
         style = std::make_unique<InspectorViewModel>(*editor);
         zoom = std::make_unique<ZoomTabViewModel>(*editor);
         film = std::make_unique<ExportSettingsViewModel>(*editor);
@@ -54,14 +54,14 @@ TEST_F(Inspector, sliderEditsTheProjectAndItsText) {
     EXPECT_DOUBLE_EQ(editor->project().appearanceSettings.padding, 0.12);
     EXPECT_EQ(at(padding, Role::TextRole), "12%");
     EXPECT_EQ(told.size(), 1);
-    pass(0.5);
+    pass();
     EXPECT_DOUBLE_EQ(saved().appearanceSettings.padding, 0.12);
 }
 
 TEST_F(Inspector, sliderOnTheSameStepSavesNothing) {
     removeSaved();
     style->setValue(row("Background Size", "slider"), 0.0301);
-    pass(1);
+    pass();
     EXPECT_FALSE(isSaved());
 }
 

@@ -40,12 +40,8 @@ void OpenEditor::addCamera(double delay) {
 
 void OpenEditor::open(bool settled) {
     editor = std::make_unique<EditorViewModel>(
-        folder,
-        EditorPorts{players, media, [](const auto&) { return nullptr; }, clock, main, background,
-                    [this](double seconds, std::function<void()> block) {
-                        m_later.push_back({m_now + seconds, std::move(block)});
-                    },
-                    library.path()});
+        folder, EditorPorts{players, media, [](const auto&) { return nullptr; }, clock, main,
+                            background, timers, library.path()});
     if (settled) {
         settle();
     }
@@ -71,21 +67,6 @@ bool OpenEditor::isSaved() const {
 
 void OpenEditor::removeSaved() const {
     std::filesystem::remove(folder / "project.json");
-}
-
-void OpenEditor::pass(double seconds) {
-    m_now += seconds;
-    std::vector<Later> due;
-    std::erase_if(m_later, [&](Later& later) {
-        const bool isDue = later.time <= m_now + 1e-9;
-        if (isDue) {
-            due.push_back(std::move(later));
-        }
-        return isDue;
-    });
-    for (const Later& later : due) {
-        later.block();
-    }
 }
 
 std::vector<std::string> OpenEditor::newCalls() {

@@ -4,6 +4,7 @@
 #include "fakes/FakeClock.h"
 #include "fakes/FakeExecutor.h"
 #include "fakes/FakePlayer.h"
+#include "fakes/FakeTimers.h"
 #include "project/EditProjectJson.h"
 #include "support/TemporaryFolder.h"
 
@@ -63,8 +64,8 @@ protected:
     bool isSaved() const;
     void removeSaved() const;
 
-    /// Lets `seconds` go by for what was asked to be called later.
-    void pass(double seconds);
+    /// Lets the half second after the last change go by.
+    void pass() { timers.tick(0.5); }
 
     /// The calls of the players since the last time this was asked.
     std::vector<std::string> newCalls();
@@ -79,16 +80,10 @@ protected:
     FakeClock clock;
     FakeExecutor main;
     FakeExecutor background;
+    FakeTimers timers;
     std::unique_ptr<EditorViewModel> editor;
 
 private:
-    struct Later {
-        double time;
-        std::function<void()> block;
-    };
-
-    double m_now = 0;
-    std::vector<Later> m_later;
     std::size_t m_seen = 0;
 };
 
