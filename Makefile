@@ -4,7 +4,7 @@ BUILD := build/release
 DEV := build/dev
 export CCACHE_DIR ?= $(HOME)/.cache/ccache
 
-.PHONY: help setup build demo gallery test run bench bench-export asan tsan fuzz format lint clean
+.PHONY: help setup build demo gallery test run screens bench bench-export asan tsan fuzz format lint clean
 
 help: ## this list
 	@awk -F':.*## ' '/^[a-z-]+:.*## /{printf "  make %-13s %s\n", $$1, $$2}' $(MAKEFILE_LIST)
@@ -27,6 +27,10 @@ test: setup ## build and run every test
 
 run: build ## open the application
 	@$(BUILD)/bin/tavlin
+
+screens: setup ## draw every screen of the window into docs/screens
+	@tools/build dev tavi-screens
+	@tools/screens
 
 bench: build ## run the benchmarks
 	@tools/bench

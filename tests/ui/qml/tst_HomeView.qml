@@ -15,6 +15,11 @@ AppScene {
         readonly property var home: scene.screen
         readonly property var grid: home?.grid
 
+        /// Everything stands where it belongs.
+        function frame() {
+            scene.Window.window.update()
+            verify(waitForRendering(scene))
+        }
         function init() {
             scene.app.currentMode = "home"
             scene.app.calls = []
@@ -23,7 +28,7 @@ AppScene {
             scene.library.fill(6)
             scene.library.clearSelection()
             grid.currentIndex = 0
-            waitForRendering(scene)
+            frame()
             grid.forceActiveFocus(Qt.OtherFocusReason)
         }
         function cleanup() {
@@ -226,7 +231,7 @@ AppScene {
         function test_columnsAreAsManyAsFit(data) {
             scene.width = data.width
             compare(grid.columns, data.columns)
-            waitForRendering(scene)
+            frame()
             verify(card(0).width >= 280)
             compare(card(1).x - card(0).x - card(0).width, 14)
             scene.width = 960
@@ -235,7 +240,7 @@ AppScene {
             scene.fake.thumbnails.wanted = []
             scene.fake.thumbnails.missing = Array.from({ length: 5000 }, (_, i) => i)
             scene.library.fill(5000)
-            waitForRendering(scene)
+            frame()
             compare(grid.count, 5000)
             verify(grid.contentItem.children.length < 60)
             keyClick(Qt.Key_End)
@@ -248,7 +253,7 @@ AppScene {
         function test_aThumbnailThatComesLaterIsShown() {
             scene.fake.thumbnails.missing = [77]
             scene.library.recordings = [Object.assign({}, scene.library.recordings[0], { url: "file:///takes/77" })]
-            waitForRendering(scene)
+            frame()
             const picture = card(0).picture
             verify(picture.empty)
             scene.fake.thumbnails.missing = []

@@ -31,6 +31,11 @@ Item {
         name: "RecordingView"
         when: windowShown
 
+        /// Everything stands where it belongs.
+        function frame() {
+            root.Window.window.update()
+            verify(waitForRendering(root))
+        }
         function init() {
             app.calls = []
             app.showSettings = false
@@ -53,7 +58,7 @@ Item {
             take.calls = []
             loader.active = true
             loader.item.forceActiveFocus()
-            waitForRendering(root)
+            frame()
         }
         function find(suits, from) {
             const items = (from ?? loader.item).children
@@ -108,7 +113,7 @@ Item {
         }
         function test_windowsAreToldByApplicationAndTitle() {
             take.captureMode = "Window"
-            waitForRendering(root)
+            frame()
             mouseClick(named("Text Editor, notes.md - Tavlin"))
             compare(take.selectedWindowIndex, 1)
             verify(named("Unknown") !== null) // no title: no second line
@@ -159,7 +164,7 @@ Item {
         function test_theCountdownShowsSecondsAndIsCancelled() {
             take.countdownValue = 4
             take.isCountingDown = true
-            waitForRendering(root)
+            frame()
             verify(text("Starting in 4") !== null)
             verify(text("Get ready") !== null)
             mouseClick(named("Cancel"))
@@ -168,7 +173,7 @@ Item {
         }
         function test_escapeCancelsTheCountdown() {
             take.isCountingDown = true
-            waitForRendering(root)
+            frame()
             keyClick(Qt.Key_Escape)
             verify(!take.isCountingDown)
         }
@@ -179,7 +184,7 @@ Item {
         function test_theRunningTakeShowsItsTimeAndStops(data) {
             take.isRecording = true
             take.elapsedTime = data.seconds
-            waitForRendering(root)
+            frame()
             verify(text(data.text) !== null)
             mouseClick(named("Stop Recording"))
             verify(take.calls.includes("stop"))
@@ -187,7 +192,7 @@ Item {
         function test_aTakeThatIsStoppingIsNotStoppedAgain() {
             take.isRecording = true
             take.isStopping = true
-            waitForRendering(root)
+            frame()
             verify(!named("Stop Recording").enabled)
             take.isStopping = false
         }

@@ -12,6 +12,11 @@ AppScene {
         name: "Screens"
         when: windowShown
 
+        /// Everything stands where it belongs.
+        function frame() {
+            scene.Window.window.update()
+            verify(waitForRendering(scene))
+        }
         function init() {
             scene.app.calls = []
             scene.app.showSettings = false
@@ -56,14 +61,14 @@ AppScene {
         }
         function test_thePermissionScreenAsksAndChecks() {
             scene.app.currentMode = "permission"
-            waitForRendering(scene)
+            frame()
             mouseClick(itemNamed("Open System Settings"))
             mouseClick(itemNamed("Check Again"))
             compare(scene.app.calls, ["requestPermission", "recheckPermission"])
         }
         function test_thePermissionScreenWorksByKeysAlone() {
             scene.app.currentMode = "permission"
-            waitForRendering(scene)
+            frame()
             keyClick(Qt.Key_Return)
             keyClick(Qt.Key_Tab)
             keyClick(Qt.Key_Return)
@@ -71,7 +76,7 @@ AppScene {
         }
         function test_theEditorsPlaceTellsTheTakeAndGoesBack() {
             scene.app.currentMode = "editing"
-            waitForRendering(scene)
+            frame()
             verify(itemNamed("Recording_2026-11-20_15-04-05") !== null)
             mouseClick(itemNamed("Show in Finder"))
             mouseClick(itemNamed("Library"))
@@ -137,7 +142,7 @@ AppScene {
         }
         function test_theGearOpensTheSettings(data) {
             scene.app.currentMode = data.tag
-            waitForRendering(scene)
+            frame()
             mouseClick(itemNamed("Settings"))
             verify(scene.app.showSettings)
         }
