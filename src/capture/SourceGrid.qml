@@ -32,7 +32,7 @@ GridView {
     topMargin: 14
     bottomMargin: 14
     cellWidth: cardWidth + gap
-    cellHeight: Math.round(cardWidth * 0.6) + (windows ? 56 : 42) + gap
+    cellHeight: Math.round(cardWidth * 0.6) + (windows ? 56 : 38) + gap
     model: sources
     clip: true
     boundsBehavior: Flickable.StopAtBounds
