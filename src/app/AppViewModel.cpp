@@ -147,7 +147,8 @@ void AppViewModel::setNotice(std::string notice) {
 }
 
 void AppViewModel::loadRecordings() {
-    m_recordings = scanRecordings(m_ports.recordingsDirectory, m_ports.clock.now());
+    m_recordings =
+        scanRecordings(m_ports.recordingsDirectory, m_ports.clock.now(), m_ports.recover);
     emit recordingsChanged();
 }
 

@@ -39,6 +39,7 @@ struct AppPorts {
     Executor& main;
     Executor& background; ///< For questions that may take a while.
     std::filesystem::path recordingsDirectory;
+    RecoverTake recover; ///< Empty: takes whose recorder died stay as they are.
 };
 
 /// The root of the program's state: which screen shows, the library, and the hand-over of the

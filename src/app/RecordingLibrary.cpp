@@ -49,9 +49,7 @@ void readSidecar(MetadataDecoder& decoder, RecordingItem& item) {
     }
 }
 
-using Recover = std::function<void(const fs::path&)>;
-
-void readSidecars(std::vector<RecordingItem>& items, const Recover& recover) {
+void readSidecars(std::vector<RecordingItem>& items, const RecoverTake& recover) {
     std::atomic<std::size_t> next = 0;
     const auto work = [&] {
         MetadataDecoder decoder;
@@ -74,7 +72,7 @@ void readSidecars(std::vector<RecordingItem>& items, const Recover& recover) {
 } // namespace
 
 std::vector<RecordingItem> scanRecordings(const fs::path& recordingsDirectory, Date now,
-                                          const Recover& recover) {
+                                          const RecoverTake& recover) {
     std::vector<RecordingItem> items = listTakes(recordingsDirectory, now);
     readSidecars(items, recover);
     std::stable_sort(

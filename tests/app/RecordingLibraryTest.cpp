@@ -5,6 +5,8 @@
 
 #include <gtest/gtest.h>
 
+#include <atomic>
+
 namespace tavi {
 namespace {
 
@@ -53,6 +55,22 @@ TEST(ScanRecordings, aTakeWithoutASidecarIsListedFirstWithDurationZero) {
         EXPECT_EQ(items[i].date, kNow);
         EXPECT_EQ(items[i].duration, 0);
     }
+}
+
+TEST(ScanRecordings, takesAreCompletedBeforeTheyAreRead) {
+    const TemporaryFolder library;
+    makeTake(library / "whole", 300, 3);
+    writeFile(library / "crashed/video.mov", "");
+    std::atomic<int> asked = 0;
+    const auto items = scanRecordings(library.path(), kNow, [&](const auto& folder) {
+        ++asked;
+        if (folder.filename() == "crashed") {
+            makeTake(folder, 200, 2);
+        }
+    });
+    EXPECT_EQ(asked, 2);
+    EXPECT_EQ(names(items), (std::vector<std::string>{"whole", "crashed"}));
+    EXPECT_EQ(items[1].duration, 2);
 }
 
 TEST(ScanRecordings, foldersWithoutAVideoHiddenOnesAndFilesAreNotListed) {

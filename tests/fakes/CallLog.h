@@ -1,5 +1,6 @@
 #pragma once
 
+#include <functional>
 #include <mutex>
 #include <string>
 #include <vector>
@@ -12,12 +13,18 @@ public:
     void note(const std::string& call) {
         const std::lock_guard lock(m_mutex);
         m_calls.push_back(call);
+        if (whenNoted) {
+            whenNoted();
+        }
     }
 
     std::vector<std::string> calls() const {
         const std::lock_guard lock(m_mutex);
         return m_calls;
     }
+
+    /// Runs at each call, before it does anything; asks nothing of the log.
+    std::function<void()> whenNoted;
 
 private:
     mutable std::mutex m_mutex;
