@@ -107,16 +107,19 @@ void runTake(TakeRecorder& recorder, const TakeOptions& options, cli::StopSignal
     QCoreApplication::exec();
 }
 
+/// A window that was closed ended the take as a user may: it is said, and is no failure.
 int finish(TakeRecorder& recorder) {
     recorder.tick();
     const auto folder = recorder.stop();
     if (folder) {
         cli::printLine(folder->string());
     }
-    if (const auto failure = recorder.failure()) {
-        return cli::failed("The recording ended early. " + failure->description());
+    const auto failure = recorder.failure();
+    if (!failure) {
+        return 0;
     }
-    return 0;
+    const int status = cli::failed("The recording ended early. " + failure->description());
+    return folder && failure->kind == CaptureError::Kind::sourceClosed ? 0 : status;
 }
 
 /// Asks the system for devices only when some are wanted.

@@ -165,7 +165,7 @@ TEST(RecordWindow, takeOfAWindowThatIsClosedIsSaved) {
     const auto out = desktop.folder / "out";
     ASSERT_TRUE(
         desktop.server.run("sh -c 'sleep 2; xdotool windowkill " + std::to_string(id) + "' &"));
-    EXPECT_EQ(desktop.run("record --duration 20 --window " + std::to_string(id), out), 1);
+    EXPECT_EQ(desktop.run("record --duration 20 --window " + std::to_string(id), out), 0);
     EXPECT_THAT(test::readFile(desktop.folder / "errors"),
                 testing::HasSubstr("The recorded window was closed."));
     const auto take = printedFolder(out);

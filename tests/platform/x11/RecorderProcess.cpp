@@ -1,0 +1,99 @@
+#include "platform/x11/RecorderProcess.h"
+
+#include "support/Eventually.h"
+
+#include <algorithm>
+#include <csignal>
+#include <cstdio>
+#include <cstdlib>
+#include <sys/wait.h>
+#include <unistd.h>
+
+namespace tavi::test {
+
+namespace {
+
+constexpr const char* kProgram = TAVI_BINARY_DIR "/tavi";
+
+/// On a loaded machine the choice of an encoder alone may take many seconds.
+bool eventuallyOf(const std::function<bool()>& condition) {
+    return eventually(condition) || eventually(condition) || eventually(condition);
+}
+
+} // namespace
+
+RecorderProcess::RecorderProcess(const std::string& server, std::vector<std::string> arguments)
+    : m_pid(fork()) {
+    if (m_pid == 0) {
+        becomeRecorder(server, std::move(arguments));
+    }
+}
+
+RecorderProcess::~RecorderProcess() {
+    if (m_pid > 0) {
+        signal(SIGKILL);
+        wait();
+    }
+}
+
+void RecorderProcess::becomeRecorder(const std::string& server,
+                                     std::vector<std::string> arguments) const {
+    arguments.insert(arguments.begin(), {kProgram, "record"});
+    std::vector<char*> raw;
+    for (auto& argument : arguments) {
+        raw.push_back(argument.data());
+    }
+    raw.push_back(nullptr);
+    setenv("DISPLAY", server.c_str(), 1);
+    setenv("TAVI_DOCUMENTS_DIR", m_folder.path().c_str(), 1);
+    setenv("XDG_RUNTIME_DIR", m_folder.path().c_str(), 1);
+    const bool isQuiet = std::freopen((m_folder / "out").c_str(), "w", stdout) != nullptr &&
+                         std::freopen((m_folder / "errors").c_str(), "w", stderr) != nullptr;
+    if (isQuiet) {
+        execv(kProgram, raw.data());
+    }
+    _exit(127);
+}
+
+bool RecorderProcess::waitForFirstFrame() {
+    // From then on the time counts.
+    return eventuallyOf(
+               [this] { return journal().find("\"duration\":0,") != std::string::npos; }) &&
+           eventuallyOf([this] {
+               const std::string text = journal();
+               return std::count(text.begin(), text.end(), '\n') > 1;
+           });
+}
+
+std::filesystem::path RecorderProcess::take() const {
+    std::error_code error;
+    const std::filesystem::directory_iterator takes(library(), error);
+    return error || takes == std::filesystem::directory_iterator() ? "" : takes->path();
+}
+
+std::string RecorderProcess::journal() const {
+    const auto folder = take();
+    return folder.empty() ? "" : readFile(folder / "recording.journal");
+}
+
+void RecorderProcess::signal(int number) const {
+    kill(m_pid, number);
+}
+
+int RecorderProcess::wait() {
+    int raw = 0;
+    waitpid(m_pid, &raw, 0);
+    m_pid = 0;
+    return WIFEXITED(raw) ? WEXITSTATUS(raw) : -1;
+}
+
+std::string RecorderProcess::run(const std::string& arguments, int& status) const {
+    const auto out = m_folder / "command";
+    const std::string command = "TAVI_DOCUMENTS_DIR='" + m_folder.path().string() + "' " +
+                                kProgram + " " + arguments + " >'" + out.string() + "' 2>&1";
+    const int raw = std::system(command.c_str());
+    status = WIFEXITED(raw) ? WEXITSTATUS(raw) : -1;
+    return readFile(out);
+}
+
+} // namespace tavi::test
