@@ -50,6 +50,10 @@ void RecordingViewModel::publish(T& field, T value, void (RecordingViewModel::*c
     }
 }
 
+void RecordingViewModel::setFailure(const std::optional<CaptureError>& failure) {
+    publish(m_failure, failure, &RecordingViewModel::failureTextChanged);
+}
+
 void RecordingViewModel::setCaptureMode(CaptureMode mode) {
     publish(m_captureMode, mode, &RecordingViewModel::captureModeChanged);
 }
@@ -96,10 +100,11 @@ QCoro::Task<> RecordingViewModel::loadSources() {
         co_return;
     }
     if (!content) {
-        m_ports.messages << "Failed to get shareable content: " << content.error().description()
-                         << std::endl;
+        setFailure(content.error());
+        m_ports.messages << "Failed to get shareable content: " << failureText() << std::endl;
         co_return;
     }
+    setFailure(std::nullopt);
     m_availableDisplays = std::move(content->displays);
     emit availableDisplaysChanged();
     m_availableWindows = offeredWindows(content->windows);
@@ -305,7 +310,7 @@ QCoro::Task<> RecordingViewModel::startRecording() {
     }
     const std::weak_ptr<Alive> alive = m_alive;
     publish(m_isStarting, true, &RecordingViewModel::isStartingChanged);
-    publish(m_failureText, {}, &RecordingViewModel::failureTextChanged);
+    setFailure(std::nullopt);
     m_recorder = std::make_unique<TakeRecorder>(m_ports.take);
     m_recorder->makeFolder(m_ports.library());
     if (const auto source = selectedSource()) {
@@ -338,9 +343,8 @@ QCoro::Task<> RecordingViewModel::startTake(TakeSource source) {
     }
     takeDevicesBack();
     if (!started) {
-        publish(m_failureText, started.error().description(),
-                &RecordingViewModel::failureTextChanged);
-        m_ports.messages << "Failed to start recording: " << m_failureText << std::endl;
+        setFailure(started.error());
+        m_ports.messages << "Failed to start recording: " << failureText() << std::endl;
         co_return;
     }
     m_recorder->startTracking();
@@ -431,10 +435,8 @@ QCoro::Task<Folder> RecordingViewModel::stopRecording() {
 }
 
 void RecordingViewModel::reset() {
-    const auto failure = m_recorder->failure();
+    setFailure(m_recorder->failure());
     m_recorder.reset();
-    publish(m_failureText, failure ? failure->description() : std::string(),
-            &RecordingViewModel::failureTextChanged);
     publish(m_interruptionText, {}, &RecordingViewModel::interruptionTextChanged);
     publish(m_isRecording, false, &RecordingViewModel::isRecordingChanged);
     publish(m_elapsedTime, 0.0, &RecordingViewModel::elapsedTimeChanged);

@@ -126,9 +126,11 @@ public:
     /// Seconds since the first frame, at the last tick.
     double elapsedTime() const { return m_elapsedTime; }
 
-    /// Why the last start failed or the take ended by itself, for the user; empty while all is
-    /// well.
-    const std::string& failureText() const { return m_failureText; }
+    /// Why there are no sources, the last start failed or the take ended by itself; absent while
+    /// all is well.
+    const std::optional<CaptureError>& failure() const { return m_failure; }
+    /// The same for the user; empty while all is well.
+    std::string failureText() const { return m_failure ? m_failure->description() : ""; }
 
     /// Why the camera or the microphone sends nothing now, for the user; empty while all is well.
     const std::string& interruptionText() const { return m_interruptionText; }
@@ -186,7 +188,7 @@ public:
     QVariantMap displayPictures() const;
     QString captureModeName() const; ///< The raw value.
     void setCaptureModeName(const QString& name);
-    QString failureString() const { return QString::fromStdString(m_failureText); }
+    QString failureString() const { return QString::fromStdString(failureText()); }
     QString interruptionString() const { return QString::fromStdString(m_interruptionText); }
 
 signals:
@@ -226,6 +228,7 @@ private:
     template<typename T>
     void publish(T& field, T value, void (RecordingViewModel::*changed)());
 
+    void setFailure(const std::optional<CaptureError>& failure);
     QCoro::Task<bool> mayUse(CaptureDeviceKind kind);
     QCoro::Task<> loadThumbnails();
     std::vector<CaptureDevice> devicesOf(CaptureDeviceKind kind);
@@ -265,7 +268,7 @@ private:
     bool m_isStarting = false;
     bool m_isStopping = false;
     double m_elapsedTime = 0;
-    std::string m_failureText;
+    std::optional<CaptureError> m_failure;
     std::string m_interruptionText;
     std::string m_microphoneError;
     std::filesystem::path m_folder;

@@ -1,7 +1,5 @@
 #include "cli/MainThread.h"
 
-#include <QCoreApplication>
-
 #include <csignal>
 #include <fcntl.h>
 #include <unistd.h>
@@ -21,10 +19,6 @@ extern "C" void requestStop(int) {
 }
 
 } // namespace
-
-void MainThreadExecutor::post(std::function<void()> block) {
-    QMetaObject::invokeMethod(QCoreApplication::instance(), std::move(block), Qt::QueuedConnection);
-}
 
 StopSignals::StopSignals() {
     if (pipe2(stopPipe.data(), O_CLOEXEC | O_NONBLOCK) != 0) {

@@ -1,7 +1,5 @@
 #pragma once
 
-#include "base/Executor.h"
-
 #include <QSocketNotifier>
 
 #include <array>
@@ -9,12 +7,6 @@
 #include <memory>
 
 namespace tavi::cli {
-
-/// Hands blocks to the running Qt loop of the main thread.
-class MainThreadExecutor final : public Executor {
-public:
-    void post(std::function<void()> block) override;
-};
 
 /// Turns the signals that ask a program to end into a call on the main thread.
 ///

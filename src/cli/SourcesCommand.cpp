@@ -1,9 +1,9 @@
 #include "cli/SourcesCommand.h"
 
 #include "capture/OfferedWindows.h"
-#include "cli/MainThread.h"
 #include "cli/Output.h"
 #include "platform/pipewire/PipeWireDevices.h"
+#include "platform/qt/QtExecutor.h"
 #include "platform/x11/X11ShareableContent.h"
 #include "project/JsonWriter.h"
 
@@ -76,7 +76,7 @@ struct Devices {
 };
 
 Devices listDevices() {
-    cli::MainThreadExecutor main; // no change is waited for
+    QtExecutor main; // no change is waited for
     PipeWireDevices devices(main);
     return {devices.devices(CaptureDeviceKind::microphone).value_or(std::vector<CaptureDevice>()),
             devices.devices(CaptureDeviceKind::camera).value_or(std::vector<CaptureDevice>())};

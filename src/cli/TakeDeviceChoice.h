@@ -1,10 +1,10 @@
 #pragma once
 
 #include "base/Result.h"
-#include "capture/TakeRecorder.h"
+#include "capture/CaptureDevices.h"
 
-#include <functional>
 #include <string>
+#include <vector>
 
 namespace tavi::cli {
 
@@ -16,14 +16,10 @@ struct TakeDeviceNames {
     bool isEmpty() const { return microphone.empty() && camera.empty(); }
 };
 
-/// Finds the devices and warms the microphone up. The warm-up may still be preparing
-/// when this returns. The error is a sentence for the user.
-Result<TakeDevices, std::string>
-findTakeDevices(const TakeDeviceNames& names, CaptureDevices& devices, CaptureSessions& sessions);
-
-/// Waits until the microphone's format holds still, without which a take is silent.
-/// `waits` runs the program for a moment and answers false to give up. False for a
-/// microphone that sends nothing for five seconds.
-bool waitForMicrophone(const TakeDevices& devices, const std::function<bool()>& waits);
+/// The place in `list` of the device of that name or id; "default" is the first. The
+/// error is a sentence for the user; `devices` may know why the list is empty.
+Result<int, std::string> indexOfDevice(const std::vector<CaptureDevice>& list,
+                                       const std::string& name, CaptureDeviceKind kind,
+                                       CaptureDevices& devices);
 
 } // namespace tavi::cli
