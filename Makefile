@@ -4,7 +4,7 @@ BUILD := build/release
 DEV := build/dev
 export CCACHE_DIR ?= $(HOME)/.cache/ccache
 
-.PHONY: help setup build demo gallery test run screens bench bench-export asan tsan fuzz format lint clean
+.PHONY: help setup build demo gallery test run screens bench bench-export bench-sync asan tsan fuzz format lint clean
 
 help: ## this list
 	@awk -F':.*## ' '/^[a-z-]+:.*## /{printf "  make %-13s %s\n", $$1, $$2}' $(MAKEFILE_LIST)
@@ -37,6 +37,9 @@ bench: build ## run the benchmarks
 
 bench-export: build ## time exports against the encoder alone and a filter graph made by hand
 	@tools/bench-export
+
+bench-sync: setup ## record for minutes and tell how far sound and picture are apart
+	@tools/bench-sync
 
 asan: setup ## every test under the address and undefined-behaviour sanitizers
 	@tools/build asan

@@ -3,8 +3,10 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <limits>
 #include <spa/param/audio/format-utils.h>
 #include <spa/param/format-utils.h>
+#include <spa/param/param.h>
 #include <spa/pod/builder.h>
 
 namespace tavi {
@@ -16,6 +18,14 @@ constexpr std::uint32_t kUsualRate = 48000;
 
 /// Sound in portions of at most 21 ms, as a desktop at rest has it.
 constexpr const char* kLatency = "1024/48000";
+
+/// Of a portion of sound; a graph at 192 kHz has such.
+constexpr int kLongestPortion = 8192; // frames
+
+/// Half a second of the usual portions: so long a busy machine may leave the thread waiting without
+/// a loss. Of a range the library takes the least.
+constexpr int kBuffers = 24;
+constexpr int kMostBuffers = 32;
 
 /// The description of raw sound, each choice decided as its device would; absent for sound of
 /// another kind.
@@ -151,7 +161,7 @@ DeviceCapture::StreamPlan MicrophoneCapture::plan() {
     return made;
 }
 
-bool MicrophoneCapture::formatAgreed(pw_stream&, const spa_pod& format) {
+bool MicrophoneCapture::formatAgreed(pw_stream& stream, const spa_pod& format) {
     spa_audio_info_raw info{};
     if (spa_format_audio_raw_parse(&format, &info) < 0 || info.format != SPA_AUDIO_FORMAT_F32 ||
         info.rate == 0 || info.channels == 0) {
@@ -161,7 +171,22 @@ bool MicrophoneCapture::formatAgreed(pw_stream&, const spa_pod& format) {
     m_rate = static_cast<int>(info.rate);
     m_channels = static_cast<int>(info.channels);
     m_clock = SampleClock(m_rate);
+    askForBuffers(stream);
     return true;
+}
+
+void MicrophoneCapture::askForBuffers(pw_stream& stream) const {
+    std::array<std::uint8_t, 256> memory{};
+    spa_pod_builder builder{};
+    spa_pod_builder_init(&builder, memory.data(), memory.size());
+    const int stride = m_channels * static_cast<int>(sizeof(float));
+    std::array<const spa_pod*, 1> answer{static_cast<const spa_pod*>(spa_pod_builder_add_object(
+        &builder, SPA_TYPE_OBJECT_ParamBuffers, SPA_PARAM_Buffers, SPA_PARAM_BUFFERS_buffers,
+        SPA_POD_CHOICE_RANGE_Int(kBuffers, kBuffers, kMostBuffers), SPA_PARAM_BUFFERS_blocks,
+        SPA_POD_Int(1), SPA_PARAM_BUFFERS_size,
+        SPA_POD_CHOICE_RANGE_Int(kLongestPortion * stride, stride, std::numeric_limits<int>::max()),
+        SPA_PARAM_BUFFERS_stride, SPA_POD_Int(stride)))};
+    pw_stream_update_params(&stream, answer.data(), answer.size());
 }
 
 std::int64_t MicrophoneCapture::startOf(pw_stream& stream, std::size_t frames) const {

@@ -27,6 +27,7 @@ private:
     bool onlyNewestCounts() const override { return false; }
     std::optional<CaptureSample> read(pw_stream& stream, const spa_buffer& buffer) override;
 
+    void askForBuffers(pw_stream& stream) const;
     std::int64_t startOf(pw_stream& stream, std::size_t frames) const;
     void setFormat(const spa_audio_info_raw& info);
 

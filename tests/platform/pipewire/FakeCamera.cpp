@@ -107,13 +107,16 @@ void FakeCamera::process(void* data) {
     if (buffer == nullptr) {
         return;
     }
+    const std::int64_t now = hostNanoseconds();
+    if (camera.m_isSweeping) {
+        camera.moveBorder(now);
+    }
     spa_data& out = buffer->buffer->datas[0];
     const auto bytes = std::min<std::size_t>(camera.m_picture.size(), out.maxsize);
     std::memcpy(out.data, camera.m_picture.data(), bytes);
     out.chunk->offset = 0;
     out.chunk->stride = rowBytes(camera.m_mode);
     out.chunk->size = static_cast<std::uint32_t>(bytes);
-    const std::int64_t now = hostNanoseconds();
     if (void* found =
             spa_buffer_find_meta_data(buffer->buffer, SPA_META_Header, sizeof(spa_meta_header))) {
         auto* header = static_cast<spa_meta_header*>(found);
@@ -122,6 +125,18 @@ void FakeCamera::process(void* data) {
     }
     camera.m_lastPicture = now;
     pw_stream_queue_buffer(camera.m_stream, buffer);
+}
+
+void FakeCamera::moveBorder(std::int64_t time) {
+    const int border = static_cast<int>(m_mode.width * (time % kSweep) / kSweep);
+    const auto row = static_cast<std::ptrdiff_t>(m_mode.width) * 4;
+    for (int x = 0; x < m_mode.width; ++x) {
+        const std::uint32_t colour = x < border ? kLeft : kRight;
+        std::memcpy(m_picture.data() + std::ptrdiff_t{x} * 4, &colour, sizeof colour);
+    }
+    for (int y = 1; y < m_mode.height; ++y) {
+        std::copy_n(m_picture.begin(), row, m_picture.begin() + y * row);
+    }
 }
 
 void FakeCamera::tick(void* data, std::uint64_t) {

@@ -28,6 +28,10 @@ public:
                std::vector<FakeMode> modes);
     ~FakeCamera();
 
+    /// From now on the border between the halves goes from left to right once in kSweep of the host
+    /// clock. Only for formats of four bytes a pixel.
+    static constexpr std::int64_t kSweep = 2'000'000'000; // nanoseconds
+    void sweep() { m_isSweeping = true; }
     /// Delivers nothing meanwhile.
     void freeze(bool isFrozen) { m_isFrozen = isFrozen; }
     /// The time of the picture that was taken last, host nanoseconds.
@@ -38,12 +42,14 @@ private:
     static void parameter(void* data, std::uint32_t id, const spa_pod* pod);
     static void process(void* data);
     static void tick(void* data, std::uint64_t);
+    void moveBorder(std::int64_t time);
 
     std::vector<FakeMode> m_modes;
     FakeMode m_mode; ///< In use.
     std::vector<std::uint8_t> m_picture;
     spa_source* m_timer = nullptr;
     std::atomic<bool> m_isFrozen = false;
+    std::atomic<bool> m_isSweeping = false;
     std::atomic<std::int64_t> m_lastPicture = 0;
 };
 

@@ -24,6 +24,9 @@ constexpr double kMemory = 2 * kSecond;
 /// Until a cycle that is still under way is looked at again.
 constexpr std::int64_t kPause = 1'000'000; // nanoseconds
 
+/// A cycle that lasts longer has lost whom it waited for.
+constexpr std::int64_t kLongestCycle = 300'000'000; // nanoseconds
+
 /// As a sound card has it.
 constexpr const char* kPriority = "2000";
 
@@ -52,7 +55,7 @@ struct FakeMicrophone::Callbacks {
     }
 
     static void process(void* data) { of(data).process(); }
-    static void done(void* data) { of(data).m_isCycleDone = true; }
+    static void done(void* data) { of(data).m_cycleStart = 0; }
     static void timer(void* data, std::uint64_t) { of(data).tick(); }
 
     static constexpr pw_stream_events kEvents{.version = PW_VERSION_STREAM_EVENTS,
@@ -100,7 +103,7 @@ void FakeMicrophone::announceLatency() {
 }
 
 void FakeMicrophone::start() {
-    m_isCycleDone = true;
+    m_cycleStart = 0;
     m_ticks = 0;
     m_position = 0;
     m_origin = hostNanoseconds();
@@ -116,7 +119,8 @@ void FakeMicrophone::wakeAt(std::int64_t time) {
 
 void FakeMicrophone::tick() {
     const std::int64_t now = hostNanoseconds();
-    if (!m_isRunning || m_graph == nullptr || !m_isCycleDone) {
+    const bool isUnderWay = m_cycleStart != 0 && now - m_cycleStart < kLongestCycle;
+    if (!m_isRunning || m_graph == nullptr || isUnderWay) {
         wakeAt(now + kPause);
         return;
     }
@@ -138,7 +142,7 @@ void FakeMicrophone::tick() {
     clock.position = m_ticks;
     clock.delay = 0;
     clock.rate_diff = 1 + m_sound.clockError;
-    m_isCycleDone = false;
+    m_cycleStart = now;
     pw_stream_trigger_process(m_stream);
     m_due += length;
     wakeAt(std::max(std::llround(m_due), static_cast<long long>(now + 1)));

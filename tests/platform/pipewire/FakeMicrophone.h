@@ -53,11 +53,11 @@ private:
     spa_source* m_timer = nullptr;
     spa_io_position* m_graph = nullptr; ///< What the graph wants; null while it wants nothing.
     bool m_isRunning = false;
-    bool m_isCycleDone = true;
-    std::int64_t m_origin = 0;    ///< When the first frame was heard, host nanoseconds.
-    double m_due = 0;             ///< When the next portion is whole, host nanoseconds.
-    std::uint64_t m_ticks = 0;    ///< Of the graph's clock.
-    std::uint64_t m_position = 0; ///< Frames since the origin.
+    std::int64_t m_cycleStart = 0; ///< Of a cycle under way, host nanoseconds; 0: there is none.
+    std::int64_t m_origin = 0;     ///< When the first frame was heard, host nanoseconds.
+    double m_due = 0;              ///< When the next portion is whole, host nanoseconds.
+    std::uint64_t m_ticks = 0;     ///< Of the graph's clock.
+    std::uint64_t m_position = 0;  ///< Frames since the origin.
     std::atomic<bool> m_isMuted = false;
     std::atomic<std::int64_t> m_firstHeard = 0;
 };
