@@ -1,0 +1,107 @@
+#include "platform/x11/RecordedVideo.h"
+#include "platform/x11/XTestServer.h"
+#include "project/RecordingMetadataJson.h"
+#include "support/TemporaryFolder.h"
+
+#include <gmock/gmock.h>
+
+#include <chrono>
+#include <cstdlib>
+#include <future>
+#include <random>
+#include <sys/wait.h>
+#include <unistd.h>
+
+namespace tavi {
+namespace {
+
+using test::Painter;
+using test::XTestServer;
+
+/// A shell command line that runs `script` where it may mount: in a mount namespace of its own,
+/// for others than root in a user namespace of its own as well.
+std::string amongItsOwnMounts(const std::string& script) {
+    const std::string unshare =
+        getuid() == 0 ? "unshare --mount" : "unshare --user --map-root-user --mount";
+    return unshare + " sh -ec '" + script + "'";
+}
+
+/// `tavi record` with a library on a disk of so many kilobytes, which lives as long as the command.
+/// What the disk held at the end is copied to the folder "kept".
+class TakeOnASmallDisk {
+public:
+    TakeOnASmallDisk(const XTestServer& server, int kilobytes) {
+        std::filesystem::create_directories(m_folder / "disk");
+        const std::string disk = (m_folder / "disk").string();
+        const std::string script =
+            "mount -t tmpfs -o size=" + std::to_string(kilobytes) + "k tmpfs " + disk +
+            "; status=0; " TAVI_BINARY_DIR "/tavi record --duration 120 || status=$?; cp -a " +
+            disk + " " + (m_folder / "kept").string() + "; exit $status";
+        const std::string command = "DISPLAY=" + server.name() + " TAVI_DOCUMENTS_DIR=" + disk +
+                                    " XDG_RUNTIME_DIR=" + m_folder.path().string() + " " +
+                                    amongItsOwnMounts(script) + " >/dev/null 2>" + errorsPath();
+        m_status = std::async(std::launch::async, [command] {
+            const int raw = std::system(command.c_str());
+            return WIFEXITED(raw) ? WEXITSTATUS(raw) : -1;
+        });
+    }
+
+    bool isRunning() const {
+        return m_status.wait_for(std::chrono::seconds(0)) != std::future_status::ready;
+    }
+
+    int status() { return m_status.get(); }
+    std::string errors() const { return test::readFile(errorsPath()); }
+
+    /// The take as it was left; empty without one.
+    std::filesystem::path take() const {
+        std::error_code error;
+        const std::filesystem::directory_iterator takes(m_folder / "kept" / "Tavlin", error);
+        return error || takes == std::filesystem::directory_iterator() ? "" : takes->path();
+    }
+
+private:
+    std::string errorsPath() const { return (m_folder / "errors").string(); }
+
+    const test::TemporaryFolder m_folder;
+    std::future<int> m_status;
+};
+
+/// Pictures that no encoder makes small.
+void paintNoise(Painter& painter, std::mt19937& random) {
+    constexpr int kSide = 200;
+    std::vector<std::uint32_t> pixels(kSide * kSide);
+    for (std::uint32_t& pixel : pixels) {
+        pixel = static_cast<std::uint32_t>(random());
+    }
+    painter.put(20, 20, kSide, kSide, pixels);
+}
+
+TEST(FullDisk, endsATakeThatIsWholeUpToThere) {
+    const XTestServer server("320x240x24");
+    Painter painter(server);
+    std::mt19937 random(1);
+    ASSERT_TRUE(server.run("xset m 1/1 0"));
+    TakeOnASmallDisk recorder(server, 4096);
+    while (recorder.isRunning()) {
+        paintNoise(painter, random);
+        ASSERT_TRUE(server.run("xdotool mousemove_relative 1 1"));
+    }
+    EXPECT_EQ(recorder.status(), 1);
+    EXPECT_THAT(recorder.errors(), testing::HasSubstr("The recording ended early."));
+    EXPECT_THAT(recorder.errors(), testing::HasSubstr("full"));
+    ASSERT_FALSE(recorder.take().empty()) << recorder.errors();
+
+    const auto samples = test::readAll(recorder.take() / "video.mov");
+    ASSERT_GT(samples.size(), 3U);
+    const auto metadata =
+        decodeRecordingMetadata(test::readFile(recorder.take() / "metadata.json"));
+    ASSERT_TRUE(metadata) << "there was room in reserve";
+    EXPECT_GT(metadata->cursorEvents.size(), 3U);
+    EXPECT_GE(metadata->duration, samples.back().presentationTime.seconds());
+    EXPECT_TRUE(std::filesystem::exists(recorder.take() / "cursor_0.png"));
+    EXPECT_FALSE(std::filesystem::exists(recorder.take() / "recording.journal"));
+}
+
+} // namespace
+} // namespace tavi
