@@ -8,10 +8,6 @@
 
 #include <gmock/gmock.h>
 
-#include <csignal>
-#include <sys/wait.h>
-#include <unistd.h>
-
 namespace tavi {
 namespace {
 
@@ -148,55 +144,6 @@ TEST(Recording, intoAFolderThatCannotBeMadeFailsWithASentence) {
     ASSERT_FALSE(started);
     EXPECT_EQ(started.error().kind, CaptureError::Kind::writer);
     EXPECT_FALSE(started.error().description().empty());
-}
-
-constexpr const char* kServerVariable = "TAVI_TEST_SERVER";
-constexpr const char* kLibraryVariable = "TAVI_TEST_LIBRARY";
-
-/// Not a test by itself: the process that recordingSurvivesAKill kills.
-TEST(Recording, DISABLED_untilKilled) {
-    RealTake take(std::getenv(kServerVariable));
-    ASSERT_TRUE(take.start(std::getenv(kLibraryVariable)));
-    test::waitFor([] { return false; });
-}
-
-/// Runs the test above in a process of its own.
-pid_t startRecorder(const std::string& server, const std::filesystem::path& library) {
-    const pid_t pid = fork();
-    if (pid == 0) {
-        setenv(kServerVariable, server.c_str(), 1);
-        setenv(kLibraryVariable, library.c_str(), 1);
-        execl("/proc/self/exe", "recorder", "--gtest_filter=Recording.DISABLED_untilKilled",
-              "--gtest_also_run_disabled_tests", nullptr);
-        _exit(127);
-    }
-    return pid;
-}
-
-TEST(Recording, survivesAKillWithAVideoThatOpens) {
-    const XTestServer server("320x240x24");
-    const test::TemporaryFolder library;
-    Painter painter(server);
-    const pid_t recorder = startRecorder(server.name(), library.path());
-    std::filesystem::path video;
-    ASSERT_TRUE(test::waitFor([&] {
-        const std::filesystem::directory_iterator takes(library.path());
-        if (takes != std::filesystem::directory_iterator()) {
-            video = takes->path() / "video.mov";
-        }
-        return !video.empty() && std::filesystem::exists(video);
-    }));
-    // Something moves until the file holds a few seconds.
-    const double end = SystemClock().hostTime().seconds() + 3;
-    for (std::uint32_t step = 0; SystemClock().hostTime().seconds() < end; ++step) {
-        painter.fill(static_cast<int>(step % 300), 100, 20, 20, 0x123456 * step);
-        test::runLoopFor(0.03);
-    }
-    kill(recorder, SIGKILL);
-    waitpid(recorder, nullptr, 0);
-    const auto samples = readAll(video);
-    EXPECT_GT(samples.size(), 10U);
-    EXPECT_FALSE(std::filesystem::exists(video.parent_path() / "metadata.json"));
 }
 
 } // namespace
