@@ -88,6 +88,7 @@ void CanvasViewModel::frameMayBeOther() {
         m_geometry = geometry;
         emit frameChanged();
     }
+    emit contentChanged();
     compose();
 }
 
@@ -111,6 +112,13 @@ QRectF CanvasViewModel::frame() const {
     const auto onPixel = [this](double v) { return std::round(v * m_pixelRatio) / m_pixelRatio; };
     return {onPixel(m_geometry.frame.x), onPixel(m_geometry.frame.y), pixels.width / m_pixelRatio,
             pixels.height / m_pixelRatio};
+}
+
+QRectF CanvasViewModel::content() const {
+    const QRectF all = frame();
+    const double x = all.width() * m_scene->appearanceSettings.padding;
+    const double y = all.height() * m_scene->appearanceSettings.padding;
+    return all.adjusted(x, y, -x, -y);
 }
 
 QVariant CanvasViewModel::picture() const {

@@ -24,6 +24,8 @@ class CanvasViewModel : public QObject {
     Q_PROPERTY(double pixelRatio READ pixelRatio WRITE setPixelRatio NOTIFY frameChanged)
     /// Where the picture stands on the canvas, in points from its upper left corner.
     Q_PROPERTY(QRectF frame READ frame NOTIFY frameChanged)
+    /// The part of the canvas that the padding leaves to the video.
+    Q_PROPERTY(QRectF content READ content NOTIFY contentChanged)
     /// A PixelBufferPtr of `frame`'s device pixels; null before the first is composed.
     Q_PROPERTY(QVariant picture READ picture NOTIFY pictureChanged)
     /// True while the background moves by itself: then tick() is wanted 30 times a second.
@@ -39,6 +41,7 @@ public:
     double pixelRatio() const { return m_pixelRatio; }
     void setPixelRatio(double ratio);
     QRectF frame() const;
+    QRectF content() const;
     QVariant picture() const;
     const PixelBufferPtr& pixels() const { return m_picture; }
     bool isAnimated() const;
@@ -52,6 +55,7 @@ public:
 
 signals:
     void frameChanged();
+    void contentChanged();
     void pictureChanged();
     void isAnimatedChanged();
 

@@ -1,5 +1,7 @@
 #include "editor/InspectorViewModel.h"
 
+#include "editor/ChoicePictures.h"
+
 #include <QVariantMap>
 
 #include <algorithm>
@@ -33,7 +35,8 @@ QString colorText(const CodableColor& color) {
 InspectorViewModel::InspectorViewModel(EditorViewModel& editor, QObject* parent)
     : QAbstractListModel(parent),
       m_editor(editor),
-      m_shown(shownControls()) {
+      m_shown(shownControls()),
+      m_shownLook(editor.project().appearanceSettings) {
     connect(&editor, &EditorViewModel::projectChanged, this, &InspectorViewModel::projectChanged);
 }
 
@@ -105,9 +108,13 @@ QString InspectorViewModel::text(const InspectorControl& shown) const {
 
 QVariantList InspectorViewModel::choices(const InspectorControl& shown) const {
     QVariantList list;
-    for (const InspectorControl::Choice& choice : shown.choices) {
-        list.append(
-            QVariantMap{{"text", toQString(choice.label)}, {"symbol", toQString(choice.symbol)}});
+    for (std::size_t i = 0; i < shown.choices.size(); ++i) {
+        QVariantMap choice{{"text", toQString(shown.choices[i].label)},
+                           {"symbol", toQString(shown.choices[i].symbol)}};
+        if (auto picture = choicePicture(shown, i, m_editor.project().appearanceSettings)) {
+            choice["picture"] = QVariant::fromValue(picture);
+        }
+        list.append(choice);
     }
     return list;
 }
@@ -134,6 +141,21 @@ void InspectorViewModel::projectChanged() {
     reconcile(shownControls());
     if (rowCount() > 0) {
         emit dataChanged(index(0), index(rowCount() - 1), {ValueRole, TextRole});
+    }
+    tellPictures();
+}
+
+/// The tiles show the presets and the colour that are chosen elsewhere.
+void InspectorViewModel::tellPictures() {
+    const AppearanceSettings& look = m_editor.project().appearanceSettings;
+    const auto isSame = m_shownLook.gradientPresetIndex == look.gradientPresetIndex &&
+                        m_shownLook.wallpaperPreset == look.wallpaperPreset &&
+                        m_shownLook.solidColor == look.solidColor;
+    m_shownLook = look;
+    for (int row = 0; row < rowCount() && !isSame; ++row) {
+        if (control(row).kind == Kind::tiles) {
+            emit dataChanged(index(row), index(row), {ChoicesRole});
+        }
     }
 }
 

@@ -27,7 +27,7 @@ public:
         StepRole,
         ValueRole,     ///< A number; of what is chosen its index, of a switch 0 or 1.
         TextRole,      ///< A slider's value in words; a colour as "#aarrggbb".
-        ChoicesRole,   ///< Objects with `text` and `symbol`.
+        ChoicesRole,   ///< Objects with `text`, `symbol` and, of a background, `picture`.
         HasSwitchRole, ///< Of a title.
     };
     Q_ENUM(Role)
@@ -50,10 +50,12 @@ private:
     QVariantList choices(const InspectorControl& control) const;
     QString text(const InspectorControl& control) const;
     void projectChanged();
+    void tellPictures();
     void reconcile(const std::vector<std::size_t>& shown);
 
     EditorViewModel& m_editor;
     std::vector<std::size_t> m_shown; ///< Indices into inspectorControls(), ascending.
+    AppearanceSettings m_shownLook;   ///< That the tiles' pictures were told for.
 };
 
 } // namespace tavi

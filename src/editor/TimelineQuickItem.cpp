@@ -62,7 +62,11 @@ void TimelineQuickItem::setTimeline(TimelineViewModel* timeline) {
     }
     m_timeline = timeline;
     if (m_timeline) {
-        connect(m_timeline, &TimelineViewModel::marksChanged, this, [this] { update(); });
+        connect(m_timeline, &TimelineViewModel::marksChanged, this, [this] {
+            if (m_layer != Playhead) { // which is moved, not painted
+                update();
+            }
+        });
         connect(m_timeline, &QObject::destroyed, this, [this] { m_timeline = nullptr; });
     }
     update();
@@ -74,6 +78,10 @@ void TimelineQuickItem::paint(QPainter* painter) {
         return;
     }
     painter->setRenderHint(QPainter::Antialiasing);
+    if (m_layer == Playhead) {
+        paintPlayhead(*painter);
+        return;
+    }
     painter->translate(Geometry::kLanePadding, 0);
     const auto& keyframes = m_timeline->model().keyframes;
     if (m_layer == Ground) {
@@ -232,6 +240,20 @@ void TimelineQuickItem::paintCurvePoints(QPainter& painter, const ZoomKeyframe& 
         const Point middle = TimelineMarks::curvePoint(m_timeline->model().geometry, point, kLower);
         painter.drawEllipse(QPointF(middle.x, middle.y), kRadius, kRadius);
     }
+}
+
+void TimelineQuickItem::paintPlayhead(QPainter& painter) const {
+    constexpr double kLine = 1.5;
+    constexpr double kTriangleWidth = 10;
+    constexpr double kTriangleHeight = 6;
+    const double middle = width() / 2;
+    painter.fillRect(QRectF(middle - kLine / 2, kUpperTop, kLine, kUpper + kLower), m_accent);
+    const QPolygonF triangle({{middle - kTriangleWidth / 2, kUpperTop},
+                              {middle + kTriangleWidth / 2, kUpperTop},
+                              {middle, kUpperTop + kTriangleHeight}});
+    painter.setPen(Qt::NoPen);
+    painter.setBrush(m_accent);
+    painter.drawPolygon(triangle);
 }
 
 void TimelineQuickItem::paintTrimHandle(QPainter& painter, double x, bool isDragged,

@@ -26,9 +26,10 @@ class TimelineQuickItem : public QQuickPaintedItem {
 
 public:
     enum Layer {
-        Ground,  ///< Ruler, what the trim leaves out, cuts, curves.
-        Marks,   ///< Keyframes and curve points.
-        Handles, ///< The trim's handles.
+        Ground,   ///< Ruler, what the trim leaves out, cuts, curves.
+        Marks,    ///< Keyframes and curve points.
+        Playhead, ///< The playhead alone, at the middle of its own width.
+        Handles,  ///< The trim's handles.
     };
     Q_ENUM(Layer)
 
@@ -52,6 +53,7 @@ private:
     void paintEdge(QPainter& painter, double x, bool isDragged) const;
     void paintCurve(QPainter& painter, const ZoomKeyframe& keyframe) const;
     void paintCurvePoints(QPainter& painter, const ZoomKeyframe& keyframe) const;
+    void paintPlayhead(QPainter& painter) const;
     void paintTrimHandle(QPainter& painter, double x, bool isDragged, bool isTrimmed) const;
 
     TimelineViewModel* m_timeline = nullptr;

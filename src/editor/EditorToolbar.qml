@@ -1,0 +1,60 @@
+import QtQuick
+import QtQuick.Layouts
+import Tavi.Ui
+
+/// The bar over the editor: the way back, playback, cuts and the two actions.
+Rectangle {
+    id: bar
+
+    required property QtObject appViewModel
+    required property QtObject screen
+    readonly property QtObject editor: screen.editor
+
+    implicitHeight: Theme.headerHeight
+    color: AppPalette.surface
+
+    RowLayout {
+        anchors.fill: parent
+        anchors.leftMargin: 12
+        anchors.rightMargin: 12
+        spacing: 4
+
+        BackButton {
+            text: qsTr("Library")
+            onClicked: bar.appViewModel.leaveEditor()
+        }
+        IconButton {
+            symbol: "gearshape"
+            hint: qsTr("Settings")
+            onClicked: bar.appViewModel.showSettings = true
+        }
+        CanvasSwitch {
+            Layout.leftMargin: 8
+            screen: bar.screen
+        }
+        Item { Layout.fillWidth: true }
+        TransportButtons {
+            screen: bar.screen
+        }
+        Item { Layout.fillWidth: true }
+        CutButtons {
+            screen: bar.screen
+        }
+        AccentButton {
+            Layout.leftMargin: 4
+            symbol: "plus"
+            text: qsTr("Keyframe")
+            onClicked: bar.editor.addKeyframe()
+        }
+        ExportButton {
+            Layout.leftMargin: 4
+            enabled: bar.screen.exportState !== "exporting"
+            onClicked: bar.screen.startExport()
+        }
+    }
+    Rule {
+        anchors.left: parent.left
+        anchors.right: parent.right
+        anchors.bottom: parent.bottom
+    }
+}

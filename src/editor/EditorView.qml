@@ -1,0 +1,71 @@
+import QtQuick
+import Tavi.Editor
+import Tavi.Ui
+
+/// An open take: toolbar, canvas over timeline, and the inspector.
+Rectangle {
+    id: view
+
+    required property QtObject appViewModel
+    required property QtObject screen
+
+    color: AppPalette.background
+
+    Keys.onPressed: event => event.accepted = screen.editor.handleKey(event.key, event.modifiers)
+
+    EditorToolbar {
+        id: toolbar
+        width: parent.width
+        z: 1
+        appViewModel: view.appViewModel
+        screen: view.screen
+    }
+    Item {
+        id: left
+        anchors.top: toolbar.bottom
+        anchors.bottom: parent.bottom
+        anchors.left: parent.left
+        anchors.right: divider.left
+
+        EditorCanvas {
+            anchors.top: parent.top
+            anchors.left: parent.left
+            anchors.right: parent.right
+            anchors.bottom: rule.top
+            canvas: view.screen.canvas
+        }
+        Rule {
+            id: rule
+            anchors.left: parent.left
+            anchors.right: parent.right
+            anchors.bottom: timeline.top
+        }
+        TimelineView {
+            id: timeline
+            anchors.left: parent.left
+            anchors.right: parent.right
+            anchors.bottom: parent.bottom
+            timeline: view.screen.timeline
+        }
+        ExportOverlayView {
+            anchors.horizontalCenter: parent.horizontalCenter
+            anchors.bottom: parent.bottom
+            anchors.bottomMargin: 24
+            screen: view.screen
+        }
+    }
+    Rule {
+        id: divider
+        anchors.top: toolbar.bottom
+        anchors.bottom: parent.bottom
+        anchors.right: inspector.left
+    }
+    KeyframePropertiesView {
+        id: inspector
+        anchors.top: toolbar.bottom
+        anchors.bottom: parent.bottom
+        anchors.right: parent.right
+        width: 300
+        screen: view.screen
+    }
+}

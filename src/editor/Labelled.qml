@@ -1,0 +1,15 @@
+import QtQuick
+import Tavi.Ui
+
+/// A label over a control.
+Column {
+    required property string label
+
+    spacing: 6
+
+    TextLabel {
+        text: parent.label
+        size: 11
+        color: AppPalette.secondaryText
+    }
+}
