@@ -28,4 +28,6 @@ function(tavi_qml folder)
     QML_FILES ${files}
     SOURCES ${ARG_SOURCES})
   target_link_libraries(${name} PUBLIC Qt6::Quick ${ARG_DEPS})
+  # What registers the types names their headers without a folder.
+  target_include_directories(${name} PRIVATE ${CMAKE_SOURCE_DIR}/src/${folder})
 endfunction()

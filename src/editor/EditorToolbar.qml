@@ -9,6 +9,8 @@ Rectangle {
     required property QtObject appViewModel
     required property QtObject screen
     readonly property QtObject editor: screen.editor
+    /// Too narrow for the words of all buttons.
+    readonly property bool isNarrow: width < 950
 
     implicitHeight: Theme.headerHeight
     color: AppPalette.surface
@@ -20,7 +22,8 @@ Rectangle {
         spacing: 4
 
         BackButton {
-            text: qsTr("Library")
+            text: bar.isNarrow ? "" : qsTr("Library")
+            hint: bar.isNarrow ? qsTr("Library") : ""
             onClicked: bar.appViewModel.leaveEditor()
         }
         IconButton {
@@ -30,6 +33,7 @@ Rectangle {
         }
         CanvasSwitch {
             Layout.leftMargin: 8
+            Layout.fillWidth: false
             screen: bar.screen
         }
         Item { Layout.fillWidth: true }
@@ -43,11 +47,14 @@ Rectangle {
         AccentButton {
             Layout.leftMargin: 4
             symbol: "plus"
-            text: qsTr("Keyframe")
+            text: bar.isNarrow ? "" : qsTr("Keyframe")
+            hint: bar.isNarrow ? qsTr("Keyframe") : ""
             onClicked: bar.editor.addKeyframe()
         }
         ExportButton {
             Layout.leftMargin: 4
+            text: bar.isNarrow ? "" : qsTr("Export")
+            hint: bar.isNarrow ? qsTr("Export") : ""
             enabled: bar.screen.exportState !== "exporting"
             onClicked: bar.screen.startExport()
         }

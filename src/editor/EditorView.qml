@@ -8,6 +8,7 @@ Rectangle {
 
     required property QtObject appViewModel
     required property QtObject screen
+    property alias selectedTab: inspector.selectedTab
 
     color: AppPalette.background
 

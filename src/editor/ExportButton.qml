@@ -7,7 +7,6 @@ ButtonBase {
 
     symbol: "square.and.arrow.up"
     symbolSize: 11
-    text: qsTr("Export")
     textSize: 12
     textWeight: Font.DemiBold
     foreground: AppPalette.background

@@ -6,6 +6,8 @@
 #include <QPainter>
 #include <QPainterPath>
 
+void qml_register_types_Tavi_Editor(); // made by the build
+
 namespace tavi {
 
 namespace {
@@ -269,6 +271,10 @@ void TimelineQuickItem::paintTrimHandle(QPainter& painter, double x, bool isDrag
         painter.fillRect(QRectF(x - kDot / 2, kUpper / 2 - kDot / 2 + i * kDotStep, kDot, kDot),
                          dots);
     }
+}
+
+void registerEditorItems() {
+    qml_register_types_Tavi_Editor();
 }
 
 } // namespace tavi

@@ -16,7 +16,7 @@ class TimelineQuickItem : public QQuickPaintedItem {
     QML_NAMED_ELEMENT(TimelineLayer)
     Q_PROPERTY(
         tavi::TimelineViewModel* timeline READ timeline WRITE setTimeline NOTIFY timelineChanged)
-    Q_PROPERTY(Layer layer MEMBER m_layer NOTIFY lookChanged)
+    Q_PROPERTY(Layer part MEMBER m_layer NOTIFY lookChanged)
     Q_PROPERTY(QColor background MEMBER m_background NOTIFY lookChanged)
     Q_PROPERTY(QColor surface MEMBER m_surface NOTIFY lookChanged)
     Q_PROPERTY(QColor accent MEMBER m_accent NOTIFY lookChanged)
@@ -65,5 +65,8 @@ private:
     QColor m_secondaryText;
     QString m_family;
 };
+
+/// Makes the items of this folder known to QML; once, before the first engine loads its screens.
+void registerEditorItems();
 
 } // namespace tavi

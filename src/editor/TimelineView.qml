@@ -39,7 +39,7 @@ Rectangle {
 
     TimelineMarks {
         timeline: view.timeline
-        layer: TimelineLayer.Ground
+        part: TimelineLayer.Ground
     }
     Rectangle { // what has been played
         visible: view.timeline.hasContent
@@ -51,7 +51,7 @@ Rectangle {
     }
     TimelineMarks {
         timeline: view.timeline
-        layer: TimelineLayer.Marks
+        part: TimelineLayer.Marks
     }
     Rectangle { // under the pointer
         visible: pointer.containsMouse && pointer.isOnLane && view.timeline.hasContent
@@ -63,7 +63,7 @@ Rectangle {
     }
     TimelineMarks {
         timeline: view.timeline
-        layer: TimelineLayer.Playhead
+        part: TimelineLayer.Playhead
         anchors.fill: undefined
         x: view.padding + view.timeline.playheadX - width / 2
         width: 12
@@ -71,7 +71,7 @@ Rectangle {
     }
     TimelineMarks {
         timeline: view.timeline
-        layer: TimelineLayer.Handles
+        part: TimelineLayer.Handles
     }
     TimelinePointer {
         id: pointer

@@ -10,15 +10,6 @@ OpenEditor::OpenEditor() : folder(library / "Recording_2024-05-06_07-08-09") {
     clock.setHostTime(100);
 }
 
-Asset OpenEditor::asset(double seconds, std::optional<Size> size) {
-    Asset made;
-    made.duration = MediaTime::fromSeconds(seconds, MediaTime::kNanoseconds);
-    if (size) {
-        made.videoTracks.push_back({0, *size, made.duration});
-    }
-    return made;
-}
-
 void OpenEditor::writeFile(const char* name, const std::string& text) const {
     std::ofstream(folder / name) << text;
 }

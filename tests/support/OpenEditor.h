@@ -1,6 +1,7 @@
 #pragma once
 
 #include "editor/EditorViewModel.h"
+#include "fakes/FakeAssets.h"
 #include "fakes/FakeClock.h"
 #include "fakes/FakeExecutor.h"
 #include "fakes/FakePlayer.h"
@@ -18,38 +19,11 @@ namespace tavi::test {
 /// A library with one take whose videos have the length and size that the test says.
 class OpenEditor : public testing::Test {
 protected:
-    /// A media stack that knows assets by their file's name.
-    class Assets final : public MediaLibrary {
-    public:
-        Result<Asset, MediaError> openAsset(const std::filesystem::path& path) override {
-            const auto found = known.find(path.filename().string());
-            if (found == known.end()) {
-                return fail(MediaError{MediaError::Kind::notFound, path.string(), ""});
-            }
-            Asset asset = found->second;
-            asset.path = path;
-            return asset;
-        }
-        Result<std::unique_ptr<VideoReader>, MediaError>
-        makeVideoReader(const Asset&, const VideoTrack&, MediaTimeRange) override {
-            return fail(MediaError{});
-        }
-        Result<std::unique_ptr<AudioReader>, MediaError>
-        makeAudioReader(const Asset&, const AudioTrack&) override {
-            return fail(MediaError{});
-        }
-        Result<std::unique_ptr<AssetWriter>, MediaError> makeWriter(const std::filesystem::path&,
-                                                                    FileType) override {
-            return fail(MediaError{});
-        }
-
-        std::map<std::string, Asset> known;
-    };
-
     OpenEditor();
 
-    /// An asset with one video track, or none.
-    static Asset asset(double seconds, std::optional<Size> size);
+    static Asset asset(double seconds, std::optional<Size> size) {
+        return FakeAssets::asset(seconds, size);
+    }
 
     void writeFile(const char* name, const std::string& text) const;
     void writeProject(const EditProject& project) const;
@@ -76,7 +50,7 @@ protected:
     std::filesystem::path folder;
     CallLog log;
     FakePlayers players{log};
-    Assets media;
+    FakeAssets media;
     FakeClock clock;
     FakeExecutor main;
     FakeExecutor background;

@@ -1,6 +1,8 @@
 #include "Scene.h"
 
+#include "TestEditor.h"
 #include "TestPictures.h"
+#include "editor/TimelineQuickItem.h"
 #include "ui/QuickSetup.h"
 
 #include <QDir>
@@ -67,8 +69,11 @@ Scene::Scene(const QString& file) : m_view(std::make_unique<QQuickView>()) {
                      });
     m_view->engine()->setOutputWarningsToStandardError(false);
     setUpEngine(*m_view->engine());
+    registerEditorItems();
     m_view->rootContext()->setContextProperty(QStringLiteral("testPictures"),
                                               new TestPictures(m_view.get()));
+    m_view->rootContext()->setContextProperty(QStringLiteral("testEditor"),
+                                              new TestEditor(m_view.get()));
     holdStill(*m_view->engine());
     m_view->setColor(QColor::fromRgbF(0.067F, 0.067F, 0.075F));
     m_view->setResizeMode(QQuickView::SizeRootObjectToView);

@@ -1,0 +1,6 @@
+import QtQuick
+import "../fakes"
+
+EditorScene {
+    selectedTab: 1
+}

@@ -1,0 +1,6 @@
+import QtQuick
+import "../fakes"
+
+EditorScene {
+    Component.onCompleted: testEditor.moveTo(12)
+}
