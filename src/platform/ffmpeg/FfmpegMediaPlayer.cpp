@@ -110,8 +110,9 @@ void FfmpegMediaPlayer::seek(MediaTime time) {
 void FfmpegMediaPlayer::setRate(double rate, MediaTime time, MediaTime hostTime) {
     const MediaTime from = m_timeline.limited(time);
     const bool isMoving = rate > 0 && std::isfinite(rate);
-    const bool isJump = from != currentTime();
-    setClock(isMoving ? PlayerClock{rate, from, hostTime} : PlayerClock::standing(from), isJump);
+    const PlayerClock clock =
+        isMoving ? PlayerClock{rate, from, hostTime} : PlayerClock::standing(from);
+    setClock(clock, m_timeline.limited(clock.at(hostNow())) != currentTime());
 }
 
 void FfmpegMediaPlayer::pause() {
