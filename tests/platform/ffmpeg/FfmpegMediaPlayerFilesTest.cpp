@@ -164,8 +164,8 @@ INSTANTIATE_TEST_SUITE_P(
 TEST_F(PlayerFiles, turnsPicturesAsTheyAreTagged) {
     const fs::path upright =
         generated("upright.mov", numberedSource(30, 1) + " -pix_fmt yuv420p -c:v libx264 -bf 0");
-    const fs::path turned = generated("turned.mov", "-display_rotation 90 -i '" + upright.string() +
-                                                        "' -c copy -f mov");
+    const fs::path turned =
+        generated("turned.mov", "-i '" + upright.string() + "' -c copy -metadata:s:v:0 rotate=90");
     open(turned);
     player().seek({9, 10});
     ASSERT_TRUE(main.runUntil([this] { return player().currentPicture() != nullptr; }));

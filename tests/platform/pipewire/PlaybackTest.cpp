@@ -1,0 +1,185 @@
+#include "cli/RunTavi.h"
+#include "platform/ffmpeg/FfmpegMediaPlayers.h"
+#include "platform/pipewire/DeviceCapture.h"
+#include "platform/pipewire/FakeSpeaker.h"
+#include "platform/pipewire/PipeWireSoundOutputs.h"
+#include "platform/pipewire/PipeWireTestServer.h"
+#include "support/MainQueue.h"
+#include "support/TemporaryFolder.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+
+namespace tavi::test {
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr double kInStep = 0.02; ///< What nobody notices between sound and picture, in seconds.
+
+MediaTime hostTime() {
+    return MediaTime::fromNanoseconds(hostNanoseconds());
+}
+
+/// A film of six seconds that is white for the first tenth of each second, while a tone is heard.
+fs::path flashingFilm() {
+    static const TemporaryFolder folder;
+    const fs::path film = folder / "flashing.mov";
+    if (!fs::exists(film)) {
+        const Outcome made = runShell(
+            "timeout 60 ffmpeg -nostdin -v error -y -f lavfi -i \"color=black:s=64x48:r=50:d=6,"
+            "format=yuv420p,geq=lum='if(lt(mod(N,50),5),235,16)':cb=128:cr=128\" -f lavfi -i "
+            "\"aevalsrc=0.5*sin(2*PI*1000*t)*lt(mod(t\\,1)\\,0.1):s=44100:d=6\" -c:v libx264 -g 25 "
+            "-c:a aac -b:a 128k '" +
+            film.string() + "'");
+        EXPECT_EQ(made.status, 0) << made.err;
+    }
+    return film;
+}
+
+class Playback : public testing::Test {
+protected:
+    std::unique_ptr<MediaPlayer> open() {
+        auto player = players.makePlayer({flashingFilm(), {}});
+        EXPECT_TRUE(main.runUntil([&] { return player->currentPicture() != nullptr; }));
+        return player;
+    }
+
+    bool isWhite(const MediaPlayer& player) const {
+        const PixelBufferPtr picture = player.currentPicture();
+        return picture && picture->row(10)[40] > 128;
+    }
+
+    PipeWireTestServer server;
+    MainQueue main;
+    PipeWireSoundOutputs sound;
+    FfmpegMediaPlayers players{main, nullptr, sound};
+};
+
+TEST_F(Playback, soundIsInStepWithPictures) {
+    FakeSpeaker speaker("speaker");
+    const auto player = open();
+    std::vector<double> flashes;
+    player->setPictureObserver([&] {
+        if (isWhite(*player) && (flashes.empty() || flashes.back() < hostTime().seconds() - 0.5)) {
+            flashes.push_back(hostTime().seconds());
+        }
+    });
+    const MediaTime tick = hostTime() + MediaTime{1, 2};
+    player->setRate(1, {1, 2}, tick);
+    ASSERT_TRUE(main.runUntil([&] { return player->currentTime() >= MediaTime(26, 5); }));
+    player->pause();
+    const std::vector<double> heard = speaker.onsets(0.5);
+    ASSERT_EQ(heard.size(), 5u);
+    int inStep = 0;
+    for (std::size_t n = 0; n < heard.size(); ++n) {
+        const double due = tick.seconds() + 0.5 + static_cast<double>(n);
+        inStep += std::abs(heard[n] - due) < kInStep;
+    }
+    EXPECT_GE(inStep, 4) << "a busy machine may lose a portion";
+    ASSERT_EQ(flashes.size(), 5u);
+    double nearest = 1;
+    for (std::size_t n = 0; n < flashes.size(); ++n) {
+        nearest = std::min(nearest, std::abs(flashes[n] - heard[n]));
+    }
+    EXPECT_LT(nearest, kInStep) << "a busy machine may show some late";
+}
+
+TEST_F(Playback, soundBeginsAtTheTick) {
+    FakeSpeaker speaker("speaker");
+    const auto player = open();
+    for (int round = 0; round < 3; ++round) {
+        const MediaTime tick = hostTime() + MediaTime{3, 10};
+        player->setRate(1, {2, 1}, tick);
+        ASSERT_TRUE(main.runUntil([&] { return hostTime() > tick + MediaTime(1, 4); }));
+        player->pause();
+        const auto heard = speaker.onsets(0.15);
+        ASSERT_EQ(heard.size(), static_cast<std::size_t>(round) + 1);
+        EXPECT_NEAR(heard.back(), tick.seconds(), kInStep);
+        EXPECT_EQ(speaker.loudest(tick.seconds() - 0.2, tick.seconds() - kInStep), 0);
+    }
+}
+
+TEST_F(Playback, soundFollowsSeeks) {
+    FakeSpeaker speaker("speaker");
+    const auto player = open();
+    player->setRate(1, {0, 1}, hostTime() + MediaTime{1, 5});
+    ASSERT_TRUE(main.runUntil([&] { return player->currentTime() > MediaTime(3, 10); }));
+    player->seek({38, 10});
+    const double host = hostTime().seconds();
+    const double item = player->currentTime().seconds();
+    ASSERT_TRUE(main.runUntil([&] { return player->currentTime() > MediaTime(42, 10); }));
+    const auto heard = speaker.onsets(0.15);
+    ASSERT_EQ(heard.size(), 2u);
+    // It plays on from the seek's target after a moment, and the tone comes at 4 s.
+    EXPECT_GE(heard.back(), host + 4 - item - kInStep);
+    const double now = hostTime().seconds() - player->currentTime().seconds();
+    EXPECT_NEAR(heard.back(), now + 4, kInStep);
+}
+
+TEST_F(Playback, isSilentWhileItStandsAndAtOtherRates) {
+    FakeSpeaker speaker("speaker");
+    const auto player = open();
+    player->seek({2, 1});
+    main.runFor(0.3);
+    player->setRate(2, {2, 1}, hostTime());
+    ASSERT_TRUE(main.runUntil([&] { return player->currentTime() > MediaTime(42, 10); }));
+    player->pause();
+    main.runFor(0.3);
+    EXPECT_TRUE(speaker.onsets(0.1).empty());
+}
+
+TEST_F(Playback, aSpeakerThatComesLaterIsHeard) {
+    const auto player = open();
+    player->setRate(1, {0, 1}, hostTime());
+    main.runFor(0.2);
+    FakeSpeaker speaker("late");
+    EXPECT_TRUE(main.runUntil([&] {
+        if (player->currentTime() > MediaTime(5, 1)) {
+            player->seek({0, 1});
+        }
+        return speaker.onsets(0.3).size() >= 2;
+    }));
+    const auto heard = speaker.onsets(0.3);
+    const double zero = hostTime().seconds() - player->currentTime().seconds();
+    const double place = heard.back() - zero;
+    EXPECT_NEAR(place, std::round(place), kInStep) << "in its place all the same";
+}
+
+TEST_F(Playback, outlivesTheDaemon) {
+    std::unique_ptr<FakeSpeaker> speaker = std::make_unique<FakeSpeaker>("first");
+    const auto player = open();
+    player->setRate(1, {0, 1}, hostTime());
+    ASSERT_TRUE(main.runUntil([&] { return !speaker->onsets(0.3).empty(); }));
+    speaker.reset();
+    server.die();
+    ASSERT_TRUE(main.runUntil([&] { return player->currentTime() > MediaTime(2, 1); }))
+        << "pictures go on";
+    server.start();
+    speaker = std::make_unique<FakeSpeaker>("second");
+    EXPECT_TRUE(main.runUntil([&] {
+        if (player->currentTime() > MediaTime(5, 1)) {
+            player->seek({0, 1});
+        }
+        return speaker->onsets(0.3).size() >= 2;
+    }));
+}
+
+TEST(PlaybackAlone, playsInTimeWithoutPipeWire) {
+    const NoPipeWire nothing;
+    MainQueue main;
+    PipeWireSoundOutputs sound;
+    FfmpegMediaPlayers players(main, nullptr, sound);
+    const auto player = players.makePlayer({flashingFilm(), {}});
+    bool isAtEnd = false;
+    player->setEndObserver([&] { isAtEnd = true; });
+    ASSERT_TRUE(main.runUntil([&] { return player->currentPicture() != nullptr; }));
+    const MediaTime tick = hostTime();
+    player->setRate(1, {5, 1}, tick);
+    EXPECT_TRUE(main.runUntil([&] { return isAtEnd; }));
+    EXPECT_GE(hostTime() - tick, (MediaTime{1, 1}));
+}
+
+} // namespace
+} // namespace tavi::test
