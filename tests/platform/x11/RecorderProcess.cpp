@@ -22,10 +22,11 @@ bool eventuallyOf(const std::function<bool()>& condition) {
 
 } // namespace
 
-RecorderProcess::RecorderProcess(const std::string& server, std::vector<std::string> arguments)
+RecorderProcess::RecorderProcess(const std::string& server, std::vector<std::string> arguments,
+                                 int messages)
     : m_pid(fork()) {
     if (m_pid == 0) {
-        becomeRecorder(server, std::move(arguments));
+        becomeRecorder(server, std::move(arguments), messages);
     }
 }
 
@@ -36,8 +37,8 @@ RecorderProcess::~RecorderProcess() {
     }
 }
 
-void RecorderProcess::becomeRecorder(const std::string& server,
-                                     std::vector<std::string> arguments) const {
+void RecorderProcess::becomeRecorder(const std::string& server, std::vector<std::string> arguments,
+                                     int messages) const {
     arguments.insert(arguments.begin(), {kProgram, "record"});
     std::vector<char*> raw;
     for (auto& argument : arguments) {
@@ -47,9 +48,10 @@ void RecorderProcess::becomeRecorder(const std::string& server,
     setenv("DISPLAY", server.c_str(), 1);
     setenv("TAVI_DOCUMENTS_DIR", m_folder.path().c_str(), 1);
     setenv("XDG_RUNTIME_DIR", m_folder.path().c_str(), 1);
-    const bool isQuiet = std::freopen((m_folder / "out").c_str(), "w", stdout) != nullptr &&
-                         std::freopen((m_folder / "errors").c_str(), "w", stderr) != nullptr;
-    if (isQuiet) {
+    const bool isCaught = messages >= 0
+                              ? dup2(messages, STDERR_FILENO) >= 0
+                              : std::freopen((m_folder / "errors").c_str(), "w", stderr) != nullptr;
+    if (isCaught && std::freopen((m_folder / "out").c_str(), "w", stdout) != nullptr) {
         execv(kProgram, raw.data());
     }
     _exit(127);
@@ -89,7 +91,8 @@ int RecorderProcess::wait() {
 
 std::string RecorderProcess::run(const std::string& arguments, int& status) const {
     const auto out = m_folder / "command";
-    const std::string command = "TAVI_DOCUMENTS_DIR='" + m_folder.path().string() + "' " +
+    const std::string folder = "'" + m_folder.path().string() + "' ";
+    const std::string command = "TAVI_DOCUMENTS_DIR=" + folder + "XDG_RUNTIME_DIR=" + folder +
                                 kProgram + " " + arguments + " >'" + out.string() + "' 2>&1";
     const int raw = std::system(command.c_str());
     status = WIFEXITED(raw) ? WEXITSTATUS(raw) : -1;

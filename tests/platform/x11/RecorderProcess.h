@@ -13,8 +13,10 @@ namespace tavi::test {
 /// Killed with the object.
 class RecorderProcess {
 public:
-    /// `server` is the name of a display; `arguments` follow "record".
-    explicit RecorderProcess(const std::string& server, std::vector<std::string> arguments = {});
+    /// `server` is the name of a display; `arguments` follow "record". Messages go to the
+    /// descriptor `messages`, to a file of its own where that is negative.
+    explicit RecorderProcess(const std::string& server, std::vector<std::string> arguments = {},
+                             int messages = -1);
     ~RecorderProcess();
     RecorderProcess(const RecorderProcess&) = delete;
     RecorderProcess& operator=(const RecorderProcess&) = delete;
@@ -43,8 +45,8 @@ public:
     std::filesystem::path library() const { return m_folder / "Tavlin"; }
 
 private:
-    [[noreturn]] void becomeRecorder(const std::string& server,
-                                     std::vector<std::string> arguments) const;
+    [[noreturn]] void becomeRecorder(const std::string& server, std::vector<std::string> arguments,
+                                     int messages) const;
 
     const TemporaryFolder m_folder;
     pid_t m_pid = 0;
