@@ -82,6 +82,9 @@ void AppViewModel::sceneBecameActive() {
 
 void AppViewModel::setCurrentMode(AppMode mode) {
     if (m_currentMode != mode) {
+        if (mode == AppMode::recording()) {
+            emit recordingScreenWillOpen();
+        }
         m_currentMode = std::move(mode);
         emit currentModeChanged();
     }

@@ -137,6 +137,8 @@ public:
     void setNoticeText(const QString& text) { setNotice(text.toStdString()); }
 
 signals:
+    /// Before the mode changes to recording, so that the screen finds its view model.
+    void recordingScreenWillOpen();
     void currentModeChanged();
     void recordingsChanged();
     void showSettingsChanged();

@@ -53,13 +53,28 @@ bool isComplete(const AppcastItem& item) {
            !item.edSignature.empty();
 }
 
+/// The next token; a document type is an error, since its entities could multiply without end.
+QXmlStreamReader::TokenType readToken(QXmlStreamReader& xml) {
+    const auto token = xml.readNext();
+    if (token == QXmlStreamReader::DTD) {
+        xml.raiseError(QStringLiteral("a document type is not allowed"));
+    }
+    return token;
+}
+
+void readRoot(QXmlStreamReader& xml) {
+    while (!xml.atEnd() && readToken(xml) != QXmlStreamReader::StartElement) {
+    }
+    if (!xml.hasError() && xml.name() != QLatin1String("rss")) {
+        xml.raiseError(QStringLiteral("it is no RSS document"));
+    }
+}
+
 std::vector<AppcastItem> readItems(QXmlStreamReader& xml) {
     std::vector<AppcastItem> items;
     while (!xml.atEnd() && items.size() < kMostAppcastItems) {
-        const auto token = xml.readNext();
-        if (token == QXmlStreamReader::DTD) {
-            xml.raiseError(QStringLiteral("a document type is not allowed"));
-        } else if (token == QXmlStreamReader::StartElement && xml.name() == QLatin1String("item")) {
+        if (readToken(xml) == QXmlStreamReader::StartElement &&
+            xml.name() == QLatin1String("item")) {
             auto item = readItem(xml);
             if (isComplete(item)) {
                 items.push_back(std::move(item));
@@ -90,11 +105,7 @@ std::string AppcastError::description() const {
 Result<std::vector<AppcastItem>, AppcastError> parseAppcast(std::string_view xml) {
     QXmlStreamReader reader(
         QByteArray::fromRawData(xml.data(), static_cast<qsizetype>(xml.size())));
-    if (!reader.readNextStartElement() || reader.name() != QLatin1String("rss")) {
-        const QString detail =
-            reader.hasError() ? reader.errorString() : QStringLiteral("it is no RSS document");
-        return fail(AppcastError{detail.toStdString()});
-    }
+    readRoot(reader);
     auto items = readItems(reader);
     if (reader.hasError()) {
         return fail(AppcastError{reader.errorString().toStdString() + " in line " +

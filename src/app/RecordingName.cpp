@@ -11,9 +11,9 @@ namespace {
 
 constexpr int kLongestName = 200; // characters as a reader counts them
 
-QString tr(const char* text) {
-    return QCoreApplication::translate("HomeView", text);
-}
+struct Texts {
+    Q_DECLARE_TR_FUNCTIONS(HomeView)
+};
 
 int characterCount(const QString& text) {
     QTextBoundaryFinder characters(QTextBoundaryFinder::Grapheme, text);
@@ -32,19 +32,19 @@ QString trimmedName(const QString& text) {
 
 QString problemWithName(const QString& name, const std::filesystem::path& folder) {
     if (name.isEmpty()) {
-        return tr("Name cannot be empty.");
+        return Texts::tr("Name cannot be empty.");
     }
     if (name.contains(u'/') || name.contains(u':')) {
-        return tr("Name cannot contain \"/\" or \":\" characters.");
+        return Texts::tr("Name cannot contain \"/\" or \":\" characters.");
     }
     if (name.startsWith(u'.')) {
-        return tr("Name cannot start with a dot.");
+        return Texts::tr("Name cannot start with a dot.");
     }
     if (characterCount(name) > kLongestName) {
-        return tr("Name is too long (max 200 characters).");
+        return Texts::tr("Name is too long (max 200 characters).");
     }
     if (isThere(folder.parent_path() / pathOf(name))) {
-        return tr("A recording with this name already exists.");
+        return Texts::tr("A recording with this name already exists.");
     }
     return {};
 }

@@ -26,9 +26,9 @@ constexpr std::array<Unit, 6> kUnits{{
     {QT_TRANSLATE_NOOP("ByteCount", "%1 EB"), 2},
 }};
 
-QString tr(const char* text) {
-    return QCoreApplication::translate("ByteCount", text);
-}
+struct Texts {
+    Q_DECLARE_TR_FUNCTIONS(ByteCount)
+};
 
 double rounded(double value, int digits) {
     const double scale = std::pow(10, digits);
@@ -64,13 +64,13 @@ std::int64_t totalSize(const fs::path& folder) {
 
 QString byteCountText(std::int64_t bytes, const QLocale& locale) {
     if (bytes == 0) {
-        return tr("Zero KB");
+        return Texts::tr("Zero KB");
     }
     if (bytes == 1) {
-        return tr("1 byte");
+        return Texts::tr("1 byte");
     }
     if (bytes < 1000) {
-        return tr("%1 bytes").arg(locale.toString(static_cast<qlonglong>(bytes)));
+        return Texts::tr("%1 bytes").arg(locale.toString(static_cast<qlonglong>(bytes)));
     }
     double value = static_cast<double>(bytes) / 1000;
     std::size_t unit = 0;
@@ -78,7 +78,7 @@ QString byteCountText(std::int64_t bytes, const QLocale& locale) {
         value /= 1000;
         ++unit;
     }
-    return tr(kUnits[unit].text).arg(number(value, kUnits[unit].digits, locale));
+    return Texts::tr(kUnits[unit].text).arg(number(value, kUnits[unit].digits, locale));
 }
 
 } // namespace tavi

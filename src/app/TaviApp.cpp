@@ -1,6 +1,7 @@
 #include "app/TaviApp.h"
 
 #include "app/NotificationItem.h"
+#include "app/OneRecorder.h"
 #include "app/PathText.h"
 
 #include <utility>
@@ -11,6 +12,7 @@ TaviApp::TaviApp(TaviAppPorts ports, const PackageConfiguration& package,
                  const ProgramVersion& version, const QLocale& locale)
     : m_makeRecording(std::move(ports.makeRecording)),
       m_inputMonitoring(ports.inputMonitoring),
+      m_lockFolder(std::move(ports.recorderLockFolder)),
       m_updaterController(std::move(ports.updater), package, version.version),
       m_settingsManager(ports.app.recordingsDirectory),
       m_appViewModel(ports.app),
@@ -20,8 +22,10 @@ TaviApp::TaviApp(TaviAppPorts ports, const PackageConfiguration& package,
       m_settingsViewModel({ports.app.workspace, ports.app.main, ports.app.background},
                           ports.app.recordingsDirectory, version, locale),
       m_thumbnails(ports.images, ports.app.main) {
-    connect(&m_appViewModel, &AppViewModel::currentModeChanged, this, &TaviApp::followMode,
-            Qt::DirectConnection);
+    connect(&m_appViewModel, &AppViewModel::recordingScreenWillOpen, this,
+            &TaviApp::openRecordingScreen);
+    connect(&m_appViewModel, &AppViewModel::currentModeChanged, this,
+            &TaviApp::closeRecordingScreen);
     connect(&m_appViewModel, &AppViewModel::recordingsChanged, &m_thumbnails,
             &TakeThumbnails::retryFailures);
     connect(&m_homeViewModel, &HomeViewModel::recordingGone, &m_thumbnails, &TakeThumbnails::drop);
@@ -34,11 +38,8 @@ TaviApp::TaviApp(TaviAppPorts ports, const PackageConfiguration& package,
 
 TaviApp::~TaviApp() = default;
 
-/// Connected before any view, so that a view model is there when its screen comes.
-void TaviApp::followMode() {
-    if (m_appViewModel.currentMode() == AppMode::recording()) {
-        openRecordingScreen();
-    } else if (m_recordingViewModel) {
+void TaviApp::closeRecordingScreen() {
+    if (m_recordingViewModel && m_appViewModel.currentMode() != AppMode::recording()) {
         // The screen goes with the mode, a moment from now; its view model behind it.
         m_appViewModel.setRecordingViewModel(nullptr);
         m_recordingViewModel.release()->deleteLater();
@@ -48,7 +49,16 @@ void TaviApp::followMode() {
 void TaviApp::openRecordingScreen() {
     m_recordingViewModel = m_makeRecording();
     RecordingViewModel* model = m_recordingViewModel.get();
+    if (model == nullptr) {
+        m_appViewModel.setNoticeText(tr("The pointer of this desktop can't be followed, so nothing "
+                                        "can be recorded here."));
+        QMetaObject::invokeMethod(
+            &m_appViewModel, [this] { m_appViewModel.leaveRecording(); }, Qt::QueuedConnection);
+        return;
+    }
     m_appViewModel.setRecordingViewModel(model);
+    new OneRecorder(*model, m_lockFolder,
+                    [this](const std::string& reason) { m_appViewModel.setNotice(reason); });
     connect(model, &RecordingViewModel::recordingStarted, this,
             [this, model] { m_appViewModel.beginRecording(*model); });
     connect(model, &RecordingViewModel::recordingStopped, this, [this](const QString& folder) {

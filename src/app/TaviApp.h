@@ -15,6 +15,7 @@
 #include <QLocale>
 #include <QObject>
 
+#include <filesystem>
 #include <functional>
 #include <memory>
 #include <optional>
@@ -25,12 +26,13 @@ namespace tavi {
 /// What the program stands on. All outlive it.
 struct TaviAppPorts {
     AppPorts app;
-    /// Makes the view model of one recording screen.
+    /// Makes the view model of one recording screen; null where nothing can be recorded.
     std::function<std::unique_ptr<RecordingViewModel>()> makeRecording;
     InputMonitoringService& inputMonitoring;
     ImageGenerator& images;
     UserDefaults& defaults;
     UpdaterController::Ports updater;
+    std::filesystem::path recorderLockFolder; ///< Empty: the user's own.
 };
 
 /// Everything that lives as long as the process, and the recording screen's view model, which
@@ -72,12 +74,13 @@ signals:
     void recordingViewModelChanged();
 
 private:
-    void followMode();
     void openRecordingScreen();
+    void closeRecordingScreen();
     void takeEndedByItself(const QString& folder);
 
     std::function<std::unique_ptr<RecordingViewModel>()> m_makeRecording;
     InputMonitoringService& m_inputMonitoring;
+    std::filesystem::path m_lockFolder;
     UpdaterController m_updaterController;
     SettingsManager m_settingsManager;
     AppViewModel m_appViewModel;

@@ -27,7 +27,7 @@ StopSignals::StopSignals() {
     struct sigaction action {};
     action.sa_handler = requestStop;
     action.sa_flags = SA_RESTART;
-    for (const int signal : {SIGINT, SIGTERM, SIGHUP}) {
+    for (const int signal : {SIGINT, SIGTERM, SIGHUP, SIGUSR1}) {
         sigaction(signal, &action, nullptr);
     }
 }

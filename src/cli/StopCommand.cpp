@@ -17,7 +17,8 @@ namespace {
 constexpr std::chrono::milliseconds kPollInterval(20);
 
 /// Asks the recorder to stop and waits until its take is saved. A recorder that
-/// dies lets its lock go as well, so the wait has an end.
+/// dies lets its lock go as well, so the wait has an end. SIGUSR1 ends a take, while SIGTERM also
+/// ends a program that can do more than record.
 int stop() {
     const auto folder = RecorderLock::folder();
     if (!folder) {
@@ -27,7 +28,7 @@ int stop() {
     if (!recorder) {
         return cli::failed("No recording is running.");
     }
-    if (kill(*recorder, SIGTERM) != 0) {
+    if (kill(*recorder, SIGUSR1) != 0) {
         return cli::failed("The running recorder can't be reached.");
     }
     while (RecorderLock::holder(*folder) == recorder) {

@@ -1,0 +1,120 @@
+#include "app/program/LiveSystem.h"
+
+#include "capture/HelperPath.h"
+#include "platform/x11/X11Compositor.h"
+#include "project/RecordingFolder.h"
+#include "render/YuvConverter.h"
+#include "ui/Icon.h"
+
+#include <QColor>
+#include <QPixmap>
+#include <QStandardPaths>
+
+#include <iostream>
+
+namespace tavi {
+
+namespace {
+
+const QColor kSystemRed(255, 59, 48);
+
+/// The application's package: beside an installed program, or in a build tree.
+std::filesystem::path packageFolder() {
+    const auto program = runningExecutableFolder();
+    const auto installed = (program / ".." / "lib" / "tavlin").lexically_normal();
+    std::error_code error;
+    return std::filesystem::is_directory(installed, error)
+               ? installed
+               : (program / ".." / "package").lexically_normal();
+}
+
+std::filesystem::path updatesFolder() {
+    const QString cache = QStandardPaths::writableLocation(QStandardPaths::GenericCacheLocation);
+    return std::filesystem::path(cache.toStdString()) / "tavlin" / "updates";
+}
+
+QIcon recordingIcon(const std::string& symbolName) {
+    QIcon icon;
+    for (const int pixels : {16, 22, 24, 32, 44, 48, 64}) {
+        icon.addPixmap(
+            QPixmap::fromImage(iconImage(QString::fromStdString(symbolName), pixels, kSystemRed)));
+    }
+    return icon;
+}
+
+} // namespace
+
+LiveSystem::LiveSystem(QQmlEngine& engine)
+    : m_packageFolder(packageFolder()),
+      m_package(readPackageConfiguration(m_packageFolder)),
+      m_workspace(m_packageFolder / "help"),
+      m_statusItems(recordingIcon),
+      m_panels(engine, [] { return isX11Composited(); }),
+      m_defaults(SettingsDefaults::standardFile()),
+      m_permission(m_content),
+      m_colours(std::make_shared<YuvConverter>()),
+      m_media(m_colours),
+      m_images(m_colours),
+      m_inputMonitoring({m_launcher, m_timers, m_main,
+                         [] { return helperExecutablePath(runningExecutableFolder()); },
+                         processExists,
+                         [this](const std::string& url) { m_workspace.openUrl(url); }}) {}
+
+TaviAppPorts LiveSystem::ports() {
+    return {{m_permission,
+             m_content,
+             m_windows,
+             m_workspace,
+             {m_statusItems, m_clock, m_timers},
+             m_clock,
+             m_timers,
+             m_main,
+             m_background,
+             recordingsDirectory()},
+            [this] { return makeRecording(); },
+            m_inputMonitoring,
+            m_images,
+            m_defaults,
+            {m_downloads, m_signatures, m_timers, m_main, m_background, updatesFolder()},
+            {}};
+}
+
+bool LiveSystem::openPointer() {
+    if (m_pointer && m_monitors) {
+        return true;
+    }
+    auto pointer = X11Pointer::open();
+    auto monitors = X11PointerMonitors::open();
+    if (!pointer || !monitors) {
+        std::cerr << (pointer ? monitors.error() : pointer.error()).description() << "\n";
+        return false;
+    }
+    m_pointer = std::move(*pointer);
+    m_monitors = std::move(*monitors);
+    return true;
+}
+
+std::unique_ptr<RecordingViewModel> LiveSystem::makeRecording() {
+    if (!openPointer()) {
+        return nullptr;
+    }
+    if (!m_devices) {
+        m_devices = std::make_unique<PipeWireDevices>(m_main);
+    }
+    return std::make_unique<RecordingViewModel>(RecordingViewModel::Ports{
+        m_content,
+        &m_screenshots,
+        m_devices.get(),
+        {m_streams,
+         m_media,
+         m_imageFiles,
+         {*m_monitors, *m_pointer, *m_pointer, m_launcher, m_clock, m_main, &m_inputMonitoring,
+          helperExecutablePath(runningExecutableFolder())},
+         &m_sessions},
+        {m_panels, m_frames, m_timers},
+        [] { return recordingsDirectory(); },
+        std::cout,
+        "tavlin"});
+}
+
+} // namespace tavi

@@ -1,0 +1,82 @@
+#pragma once
+
+#include "app/TaviApp.h"
+#include "base/QueueExecutor.h"
+#include "capture/PosixHelperLauncher.h"
+#include "platform/desktop/CountdownPanels.h"
+#include "platform/desktop/DesktopScreenPermission.h"
+#include "platform/desktop/DesktopWorkspace.h"
+#include "platform/desktop/HttpDownloads.h"
+#include "platform/desktop/OpenSslSignatures.h"
+#include "platform/desktop/QtApplicationWindows.h"
+#include "platform/desktop/SettingsDefaults.h"
+#include "platform/desktop/TrayStatusItems.h"
+#include "platform/ffmpeg/FfmpegImageFiles.h"
+#include "platform/ffmpeg/FfmpegImageGenerator.h"
+#include "platform/ffmpeg/FfmpegMediaLibrary.h"
+#include "platform/pipewire/PipeWireDevices.h"
+#include "platform/pipewire/PipeWireSessions.h"
+#include "platform/qt/QtExecutor.h"
+#include "platform/qt/QtTimers.h"
+#include "platform/x11/X11Pointer.h"
+#include "platform/x11/X11PointerMonitors.h"
+#include "platform/x11/X11ScreenStreams.h"
+#include "platform/x11/X11Screenshots.h"
+#include "platform/x11/X11ShareableContent.h"
+#include "platform/x11/X11SourceFrames.h"
+
+#include <filesystem>
+#include <memory>
+
+class QQmlEngine;
+
+namespace tavi {
+
+/// The running desktop behind every port of the application. Thread: main.
+class LiveSystem {
+public:
+    /// `engine` shows the windows that adapters make, and outlives this.
+    explicit LiveSystem(QQmlEngine& engine);
+
+    TaviAppPorts ports();
+    const PackageConfiguration& package() const { return m_package; }
+
+private:
+    std::unique_ptr<RecordingViewModel> makeRecording();
+    bool openPointer();
+
+    std::filesystem::path m_packageFolder;
+    PackageConfiguration m_package;
+    SystemClock m_clock;
+    QtExecutor m_main;
+    QtTimers m_timers;
+
+    DesktopWorkspace m_workspace;
+    QtApplicationWindows m_windows;
+    TrayStatusItems m_statusItems;
+    CountdownPanels m_panels;
+    SettingsDefaults m_defaults;
+    HttpDownloads m_downloads;
+    OpenSslSignatures m_signatures;
+
+    X11ShareableContent m_content;
+    DesktopScreenPermission m_permission;
+    X11Screenshots m_screenshots;
+    X11ScreenStreams m_streams;
+    X11SourceFrames m_frames;
+    std::unique_ptr<X11Pointer> m_pointer;          ///< Opened for the first recording screen.
+    std::unique_ptr<X11PointerMonitors> m_monitors; ///< Likewise.
+
+    std::shared_ptr<const ColorConverter> m_colours;
+    FfmpegMediaLibrary m_media;
+    FfmpegImageFiles m_imageFiles;
+    FfmpegImageGenerator m_images;
+    std::unique_ptr<PipeWireDevices> m_devices; ///< Made for the first recording screen.
+    PipeWireSessions m_sessions;
+    PosixHelperLauncher m_launcher;
+    InputMonitoringService m_inputMonitoring;
+
+    QueueExecutor m_background{"com.tavi.app"}; ///< Goes first: its blocks look at the rest.
+};
+
+} // namespace tavi

@@ -1,0 +1,30 @@
+#include "platform/x11/X11Compositor.h"
+
+#include "platform/x11/XConnection.h"
+
+#include <string_view>
+
+namespace tavi {
+
+namespace {
+
+constexpr std::string_view kSelection = "_NET_WM_CM_S0"; // owned by the first screen's compositor
+
+} // namespace
+
+bool isX11Composited(const std::string& displayName) {
+    const auto x = XConnection::open(displayName);
+    if (!x) {
+        return false;
+    }
+    const XOwned<xcb_intern_atom_reply_t> atom(xcb_intern_atom_reply(
+        x->get(), xcb_intern_atom(x->get(), 1, kSelection.size(), kSelection.data()), nullptr));
+    if (!atom || atom->atom == XCB_ATOM_NONE) {
+        return false;
+    }
+    const XOwned<xcb_get_selection_owner_reply_t> owner(xcb_get_selection_owner_reply(
+        x->get(), xcb_get_selection_owner(x->get(), atom->atom), nullptr));
+    return owner && owner->owner != XCB_NONE;
+}
+
+} // namespace tavi

@@ -1,0 +1,584 @@
+<?xml version="1.0" encoding="utf-8"?>
+<!DOCTYPE TS>
+<TS version="2.1" language="de_DE">
+<context>
+    <name>ByteCount</name>
+    <message>
+        <source>%1 KB</source>
+        <translation>%1 KB</translation>
+    </message>
+    <message>
+        <source>%1 MB</source>
+        <translation>%1 MB</translation>
+    </message>
+    <message>
+        <source>%1 GB</source>
+        <translation>%1 GB</translation>
+    </message>
+    <message>
+        <source>%1 TB</source>
+        <translation>%1 TB</translation>
+    </message>
+    <message>
+        <source>%1 PB</source>
+        <translation>%1 PB</translation>
+    </message>
+    <message>
+        <source>%1 EB</source>
+        <translation>%1 EB</translation>
+    </message>
+    <message>
+        <source>Zero KB</source>
+        <translation>0 KB</translation>
+    </message>
+    <message>
+        <source>1 byte</source>
+        <translation>1 Byte</translation>
+    </message>
+    <message>
+        <source>%1 bytes</source>
+        <translation>%1 Byte</translation>
+    </message>
+</context>
+<context>
+    <name>ContentView</name>
+    <message>
+        <source>Tavlin</source>
+        <translation>Tavlin</translation>
+    </message>
+    <message>
+        <source>OK</source>
+        <translation>OK</translation>
+    </message>
+</context>
+<context>
+    <name>CountdownOverlayView</name>
+    <message>
+        <source>Get ready...</source>
+        <translation>Gleich geht’s los …</translation>
+    </message>
+</context>
+<context>
+    <name>CountingDown</name>
+    <message>
+        <source>Starting in %1</source>
+        <translation>Start in %1</translation>
+    </message>
+    <message>
+        <source>Get ready</source>
+        <translation>Gleich geht’s los</translation>
+    </message>
+    <message>
+        <source>Cancel</source>
+        <translation>Abbrechen</translation>
+    </message>
+</context>
+<context>
+    <name>DeviceControl</name>
+    <message>
+        <source>Choose: %1</source>
+        <translation>Auswählen: %1</translation>
+    </message>
+</context>
+<context>
+    <name>DevicePicker</name>
+    <message>
+        <source>None is connected.</source>
+        <translation>Keins ist angeschlossen.</translation>
+    </message>
+</context>
+<context>
+    <name>EditorPlaceholder</name>
+    <message>
+        <source>Library</source>
+        <translation>Bibliothek</translation>
+    </message>
+    <message>
+        <source>Settings</source>
+        <translation>Einstellungen</translation>
+    </message>
+    <message>
+        <source>This recording is saved.</source>
+        <translation>Diese Aufnahme ist gespeichert.</translation>
+    </message>
+    <message>
+        <source>This version has no editor yet. Zoom and export the recording in a terminal:</source>
+        <translation>Diese Version hat noch keinen Editor. Zoom und Export der Aufnahme gehen im Terminal:</translation>
+    </message>
+    <message>
+        <source>Commands</source>
+        <translation>Befehle</translation>
+    </message>
+    <message>
+        <source>Show in Finder</source>
+        <translation>In Dateien anzeigen</translation>
+    </message>
+</context>
+<context>
+    <name>EmptyLibrary</name>
+    <message>
+        <source>No Recordings</source>
+        <translation>Keine Aufnahmen</translation>
+    </message>
+    <message>
+        <source>Start a new recording to get going.</source>
+        <translation>Beginnen Sie mit einer neuen Aufnahme.</translation>
+    </message>
+</context>
+<context>
+    <name>HomeView</name>
+    <message>
+        <source>Library</source>
+        <translation>Bibliothek</translation>
+    </message>
+    <message>
+        <source>Settings</source>
+        <translation>Einstellungen</translation>
+    </message>
+    <message>
+        <source>Name cannot be empty.</source>
+        <translation>Der Name darf nicht leer sein.</translation>
+    </message>
+    <message>
+        <source>Name cannot contain &quot;/&quot; or &quot;:&quot; characters.</source>
+        <translation>Der Name darf weder „/“ noch „:“ enthalten.</translation>
+    </message>
+    <message>
+        <source>Name cannot start with a dot.</source>
+        <translation>Der Name darf nicht mit einem Punkt beginnen.</translation>
+    </message>
+    <message>
+        <source>Name is too long (max 200 characters).</source>
+        <translation>Der Name ist zu lang (höchstens 200 Zeichen).</translation>
+    </message>
+    <message>
+        <source>A recording with this name already exists.</source>
+        <translation>Eine Aufnahme mit diesem Namen gibt es schon.</translation>
+    </message>
+    <message>
+        <source>MMM d, yyyy</source>
+        <extracomment>The date on a recording&apos;s card, in Qt&apos;s letters for the parts of a date.</extracomment>
+        <translation>d. MMM yyyy</translation>
+    </message>
+    <message>
+        <source>%1, %2</source>
+        <extracomment>A recording&apos;s date and time.</extracomment>
+        <translation>%1, %2</translation>
+    </message>
+</context>
+<context>
+    <name>KeystrokeRow</name>
+    <message>
+        <source>Keystroke capture enabled</source>
+        <translation>Tasten werden aufgenommen</translation>
+    </message>
+    <message>
+        <source>Enable Input Monitoring to capture keystrokes</source>
+        <translation>Eingabeüberwachung erlauben, um Tasten aufzunehmen</translation>
+    </message>
+    <message>
+        <source>Open Settings</source>
+        <translation>Einstellungen öffnen</translation>
+    </message>
+</context>
+<context>
+    <name>LibraryDialogs</name>
+    <message>
+        <source>Rename Recording</source>
+        <translation>Aufnahme umbenennen</translation>
+    </message>
+    <message>
+        <source>Enter a new name for this recording.</source>
+        <translation>Geben Sie dieser Aufnahme einen neuen Namen.</translation>
+    </message>
+    <message>
+        <source>Cancel</source>
+        <translation>Abbrechen</translation>
+    </message>
+    <message>
+        <source>Rename</source>
+        <translation>Umbenennen</translation>
+    </message>
+    <message>
+        <source>Name</source>
+        <translation>Name</translation>
+    </message>
+    <message>
+        <source>Error</source>
+        <translation>Fehler</translation>
+    </message>
+    <message>
+        <source>OK</source>
+        <translation>OK</translation>
+    </message>
+    <message>
+        <source>Delete Recording?</source>
+        <translation>Aufnahme löschen?</translation>
+    </message>
+    <message>
+        <source>&quot;%1&quot; will be permanently deleted.</source>
+        <translation>„%1“ wird endgültig gelöscht.</translation>
+    </message>
+    <message>
+        <source>Delete</source>
+        <translation>Löschen</translation>
+    </message>
+    <message>
+        <source>Delete %1 Recording?</source>
+        <translation>%1 Aufnahme löschen?</translation>
+    </message>
+    <message>
+        <source>Delete %1 Recordings?</source>
+        <translation>%1 Aufnahmen löschen?</translation>
+    </message>
+    <message>
+        <source>%1 recording will be permanently deleted.</source>
+        <translation>%1 Aufnahme wird endgültig gelöscht.</translation>
+    </message>
+    <message>
+        <source>%1 recordings will be permanently deleted.</source>
+        <translation>%1 Aufnahmen werden endgültig gelöscht.</translation>
+    </message>
+</context>
+<context>
+    <name>NewRecordingButton</name>
+    <message>
+        <source>New Recording</source>
+        <translation>Neue Aufnahme</translation>
+    </message>
+</context>
+<context>
+    <name>NotificationBellView</name>
+    <message>
+        <source>What&apos;s new</source>
+        <translation>Neuigkeiten</translation>
+    </message>
+    <message>
+        <source>Unread</source>
+        <translation>Ungelesen</translation>
+    </message>
+    <message>
+        <source>No notifications</source>
+        <translation>Keine Mitteilungen</translation>
+    </message>
+    <message>
+        <source>Read more</source>
+        <translation>Mehr lesen</translation>
+    </message>
+</context>
+<context>
+    <name>NotificationItem</name>
+    <message>
+        <source>Tavlin 1.4 is here!</source>
+        <translation>Tavlin 1.4 ist da!</translation>
+    </message>
+    <message>
+        <source>Check out what&apos;s new in this release.</source>
+        <translation>Sehen Sie, was in dieser Version neu ist.</translation>
+    </message>
+    <message>
+        <source>Tavlin 1.5 is here!</source>
+        <translation>Tavlin 1.5 ist da!</translation>
+    </message>
+</context>
+<context>
+    <name>PermissionView</name>
+    <message>
+        <source>Tavlin</source>
+        <translation>Tavlin</translation>
+    </message>
+    <message>
+        <source>Tavlin needs screen recording access to capture your screen.
+Please grant permission in System Settings.</source>
+        <translation>Tavlin braucht die Erlaubnis, Ihren Bildschirm aufzunehmen.
+Bitte erteilen Sie sie in den Systemeinstellungen.</translation>
+    </message>
+    <message>
+        <source>Open System Settings</source>
+        <translation>Systemeinstellungen öffnen</translation>
+    </message>
+    <message>
+        <source>Check Again</source>
+        <translation>Erneut prüfen</translation>
+    </message>
+</context>
+<context>
+    <name>RecordToolbar</name>
+    <message>
+        <source>Mute microphone</source>
+        <translation>Mikrofon ausschalten</translation>
+    </message>
+    <message>
+        <source>Unmute microphone</source>
+        <translation>Mikrofon einschalten</translation>
+    </message>
+    <message>
+        <source>Microphone</source>
+        <translation>Mikrofon</translation>
+    </message>
+    <message>
+        <source>Turn off camera</source>
+        <translation>Kamera ausschalten</translation>
+    </message>
+    <message>
+        <source>Turn on camera</source>
+        <translation>Kamera einschalten</translation>
+    </message>
+    <message>
+        <source>Camera</source>
+        <translation>Kamera</translation>
+    </message>
+    <message>
+        <source>Record</source>
+        <translation>Aufnehmen</translation>
+    </message>
+</context>
+<context>
+    <name>RecordingView</name>
+    <message>
+        <source>Library</source>
+        <translation>Bibliothek</translation>
+    </message>
+    <message>
+        <source>Recording</source>
+        <translation>Aufnahme</translation>
+    </message>
+    <message>
+        <source>Settings</source>
+        <translation>Einstellungen</translation>
+    </message>
+</context>
+<context>
+    <name>RunningTake</name>
+    <message>
+        <source>Recording</source>
+        <translation>Aufnahme</translation>
+    </message>
+    <message>
+        <source>Stop Recording</source>
+        <translation>Aufnahme beenden</translation>
+    </message>
+</context>
+<context>
+    <name>ScrollLine</name>
+    <message>
+        <source>Scroll</source>
+        <translation>Blättern</translation>
+    </message>
+</context>
+<context>
+    <name>SelectionBar</name>
+    <message>
+        <source>%1 selected</source>
+        <translation>%1 ausgewählt</translation>
+    </message>
+    <message>
+        <source>Deselect All</source>
+        <translation>Auswahl aufheben</translation>
+    </message>
+    <message>
+        <source>Select All</source>
+        <translation>Alle auswählen</translation>
+    </message>
+    <message>
+        <source>Delete</source>
+        <translation>Löschen</translation>
+    </message>
+    <message>
+        <source>Clear selection</source>
+        <translation>Auswahl aufheben</translation>
+    </message>
+</context>
+<context>
+    <name>SettingsView</name>
+    <message>
+        <source>Settings</source>
+        <translation>Einstellungen</translation>
+    </message>
+    <message>
+        <source>Close</source>
+        <translation>Schließen</translation>
+    </message>
+    <message>
+        <source>STORAGE</source>
+        <translation>SPEICHER</translation>
+    </message>
+    <message>
+        <source>Location</source>
+        <translation>Ort</translation>
+    </message>
+    <message>
+        <source>Show in Finder</source>
+        <translation>In Dateien anzeigen</translation>
+    </message>
+    <message>
+        <source>Total Size</source>
+        <translation>Gesamtgröße</translation>
+    </message>
+    <message>
+        <source>ABOUT</source>
+        <translation>ÜBER</translation>
+    </message>
+    <message>
+        <source>Version</source>
+        <translation>Version</translation>
+    </message>
+    <message>
+        <source>Build</source>
+        <translation>Build</translation>
+    </message>
+    <message>
+        <source>Check for Updates...</source>
+        <translation>Nach Updates suchen …</translation>
+    </message>
+</context>
+<context>
+    <name>SourceGrid</name>
+    <message>
+        <source>Windows</source>
+        <translation>Fenster</translation>
+    </message>
+    <message>
+        <source>Displays</source>
+        <translation>Bildschirme</translation>
+    </message>
+    <message>
+        <source>No windows are open.</source>
+        <translation>Kein Fenster ist offen.</translation>
+    </message>
+    <message>
+        <source>No display can be recorded.</source>
+        <translation>Kein Bildschirm kann aufgenommen werden.</translation>
+    </message>
+</context>
+<context>
+    <name>SourceSelection</name>
+    <message>
+        <source>Loading sources...</source>
+        <translation>Quellen werden geladen …</translation>
+    </message>
+    <message>
+        <source>Source</source>
+        <translation>Quelle</translation>
+    </message>
+    <message>
+        <source>Display</source>
+        <translation>Bildschirm</translation>
+    </message>
+    <message>
+        <source>Window</source>
+        <translation>Fenster</translation>
+    </message>
+</context>
+<context>
+    <name>Spinner</name>
+    <message>
+        <source>Loading</source>
+        <translation>Wird geladen</translation>
+    </message>
+</context>
+<context>
+    <name>StatusItem</name>
+    <message>
+        <source>Stop</source>
+        <translation>Beenden</translation>
+    </message>
+    <message>
+        <source>Stop it here, or with &quot;tavi stop&quot; in a terminal.</source>
+        <translation>Beenden Sie sie hier oder mit „tavi stop“ in einem Terminal.</translation>
+    </message>
+    <message>
+        <source>Stop Recording</source>
+        <translation>Aufnahme beenden</translation>
+    </message>
+</context>
+<context>
+    <name>TakeGrid</name>
+    <message>
+        <source>Recordings</source>
+        <translation>Aufnahmen</translation>
+    </message>
+</context>
+<context>
+    <name>TakeMenu</name>
+    <message>
+        <source>Rename...</source>
+        <translation>Umbenennen …</translation>
+    </message>
+    <message>
+        <source>Show in Finder</source>
+        <translation>In Dateien anzeigen</translation>
+    </message>
+    <message>
+        <source>Delete...</source>
+        <translation>Löschen …</translation>
+    </message>
+</context>
+<context>
+    <name>tavi::DesktopSavePanel</name>
+    <message>
+        <source>Export</source>
+        <translation>Exportieren</translation>
+    </message>
+</context>
+<context>
+    <name>tavi::HomeViewModel</name>
+    <message>
+        <source>This recording is not there any more.</source>
+        <translation>Diese Aufnahme ist nicht mehr da.</translation>
+    </message>
+    <message>
+        <source>Could not rename: %1</source>
+        <translation>Umbenennen ging nicht: %1</translation>
+    </message>
+    <message>
+        <source>Could not delete: %1</source>
+        <translation>Löschen ging nicht: %1</translation>
+    </message>
+</context>
+<context>
+    <name>tavi::RecordingViewModel</name>
+    <message>
+        <source>Display %1</source>
+        <translation>Bildschirm %1</translation>
+    </message>
+    <message>
+        <source>Unknown</source>
+        <translation>Unbekannt</translation>
+    </message>
+</context>
+<context>
+    <name>tavi::TaviApp</name>
+    <message>
+        <source>The pointer of this desktop can&apos;t be followed, so nothing can be recorded here.</source>
+        <translation>Dem Zeiger dieses Desktops kann nicht gefolgt werden; darum kann hier nichts aufgenommen werden.</translation>
+    </message>
+</context>
+<context>
+    <name>tavi::UpdaterController</name>
+    <message>
+        <source>Tavlin was installed by your system&apos;s package manager, which also brings its updates.</source>
+        <translation>Tavlin wurde von der Paketverwaltung Ihres Systems installiert; sie bringt auch seine Updates.</translation>
+    </message>
+    <message>
+        <source>Tavlin %1 is the newest version.</source>
+        <translation>Tavlin %1 ist die neueste Version.</translation>
+    </message>
+    <message>
+        <source>Tavlin %1 is available. &quot;Check for Updates...&quot; fetches it.</source>
+        <translation>Tavlin %1 ist verfügbar. „Nach Updates suchen …“ holt es.</translation>
+    </message>
+    <message>
+        <source>The update is refused: its file is too large.</source>
+        <translation>Das Update wird abgelehnt: Seine Datei ist zu groß.</translation>
+    </message>
+    <message>
+        <source>The update is refused: its signature is wrong.</source>
+        <translation>Das Update wird abgelehnt: Seine Signatur ist falsch.</translation>
+    </message>
+    <message>
+        <source>Tavlin %1 was fetched and its signature is right. Install it with your package installer: %2</source>
+        <translation>Tavlin %1 wurde geholt, und seine Signatur stimmt. Installieren Sie es mit Ihrem Paketinstallationsprogramm: %2</translation>
+    </message>
+</context>
+</TS>
