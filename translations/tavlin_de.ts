@@ -2,6 +2,13 @@
 <!DOCTYPE TS>
 <TS version="2.1" language="de_DE">
 <context>
+    <name>AutoZoomProgressView</name>
+    <message>
+        <source>Starting analysis...</source>
+        <translation>Analyse beginnt …</translation>
+    </message>
+</context>
+<context>
     <name>ByteCount</name>
     <message>
         <source>%1 KB</source>
@@ -41,6 +48,40 @@
     </message>
 </context>
 <context>
+    <name>CanvasSwitch</name>
+    <message>
+        <source>Canvas</source>
+        <translation>Leinwand</translation>
+    </message>
+    <message>
+        <source>Raw</source>
+        <translation>Roh</translation>
+    </message>
+    <message>
+        <source>Preview</source>
+        <translation>Vorschau</translation>
+    </message>
+</context>
+<context>
+    <name>ColorRow</name>
+    <message>
+        <source>Hue</source>
+        <translation>Farbton</translation>
+    </message>
+    <message>
+        <source>Saturation</source>
+        <translation>Sättigung</translation>
+    </message>
+    <message>
+        <source>Brightness</source>
+        <translation>Helligkeit</translation>
+    </message>
+    <message>
+        <source>Color code</source>
+        <translation>Farbcode</translation>
+    </message>
+</context>
+<context>
     <name>ContentView</name>
     <message>
         <source>Tavlin</source>
@@ -74,6 +115,29 @@
     </message>
 </context>
 <context>
+    <name>CutButtons</name>
+    <message>
+        <source>End Cut</source>
+        <translation>Schnitt beenden</translation>
+    </message>
+    <message>
+        <source>Finish cut at playhead (⌘B)</source>
+        <translation>Schnitt am Abspielkopf beenden (Strg+B)</translation>
+    </message>
+    <message>
+        <source>Start cut at playhead (⌘B)</source>
+        <translation>Schnitt am Abspielkopf beginnen (Strg+B)</translation>
+    </message>
+    <message>
+        <source>Cancel cut (Esc)</source>
+        <translation>Schnitt abbrechen (Esc)</translation>
+    </message>
+    <message>
+        <source>Reset all trims &amp; cuts</source>
+        <translation>Alle Kürzungen und Schnitte zurücksetzen</translation>
+    </message>
+</context>
+<context>
     <name>DeviceControl</name>
     <message>
         <source>Choose: %1</source>
@@ -85,6 +149,13 @@
     <message>
         <source>None is connected.</source>
         <translation>Keins ist angeschlossen.</translation>
+    </message>
+</context>
+<context>
+    <name>EditorCanvas</name>
+    <message>
+        <source>Canvas</source>
+        <translation>Leinwand</translation>
     </message>
 </context>
 <context>
@@ -115,6 +186,25 @@
     </message>
 </context>
 <context>
+    <name>EditorToolbar</name>
+    <message>
+        <source>Library</source>
+        <translation>Bibliothek</translation>
+    </message>
+    <message>
+        <source>Settings</source>
+        <translation>Einstellungen</translation>
+    </message>
+    <message>
+        <source>Keyframe</source>
+        <translation>Keyframe</translation>
+    </message>
+    <message>
+        <source>Export</source>
+        <translation>Exportieren</translation>
+    </message>
+</context>
+<context>
     <name>EmptyLibrary</name>
     <message>
         <source>No Recordings</source>
@@ -123,6 +213,63 @@
     <message>
         <source>Start a new recording to get going.</source>
         <translation>Beginnen Sie mit einer neuen Aufnahme.</translation>
+    </message>
+</context>
+<context>
+    <name>ExportOverlayView</name>
+    <message>
+        <source>Export Complete</source>
+        <translation>Export fertig</translation>
+    </message>
+    <message>
+        <source>Close</source>
+        <translation>Schließen</translation>
+    </message>
+    <message>
+        <source>Show in Finder</source>
+        <translation>In Dateien anzeigen</translation>
+    </message>
+    <message>
+        <source>Export Failed</source>
+        <translation>Export fehlgeschlagen</translation>
+    </message>
+    <message>
+        <source>Dismiss</source>
+        <translation>Schließen</translation>
+    </message>
+</context>
+<context>
+    <name>ExportProgressView</name>
+    <message>
+        <source>Exporting</source>
+        <translation>Export läuft</translation>
+    </message>
+    <message>
+        <source>Cancel</source>
+        <translation>Abbrechen</translation>
+    </message>
+</context>
+<context>
+    <name>ExportSettingsView</name>
+    <message>
+        <source>Resolution</source>
+        <translation>Auflösung</translation>
+    </message>
+    <message>
+        <source>Width</source>
+        <translation>Breite</translation>
+    </message>
+    <message>
+        <source>Height</source>
+        <translation>Höhe</translation>
+    </message>
+    <message>
+        <source>Frame Rate</source>
+        <translation>Bildrate</translation>
+    </message>
+    <message>
+        <source>Frames per second</source>
+        <translation>Bilder pro Sekunde</translation>
     </message>
 </context>
 <context>
@@ -164,6 +311,25 @@
         <source>%1, %2</source>
         <extracomment>A recording&apos;s date and time.</extracomment>
         <translation>%1, %2</translation>
+    </message>
+</context>
+<context>
+    <name>KeyframeControls</name>
+    <message>
+        <source>Speed</source>
+        <translation>Tempo</translation>
+    </message>
+    <message>
+        <source>Animation</source>
+        <translation>Animation</translation>
+    </message>
+    <message>
+        <source>Delete</source>
+        <translation>Löschen</translation>
+    </message>
+    <message>
+        <source>Details</source>
+        <translation>Einzelheiten</translation>
     </message>
 </context>
 <context>
@@ -245,6 +411,18 @@
     <message>
         <source>New Recording</source>
         <translation>Neue Aufnahme</translation>
+    </message>
+</context>
+<context>
+    <name>NoKeyframe</name>
+    <message>
+        <source>No Keyframe Selected</source>
+        <translation>Kein Keyframe ausgewählt</translation>
+    </message>
+    <message>
+        <source>Click a keyframe on the timeline
+or add a new one</source>
+        <translation type="unfinished"></translation>
     </message>
 </context>
 <context>
@@ -433,6 +611,25 @@ Bitte erteilen Sie sie in den Systemeinstellungen.</translation>
     </message>
 </context>
 <context>
+    <name>SidebarTabs</name>
+    <message>
+        <source>Style</source>
+        <translation>Stil</translation>
+    </message>
+    <message>
+        <source>Zoom</source>
+        <translation>Zoom</translation>
+    </message>
+    <message>
+        <source>Export</source>
+        <translation>Exportieren</translation>
+    </message>
+    <message>
+        <source>Inspector</source>
+        <translation>Inspektor</translation>
+    </message>
+</context>
+<context>
     <name>SourceGrid</name>
     <message>
         <source>Windows</source>
@@ -512,6 +709,70 @@ Bitte erteilen Sie sie in den Systemeinstellungen.</translation>
     <message>
         <source>Delete...</source>
         <translation>Löschen …</translation>
+    </message>
+</context>
+<context>
+    <name>TimelinePointer</name>
+    <message>
+        <source>Cut</source>
+        <translation>Schnitt</translation>
+    </message>
+    <message>
+        <source>Restore Section</source>
+        <translation>Abschnitt wiederherstellen</translation>
+    </message>
+    <message>
+        <source>Point</source>
+        <translation>Punkt</translation>
+    </message>
+    <message>
+        <source>Delete Point</source>
+        <translation>Punkt löschen</translation>
+    </message>
+</context>
+<context>
+    <name>TimelineView</name>
+    <message>
+        <source>Timeline</source>
+        <translation>Zeitleiste</translation>
+    </message>
+</context>
+<context>
+    <name>TransportButtons</name>
+    <message>
+        <source>Step Back</source>
+        <translation>Schritt zurück</translation>
+    </message>
+    <message>
+        <source>Pause</source>
+        <translation>Pause</translation>
+    </message>
+    <message>
+        <source>Play</source>
+        <translation>Abspielen</translation>
+    </message>
+    <message>
+        <source>Step Forward</source>
+        <translation>Schritt vor</translation>
+    </message>
+</context>
+<context>
+    <name>ZoomTab</name>
+    <message>
+        <source>AUTO ZOOM</source>
+        <translation>AUTO-ZOOM</translation>
+    </message>
+    <message>
+        <source>Intensity</source>
+        <translation>Stärke</translation>
+    </message>
+    <message>
+        <source>Generate</source>
+        <translation>Erzeugen</translation>
+    </message>
+    <message>
+        <source>Clear</source>
+        <translation>Entfernen</translation>
     </message>
 </context>
 <context>

@@ -2,6 +2,13 @@
 <!DOCTYPE TS>
 <TS version="2.1" language="en_US">
 <context>
+    <name>AutoZoomProgressView</name>
+    <message>
+        <source>Starting analysis...</source>
+        <translation type="unfinished"></translation>
+    </message>
+</context>
+<context>
     <name>ByteCount</name>
     <message>
         <source>%1 KB</source>
@@ -41,6 +48,40 @@
     </message>
 </context>
 <context>
+    <name>CanvasSwitch</name>
+    <message>
+        <source>Canvas</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Raw</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Preview</source>
+        <translation type="unfinished"></translation>
+    </message>
+</context>
+<context>
+    <name>ColorRow</name>
+    <message>
+        <source>Hue</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Saturation</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Brightness</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Color code</source>
+        <translation type="unfinished"></translation>
+    </message>
+</context>
+<context>
     <name>ContentView</name>
     <message>
         <source>Tavlin</source>
@@ -74,6 +115,29 @@
     </message>
 </context>
 <context>
+    <name>CutButtons</name>
+    <message>
+        <source>End Cut</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Finish cut at playhead (⌘B)</source>
+        <translation>Finish cut at playhead (Ctrl+B)</translation>
+    </message>
+    <message>
+        <source>Start cut at playhead (⌘B)</source>
+        <translation>Start cut at playhead (Ctrl+B)</translation>
+    </message>
+    <message>
+        <source>Cancel cut (Esc)</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Reset all trims &amp; cuts</source>
+        <translation type="unfinished"></translation>
+    </message>
+</context>
+<context>
     <name>DeviceControl</name>
     <message>
         <source>Choose: %1</source>
@@ -84,6 +148,13 @@
     <name>DevicePicker</name>
     <message>
         <source>None is connected.</source>
+        <translation type="unfinished"></translation>
+    </message>
+</context>
+<context>
+    <name>EditorCanvas</name>
+    <message>
+        <source>Canvas</source>
         <translation type="unfinished"></translation>
     </message>
 </context>
@@ -115,6 +186,25 @@
     </message>
 </context>
 <context>
+    <name>EditorToolbar</name>
+    <message>
+        <source>Library</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Settings</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Keyframe</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Export</source>
+        <translation type="unfinished"></translation>
+    </message>
+</context>
+<context>
     <name>EmptyLibrary</name>
     <message>
         <source>No Recordings</source>
@@ -122,6 +212,63 @@
     </message>
     <message>
         <source>Start a new recording to get going.</source>
+        <translation type="unfinished"></translation>
+    </message>
+</context>
+<context>
+    <name>ExportOverlayView</name>
+    <message>
+        <source>Export Complete</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Close</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Show in Finder</source>
+        <translation>Show in Files</translation>
+    </message>
+    <message>
+        <source>Export Failed</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Dismiss</source>
+        <translation type="unfinished"></translation>
+    </message>
+</context>
+<context>
+    <name>ExportProgressView</name>
+    <message>
+        <source>Exporting</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Cancel</source>
+        <translation type="unfinished"></translation>
+    </message>
+</context>
+<context>
+    <name>ExportSettingsView</name>
+    <message>
+        <source>Resolution</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Width</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Height</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Frame Rate</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Frames per second</source>
         <translation type="unfinished"></translation>
     </message>
 </context>
@@ -163,6 +310,25 @@
     <message>
         <source>%1, %2</source>
         <extracomment>A recording&apos;s date and time.</extracomment>
+        <translation type="unfinished"></translation>
+    </message>
+</context>
+<context>
+    <name>KeyframeControls</name>
+    <message>
+        <source>Speed</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Animation</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Delete</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Details</source>
         <translation type="unfinished"></translation>
     </message>
 </context>
@@ -244,6 +410,18 @@
     <name>NewRecordingButton</name>
     <message>
         <source>New Recording</source>
+        <translation type="unfinished"></translation>
+    </message>
+</context>
+<context>
+    <name>NoKeyframe</name>
+    <message>
+        <source>No Keyframe Selected</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Click a keyframe on the timeline
+or add a new one</source>
         <translation type="unfinished"></translation>
     </message>
 </context>
@@ -432,6 +610,25 @@ Please grant permission in System Settings.</source>
     </message>
 </context>
 <context>
+    <name>SidebarTabs</name>
+    <message>
+        <source>Style</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Zoom</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Export</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Inspector</source>
+        <translation type="unfinished"></translation>
+    </message>
+</context>
+<context>
     <name>SourceGrid</name>
     <message>
         <source>Windows</source>
@@ -510,6 +707,70 @@ Please grant permission in System Settings.</source>
     </message>
     <message>
         <source>Delete...</source>
+        <translation type="unfinished"></translation>
+    </message>
+</context>
+<context>
+    <name>TimelinePointer</name>
+    <message>
+        <source>Cut</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Restore Section</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Point</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Delete Point</source>
+        <translation type="unfinished"></translation>
+    </message>
+</context>
+<context>
+    <name>TimelineView</name>
+    <message>
+        <source>Timeline</source>
+        <translation type="unfinished"></translation>
+    </message>
+</context>
+<context>
+    <name>TransportButtons</name>
+    <message>
+        <source>Step Back</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Pause</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Play</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Step Forward</source>
+        <translation type="unfinished"></translation>
+    </message>
+</context>
+<context>
+    <name>ZoomTab</name>
+    <message>
+        <source>AUTO ZOOM</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Intensity</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Generate</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Clear</source>
         <translation type="unfinished"></translation>
     </message>
 </context>
