@@ -1,5 +1,4 @@
-<?xml version="1.0" encoding="utf-8"?>
-<!DOCTYPE TS>
+<?xml version='1.0' encoding='utf-8'?>
 <TS version="2.1" language="de_DE">
 <context>
     <name>AutoZoomProgressView</name>
@@ -287,7 +286,7 @@
         <translation>Der Name darf nicht leer sein.</translation>
     </message>
     <message>
-        <source>Name cannot contain &quot;/&quot; or &quot;:&quot; characters.</source>
+        <source>Name cannot contain "/" or ":" characters.</source>
         <translation>Der Name darf weder „/“ noch „:“ enthalten.</translation>
     </message>
     <message>
@@ -304,12 +303,12 @@
     </message>
     <message>
         <source>MMM d, yyyy</source>
-        <extracomment>The date on a recording&apos;s card, in Qt&apos;s letters for the parts of a date.</extracomment>
+        <extracomment>The date on a recording's card, in Qt's letters for the parts of a date.</extracomment>
         <translation>d. MMM yyyy</translation>
     </message>
     <message>
         <source>%1, %2</source>
-        <extracomment>A recording&apos;s date and time.</extracomment>
+        <extracomment>A recording's date and time.</extracomment>
         <translation>%1, %2</translation>
     </message>
 </context>
@@ -382,7 +381,7 @@
         <translation>Aufnahme löschen?</translation>
     </message>
     <message>
-        <source>&quot;%1&quot; will be permanently deleted.</source>
+        <source>"%1" will be permanently deleted.</source>
         <translation>„%1“ wird endgültig gelöscht.</translation>
     </message>
     <message>
@@ -422,13 +421,14 @@
     <message>
         <source>Click a keyframe on the timeline
 or add a new one</source>
-        <translation type="unfinished"></translation>
+        <translation>Klicken Sie auf ein Keyframe der Zeitleiste
+oder fügen Sie eines hinzu</translation>
     </message>
 </context>
 <context>
     <name>NotificationBellView</name>
     <message>
-        <source>What&apos;s new</source>
+        <source>What's new</source>
         <translation>Neuigkeiten</translation>
     </message>
     <message>
@@ -451,7 +451,7 @@ or add a new one</source>
         <translation>Tavlin 1.4 ist da!</translation>
     </message>
     <message>
-        <source>Check out what&apos;s new in this release.</source>
+        <source>Check out what's new in this release.</source>
         <translation>Sehen Sie, was in dieser Version neu ist.</translation>
     </message>
     <message>
@@ -681,7 +681,7 @@ Bitte erteilen Sie sie in den Systemeinstellungen.</translation>
         <translation>Beenden</translation>
     </message>
     <message>
-        <source>Stop it here, or with &quot;tavi stop&quot; in a terminal.</source>
+        <source>Stop it here, or with "tavi stop" in a terminal.</source>
         <translation>Beenden Sie sie hier oder mit „tavi stop“ in einem Terminal.</translation>
     </message>
     <message>
@@ -811,14 +811,14 @@ Bitte erteilen Sie sie in den Systemeinstellungen.</translation>
 <context>
     <name>tavi::TaviApp</name>
     <message>
-        <source>The pointer of this desktop can&apos;t be followed, so nothing can be recorded here.</source>
+        <source>The pointer of this desktop can't be followed, so nothing can be recorded here.</source>
         <translation>Dem Zeiger dieses Desktops kann nicht gefolgt werden; darum kann hier nichts aufgenommen werden.</translation>
     </message>
 </context>
 <context>
     <name>tavi::UpdaterController</name>
     <message>
-        <source>Tavlin was installed by your system&apos;s package manager, which also brings its updates.</source>
+        <source>Tavlin was installed by your system's package manager, which also brings its updates.</source>
         <translation>Tavlin wurde von der Paketverwaltung Ihres Systems installiert; sie bringt auch seine Updates.</translation>
     </message>
     <message>
@@ -826,7 +826,7 @@ Bitte erteilen Sie sie in den Systemeinstellungen.</translation>
         <translation>Tavlin %1 ist die neueste Version.</translation>
     </message>
     <message>
-        <source>Tavlin %1 is available. &quot;Check for Updates...&quot; fetches it.</source>
+        <source>Tavlin %1 is available. "Check for Updates..." fetches it.</source>
         <translation>Tavlin %1 ist verfügbar. „Nach Updates suchen …“ holt es.</translation>
     </message>
     <message>
