@@ -6,10 +6,7 @@
 
 namespace tavi::test {
 
-namespace {
-
-/// Those of the number itself.
-int bitsOf(std::uint32_t format) {
+std::uint32_t bitsOfSample(std::uint32_t format) {
     switch (format) {
     case SPA_AUDIO_FORMAT_U8:
         return 8;
@@ -18,22 +15,15 @@ int bitsOf(std::uint32_t format) {
     case SPA_AUDIO_FORMAT_S24:
     case SPA_AUDIO_FORMAT_S24_32:
         return 24;
+    case SPA_AUDIO_FORMAT_F64:
+        return 64;
     default:
         return 32;
     }
 }
 
-} // namespace
-
 std::uint32_t bytesOfSample(std::uint32_t format) {
-    switch (format) {
-    case SPA_AUDIO_FORMAT_S24_32:
-        return 4;
-    case SPA_AUDIO_FORMAT_F64:
-        return 8;
-    default:
-        return static_cast<std::uint32_t>(bitsOf(format)) / 8;
-    }
+    return format == SPA_AUDIO_FORMAT_S24_32 ? 4 : bitsOfSample(format) / 8;
 }
 
 void writeSample(std::uint32_t format, double value, std::uint8_t* to) {
@@ -46,7 +36,7 @@ void writeSample(std::uint32_t format, double value, std::uint8_t* to) {
         std::memcpy(to, &value, sizeof value);
         return;
     }
-    const double scale = std::ldexp(1.0, bitsOf(format) - 1) - 1;
+    const double scale = std::ldexp(1.0, static_cast<int>(bitsOfSample(format)) - 1) - 1;
     auto sample = static_cast<std::int32_t>(std::lround(value * scale));
     if (format == SPA_AUDIO_FORMAT_U8) {
         sample += 128;

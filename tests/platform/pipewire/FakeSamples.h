@@ -4,6 +4,9 @@
 
 namespace tavi::test {
 
+/// Bits of the number itself of one sample of a format of SPA (SPA_AUDIO_FORMAT_*).
+std::uint32_t bitsOfSample(std::uint32_t format);
+
 /// Bytes of one sample of a format of SPA (SPA_AUDIO_FORMAT_*).
 std::uint32_t bytesOfSample(std::uint32_t format);
 

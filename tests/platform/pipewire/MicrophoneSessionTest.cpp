@@ -1,5 +1,6 @@
 #include "platform/pipewire/DeviceCapture.h"
 #include "platform/pipewire/FakeDevices.h"
+#include "platform/pipewire/FakeSamples.h"
 #include "platform/pipewire/SessionRig.h"
 
 #include <gmock/gmock.h>
@@ -173,22 +174,6 @@ TEST(MicrophoneSession, streamThatIsTakenAwayIsMadeAnew) {
     EXPECT_EQ(rig.session().interruption(), std::nullopt);
 }
 
-std::uint32_t soundBits(std::uint32_t format) {
-    switch (format) {
-    case SPA_AUDIO_FORMAT_U8:
-        return 8;
-    case SPA_AUDIO_FORMAT_S16:
-        return 16;
-    case SPA_AUDIO_FORMAT_S24:
-    case SPA_AUDIO_FORMAT_S24_32:
-        return 24;
-    case SPA_AUDIO_FORMAT_F64:
-        return 64;
-    default:
-        return 32;
-    }
-}
-
 class MicrophoneFormats : public testing::TestWithParam<FakeSound> {};
 
 TEST_P(MicrophoneFormats, comeAsFloatsAtTheirRateAndChannels) {
@@ -202,7 +187,7 @@ TEST_P(MicrophoneFormats, comeAsFloatsAtTheirRateAndChannels) {
     rig.session().startRunning();
     ASSERT_TRUE(rig.waitForCount(10));
     const auto all = rig.samples();
-    const std::uint32_t bits = soundBits(sound.format);
+    const std::uint32_t bits = test::bitsOfSample(sound.format);
     const auto rate = static_cast<int>(sound.rate);
     const auto channels = static_cast<int>(sound.channels);
     for (const auto& sample : all) {
