@@ -4,7 +4,7 @@ BUILD := build/release
 DEV := build/dev
 export CCACHE_DIR ?= $(HOME)/.cache/ccache
 
-.PHONY: help setup build demo gallery test run screens bench bench-export bench-sync asan tsan fuzz format lint clean
+.PHONY: help setup build demo gallery test run screens bench bench-export bench-capture bench-sync asan tsan fuzz format lint clean
 
 help: ## this list
 	@awk -F':.*## ' '/^[a-z-]+:.*## /{printf "  make %-13s %s\n", $$1, $$2}' $(MAKEFILE_LIST)
@@ -40,6 +40,9 @@ bench-export: build ## time exports against the encoder alone and a filter graph
 
 bench-sync: setup ## record for minutes and tell how far sound and picture are apart
 	@tools/bench-sync
+
+bench-capture: build ## what recording a busy display costs, beside ffmpeg's grabber
+	@tools/bench-capture
 
 asan: setup ## every test under the address and undefined-behaviour sanitizers
 	@tools/build asan

@@ -22,13 +22,8 @@ public:
     PixelBuffer() = default;
 
     /// A transparent picture. Width and height are not negative; either may be 0.
-    PixelBuffer(int width, int height)
-        : m_width(width),
-          m_height(height),
-          m_stride((static_cast<std::size_t>(width) * kBytesPerPixel + kAlignment - 1) /
-                   kAlignment * kAlignment) {
-        assert(width >= 0 && height >= 0);
-        const std::size_t bytes = m_stride * static_cast<std::size_t>(height);
+    PixelBuffer(int width, int height) : PixelBuffer(width, height, nullptr) {
+        const std::size_t bytes = bytesFor(width, height);
         if (bytes > 0) {
             m_data.reset(static_cast<std::uint8_t*>(std::aligned_alloc(kAlignment, bytes)));
             if (!m_data) {
@@ -36,6 +31,21 @@ public:
             }
             std::memset(m_data.get(), 0, bytes);
         }
+    }
+
+    /// A picture in memory of someone else, who keeps it until the picture is gone: aligned as
+    /// rows are, with room for bytesFor() the size.
+    static PixelBuffer over(std::uint8_t* memory, int width, int height) {
+        return {width, height, memory};
+    }
+
+    /// Bytes from one row to the next in a picture of this width.
+    static std::size_t strideFor(int width) {
+        return (static_cast<std::size_t>(width) * kBytesPerPixel + kAlignment - 1) / kAlignment *
+               kAlignment;
+    }
+    static std::size_t bytesFor(int width, int height) {
+        return strideFor(width) * static_cast<std::size_t>(height);
     }
 
     int width() const { return m_width; }
@@ -52,8 +62,21 @@ public:
 
 private:
     struct Free {
-        void operator()(std::uint8_t* p) const { std::free(p); }
+        bool isLent;
+        void operator()(std::uint8_t* p) const {
+            if (!isLent) {
+                std::free(p);
+            }
+        }
     };
+
+    PixelBuffer(int width, int height, std::uint8_t* lent)
+        : m_width(width),
+          m_height(height),
+          m_stride(strideFor(width)),
+          m_data(lent, Free{lent != nullptr}) {
+        assert(width >= 0 && height >= 0);
+    }
 
     int m_width = 0;
     int m_height = 0;

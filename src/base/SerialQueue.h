@@ -1,9 +1,11 @@
 #pragma once
 
 #include <condition_variable>
+#include <cstdint>
 #include <deque>
 #include <functional>
 #include <mutex>
+#include <optional>
 #include <string>
 #include <thread>
 
@@ -25,6 +27,19 @@ public:
 
     const std::string& label() const { return m_label; }
 
+    /// What a source waits for: whichever comes first; with neither, for nothing.
+    struct Wait {
+        int descriptor = -1;              ///< To be readable.
+        std::optional<std::int64_t> time; ///< On CLOCK_MONOTONIC, in nanoseconds.
+    };
+    /// Does what is due and says what to wait for next.
+    using Source = std::function<Wait()>;
+
+    /// Has the queue call `source` between its blocks: once now, and then whenever what it
+    /// waits for has come. Blocks that are queued go first. Replaces the one before, which
+    /// isn't called any more when this returns; null takes it away. Waits as sync() does.
+    void setSource(Source source);
+
     /// Queues `block`. Never blocks on work of the queue.
     void post(std::function<void()> block);
 
@@ -36,12 +51,20 @@ public:
 
 private:
     void run();
+    void runBlock(std::unique_lock<std::mutex>& lock);
+    void runSource(std::unique_lock<std::mutex>& lock);
+    void wake(bool isPolling);
+    bool pollForSource();
 
     std::string m_label;
     std::mutex m_mutex;
     std::condition_variable m_wake;
     std::deque<std::function<void()>> m_blocks;
     bool m_stopping = false;
+    bool m_isPolling = false; ///< The thread waits for its source and the bell, not for m_wake.
+    int m_bell;
+    Source m_source; ///< The thread's own, as the next.
+    Wait m_wait;
     std::thread m_thread;
 };
 

@@ -44,18 +44,19 @@ enum class ScreenSampleType { screen, audio };
 struct ScreenSample {
     ScreenSampleType type = ScreenSampleType::screen;
     MediaTime presentationTime; ///< Host clock, when the picture was taken.
-    PixelBufferPtr image;       ///< Absent in a sample that reports a status only.
+    /// Absent in a sample that reports a status only. Unless the source is a window with
+    /// transparent parts it is opaque, and the fourth byte of its pixels means nothing:
+    /// encoders don't look at it, and to set it costs as much as all else together.
+    PixelBufferPtr image;
     bool isValid = true;
 };
 
 /// A running view of one source.
 ///
 /// The cursor is in no picture. A picture comes at once when the stream starts, and from then on
-/// only when something changed, never faster than the minimum frame interval. A display's
-/// pictures are opaque. A window that is not shown for a while keeps its last picture; one that
-/// is closed ends the stream.
-/// Threads: one controlling thread; samples arrive on the queue given. The destructor stops
-/// the stream.
+/// only when something changed, never faster than the minimum frame interval. A window that is not
+/// shown for a while keeps its last picture; one that is closed ends the stream. Threads: one
+/// controlling thread; samples arrive on the queue given. The destructor stops the stream.
 class ScreenStream {
 public:
     using Handler = std::function<void(const ScreenSample&)>;

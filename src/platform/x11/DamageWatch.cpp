@@ -2,16 +2,17 @@
 
 #include <xcb/xfixes.h>
 
+#include <algorithm>
+#include <utility>
+
 namespace tavi {
 
 namespace {
 
-/// Beyond this many pieces, one fetch of the rectangle around them costs less
-/// than the requests.
-constexpr std::size_t kMostPieces = 16;
-/// Pieces that fill more than this part of the rectangle around them are
-/// fetched as that one rectangle.
-constexpr double kDensePart = 0.6;
+/// A box of up to so many pixels is fetched whole rather than asked about.
+constexpr long kSmallBox = 256 * 256;
+/// Boxes that are taken as full after one that was: about a second of a film.
+constexpr int kTrustedBoxes = 60;
 
 /// The number of the damage event.
 Result<std::uint8_t, CaptureError> requireDamage(const XConnection& x) {
@@ -30,22 +31,6 @@ Result<std::uint8_t, CaptureError> requireDamage(const XConnection& x) {
     return static_cast<std::uint8_t>((*damage)->first_event + XCB_DAMAGE_NOTIFY);
 }
 
-/// The cheapest way to fetch `pieces`, which don't overlap.
-std::vector<PixelRect> merged(std::vector<PixelRect> pieces) {
-    PixelRect around;
-    long area = 0;
-    for (const auto& piece : pieces) {
-        around = around.united(piece);
-        area += piece.area();
-    }
-    const bool isDense =
-        static_cast<double>(area) > kDensePart * static_cast<double>(around.area());
-    if (pieces.size() > kMostPieces || (pieces.size() > 1 && isDense)) {
-        return {around};
-    }
-    return pieces;
-}
-
 } // namespace
 
 Result<DamageWatch, CaptureError> DamageWatch::open(const XConnection& x, xcb_window_t window) {
@@ -55,7 +40,7 @@ Result<DamageWatch, CaptureError> DamageWatch::open(const XConnection& x, xcb_wi
     }
     DamageWatch watch(x.get(), *event);
     watch.m_damage = xcb_generate_id(x.get());
-    xcb_damage_create(x.get(), watch.m_damage, window, XCB_DAMAGE_REPORT_LEVEL_NON_EMPTY);
+    xcb_damage_create(x.get(), watch.m_damage, window, XCB_DAMAGE_REPORT_LEVEL_BOUNDING_BOX);
     watch.m_region = xcb_generate_id(x.get());
     xcb_xfixes_create_region(x.get(), watch.m_region, 0, nullptr);
     watch.m_limitRegion = xcb_generate_id(x.get());
@@ -64,13 +49,64 @@ Result<DamageWatch, CaptureError> DamageWatch::open(const XConnection& x, xcb_wi
     return watch;
 }
 
-std::vector<PixelRect> DamageWatch::take(const PixelRect& limit) {
+bool DamageWatch::note(const xcb_generic_event_t& event) {
+    if ((event.response_type & 0x7F) != m_event) {
+        return false;
+    }
+    const auto& damage = reinterpret_cast<const xcb_damage_notify_event_t&>(event);
+    if (isCovered(damage)) {
+        return false;
+    }
+    const auto& area = damage.area;
+    m_box = m_box.united({area.x, area.y, area.width, area.height});
+    return true;
+}
+
+/// An event that was on its way when its damage was taken out tells nothing new if the
+/// pictures fetched after that have it.
+bool DamageWatch::isCovered(const xcb_damage_notify_event_t& event) const {
+    const PixelRect area{event.area.x, event.area.y, event.area.width, event.area.height};
+    const auto later = static_cast<std::uint16_t>(event.sequence - m_subtracted);
+    return static_cast<std::int16_t>(later) < 0 &&
+           area.intersected(m_asked).area() == area.intersected(m_covered).area();
+}
+
+void DamageWatch::subtract(std::uint32_t into, const PixelRect& limit, const PixelRect& covered) {
+    const auto cookie = xcb_damage_subtract(m_connection, m_damage, XCB_NONE, into);
+    m_subtracted = static_cast<std::uint16_t>(cookie.sequence);
+    m_asked = limit;
+    m_covered = covered;
+}
+
+PixelRegion DamageWatch::takeAll(const PixelRect& limit) {
+    m_box = {};
+    subtract(XCB_NONE, limit, limit);
+    return PixelRegion(limit);
+}
+
+/// The events tell the box around the damage, which needs no reply of the server. What is in
+/// a large box is asked for, unless boxes were found full lately, as those of films are.
+PixelRegion DamageWatch::take(const PixelRect& limit) {
+    const PixelRect box = std::exchange(m_box, {}).intersected(limit);
+    const bool isTaken = box.area() <= kSmallBox || m_trusted > 0;
+    m_trusted = std::max(m_trusted - 1, 0);
+    if (isTaken) {
+        subtract(XCB_NONE, limit, box);
+        return PixelRegion(box);
+    }
+    subtract(m_region, limit, limit);
+    const PixelRegion region = fetchRegion(limit);
+    // One piece around all: asking was not worth it.
+    m_trusted = region.pieces().size() == 1 ? kTrustedBoxes : 0;
+    return region;
+}
+
+PixelRegion DamageWatch::fetchRegion(const PixelRect& limit) {
     if (limit != m_limit) {
         const xcb_rectangle_t wired = wire(limit);
         xcb_xfixes_set_region(m_connection, m_limitRegion, 1, &wired);
         m_limit = limit;
     }
-    xcb_damage_subtract(m_connection, m_damage, XCB_NONE, m_region);
     xcb_xfixes_intersect_region(m_connection, m_region, m_limitRegion, m_region);
     const XOwned<xcb_xfixes_fetch_region_reply_t> reply(xcb_xfixes_fetch_region_reply(
         m_connection, xcb_xfixes_fetch_region(m_connection, m_region), nullptr));
@@ -78,12 +114,12 @@ std::vector<PixelRect> DamageWatch::take(const PixelRect& limit) {
         return {};
     }
     const auto* rectangles = xcb_xfixes_fetch_region_rectangles(reply.get());
-    std::vector<PixelRect> pieces;
+    PixelRegion region;
     for (int i = 0; i < xcb_xfixes_fetch_region_rectangles_length(reply.get()); ++i) {
         const auto& r = rectangles[i];
-        pieces.push_back({r.x, r.y, r.width, r.height});
+        region.add({r.x, r.y, r.width, r.height});
     }
-    return merged(std::move(pieces));
+    return region;
 }
 
 } // namespace tavi

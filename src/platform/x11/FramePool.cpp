@@ -1,44 +1,50 @@
 #include "platform/x11/FramePool.h"
 
+#include <algorithm>
+#include <utility>
+
 namespace tavi {
 
-namespace {
+Result<FramePool, CaptureError> FramePool::make(const XConnection& x, int width, int height) {
+    FramePool pool(width, height);
+    if (auto added = pool.addFrame(x); !added) {
+        return fail(added.error());
+    }
+    return pool;
+}
 
-void copyArea(PixelBuffer& to, const PixelBuffer& from, const PixelRect& area) {
-    const std::size_t offset = static_cast<std::size_t>(area.x) * PixelBuffer::kBytesPerPixel;
-    const std::size_t bytes = static_cast<std::size_t>(area.width) * PixelBuffer::kBytesPerPixel;
-    for (int y = area.y; y < area.y + area.height; ++y) {
-        std::memcpy(to.row(y) + offset, from.row(y) + offset, bytes);
+Result<void, CaptureError> FramePool::addFrame(const XConnection& x) {
+    auto memory = SharedImage::make(x, PixelBuffer::bytesFor(m_width, m_height));
+    if (!memory) {
+        return fail(memory.error());
+    }
+    m_frames.push_back(std::make_shared<Frame>(std::move(*memory), m_width, m_height));
+    m_frames.back()->stale.add(wholePicture());
+    return {};
+}
+
+void FramePool::markStale(const PixelRegion& region) {
+    for (const auto& frame : m_frames) {
+        frame->stale.add(region);
     }
 }
 
-} // namespace
-
-PixelBufferPtr FramePool::snapshot(const PixelBuffer& source, const PixelRect& changed) {
-    for (const auto& slot : m_slots) {
-        slot->stale = slot->stale.united(changed);
+FramePool::FramePtr FramePool::freeFrame(const XConnection& x) {
+    const auto isFree = [](const FramePtr& frame) {
+        return !frame->isInUse.load(std::memory_order_acquire);
+    };
+    const auto free = std::find_if(m_frames.begin(), m_frames.end(), isFree);
+    if (free != m_frames.end()) {
+        return *free;
     }
-    const auto slot = freeSlot(source);
-    if (!slot->stale.isEmpty()) {
-        copyArea(slot->image, source, slot->stale);
-    }
-    slot->stale = {};
-    slot->isInUse.store(true, std::memory_order_relaxed);
-    return {&slot->image,
-            [slot](const PixelBuffer*) { slot->isInUse.store(false, std::memory_order_release); }};
+    return addFrame(x) ? m_frames.back() : nullptr;
 }
 
-std::shared_ptr<FramePool::Slot> FramePool::freeSlot(const PixelBuffer& source) {
-    for (const auto& slot : m_slots) {
-        if (!slot->isInUse.load(std::memory_order_acquire)) {
-            return slot;
-        }
-    }
-    auto slot = std::make_shared<Slot>();
-    slot->image = PixelBuffer(source.width(), source.height());
-    slot->stale = {0, 0, source.width(), source.height()};
-    m_slots.push_back(slot);
-    return slot;
+PixelBufferPtr FramePool::publish(const FramePtr& frame) {
+    frame->isInUse.store(true, std::memory_order_relaxed);
+    return {&frame->image, [frame](const PixelBuffer*) {
+                frame->isInUse.store(false, std::memory_order_release);
+            }};
 }
 
 } // namespace tavi

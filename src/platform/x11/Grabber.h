@@ -2,13 +2,12 @@
 
 #include "base/PixelBuffer.h"
 #include "capture/CaptureError.h"
-#include "platform/x11/PixelRect.h"
 
 #include <optional>
 
 namespace tavi {
 
-/// Keeps a picture of something on an X server up to date. The cursor is not in it.
+/// Takes pictures of something on an X server. The cursor is not in them.
 ///
 /// Threads: one at a time.
 class Grabber {
@@ -25,11 +24,12 @@ public:
     /// Why there will be no more pictures; absent while there may be.
     virtual std::optional<CaptureError> failure() const = 0;
 
-    /// Brings the picture up to date. The area of it that changed, empty when
-    /// nothing in it did; the whole picture at the first call.
-    virtual PixelRect grab() = 0;
+    /// True when pictures have alpha; else the fourth byte of their pixels means nothing.
+    virtual bool hasAlpha() const = 0;
 
-    virtual const PixelBuffer& picture() const = 0;
+    /// The picture of now; null when it is the one of the last call or none can be had. The
+    /// first call always gives one of what is shown.
+    virtual PixelBufferPtr grab() = 0;
 };
 
 } // namespace tavi

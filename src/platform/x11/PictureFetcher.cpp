@@ -2,10 +2,13 @@
 
 #include <algorithm>
 #include <cstring>
+#include <vector>
 
 namespace tavi {
 
 namespace {
+
+constexpr std::size_t kPixel = PixelBuffer::kBytesPerPixel;
 
 /// A premultiplied pixel of a program that didn't keep to the rule that no
 /// colour is above its alpha.
@@ -22,60 +25,75 @@ std::uint32_t bounded(std::uint32_t pixel) {
 
 } // namespace
 
+/// One piece on its way.
+struct PictureFetcher::Request {
+    PixelRect area; ///< Of the picture.
+    bool isInPlace;
+    std::size_t offset; ///< Bytes into the memory that it goes to.
+    xcb_shm_get_image_cookie_t cookie;
+};
+
 Result<PictureFetcher, CaptureError> PictureFetcher::make(const XConnection& x, int width,
                                                           int height) {
-    const std::size_t pixels = static_cast<std::size_t>(width) * static_cast<std::size_t>(height);
-    auto shared = SharedImage::make(x, pixels * PixelBuffer::kBytesPerPixel);
-    if (!shared) {
-        return fail(shared.error());
+    auto scratch = SharedImage::make(x, PixelBuffer::bytesFor(width, height));
+    if (!scratch) {
+        return fail(scratch.error());
     }
-    return PictureFetcher(x.get(), std::move(*shared));
+    return PictureFetcher(x.get(), std::move(*scratch));
 }
 
-/// The requests go out together, each into its own part of the shared memory.
-bool PictureFetcher::fetch(const Source& source, const std::vector<PixelRect>& areas,
-                           PixelBuffer& picture) {
-    std::vector<xcb_shm_get_image_cookie_t> cookies;
-    std::vector<std::size_t> offsets;
-    std::size_t offset = 0;
-    for (const auto& area : areas) {
-        offsets.push_back(offset);
-        if (area.isEmpty()) {
-            cookies.push_back({});
-            continue;
-        }
-        const xcb_rectangle_t r = wire(area.movedBy(source.x, source.y));
-        cookies.push_back(xcb_shm_get_image(
-            m_connection, source.drawable, r.x, r.y, r.width, r.height, ~0U,
-            XCB_IMAGE_FORMAT_Z_PIXMAP, m_shared.segment(), static_cast<std::uint32_t>(offset)));
-        offset += static_cast<std::size_t>(area.area()) * PixelBuffer::kBytesPerPixel;
+/// Where a piece is to go, without its request.
+PictureFetcher::Request PictureFetcher::placed(const PixelRect& piece, const Source& source,
+                                               const PixelBuffer& image, std::size_t scratchEnd) {
+    const int width = image.width();
+    const bool isInPlace = source.fourthByte == FourthByte::unused &&
+                           source.content.width == width && piece.width * 2 >= width &&
+                           image.stride() == static_cast<std::size_t>(width) * kPixel;
+    if (!isInPlace) {
+        return {piece, false, scratchEnd, {}};
     }
+    const std::size_t offset = image.stride() * static_cast<std::size_t>(piece.y);
+    return {{0, piece.y, width, piece.height}, true, offset, {}};
+}
+
+/// The requests go out together, each into its own part of the memory.
+bool PictureFetcher::fetch(const Source& source, const PixelRegion& region,
+                           FramePool::Frame& frame) {
+    const PixelRegion wanted = region.within(source.content);
+    std::vector<Request> requests;
+    std::size_t scratchEnd = 0;
+    for (const auto& piece : wanted.pieces()) {
+        Request request = placed(piece, source, frame.image, scratchEnd);
+        scratchEnd += request.isInPlace ? 0 : static_cast<std::size_t>(piece.area()) * kPixel;
+        const xcb_rectangle_t r = wire(request.area.movedBy(source.x, source.y));
+        const auto segment = request.isInPlace ? frame.memory.segment() : m_scratch.segment();
+        request.cookie = xcb_shm_get_image(m_connection, source.drawable, r.x, r.y, r.width,
+                                           r.height, ~0U, XCB_IMAGE_FORMAT_Z_PIXMAP, segment,
+                                           static_cast<std::uint32_t>(request.offset));
+        requests.push_back(request);
+    }
+    xcb_flush(m_connection);
     bool isComplete = true;
-    for (std::size_t i = 0; i < areas.size(); ++i) {
-        if (areas[i].isEmpty()) {
-            continue;
-        }
+    for (const auto& request : requests) {
         const XOwned<xcb_shm_get_image_reply_t> reply(
-            xcb_shm_get_image_reply(m_connection, cookies[i], nullptr));
-        if (reply) {
-            copyFromShared(offsets[i], areas[i], source.fourthByte, picture);
+            xcb_shm_get_image_reply(m_connection, request.cookie, nullptr));
+        if (reply && !request.isInPlace) {
+            copyFromScratch(request.offset, request.area, source.fourthByte, frame.image);
         }
         isComplete = isComplete && reply;
     }
     return isComplete;
 }
 
-void PictureFetcher::copyFromShared(std::size_t offset, const PixelRect& area,
-                                    FourthByte fourthByte, PixelBuffer& picture) const {
-    constexpr std::uint32_t kOpaque = 0xFF000000;
-    const auto* from = reinterpret_cast<const std::uint32_t*>(m_shared.bytes().data() + offset);
+void PictureFetcher::copyFromScratch(std::size_t offset, const PixelRect& area,
+                                     FourthByte fourthByte, PixelBuffer& picture) const {
+    const auto* from = reinterpret_cast<const std::uint32_t*>(m_scratch.bytes().data() + offset);
     for (int y = 0; y < area.height; ++y) {
         auto* to = reinterpret_cast<std::uint32_t*>(picture.row(area.y + y)) + area.x;
         if (fourthByte == FourthByte::alpha) {
             std::transform(from, from + area.width, to, bounded);
         } else {
-            std::transform(from, from + area.width, to,
-                           [](std::uint32_t pixel) { return pixel | kOpaque; });
+            std::memcpy(to, from, static_cast<std::size_t>(area.width) * kPixel);
         }
         from += area.width;
     }

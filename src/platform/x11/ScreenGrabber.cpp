@@ -4,6 +4,7 @@
 #include "platform/x11/PixelFormat.h"
 
 #include <algorithm>
+#include <cstring>
 
 namespace tavi {
 
@@ -20,6 +21,10 @@ Result<PixelRect, CaptureError> areaOfMonitor(const XConnection& x, std::uint32_
         return fail(CaptureError{CaptureError::Kind::sourceGone, "the display was disconnected"});
     }
     return found->area;
+}
+
+void blacken(PixelBuffer& picture) {
+    std::memset(picture.data(), 0, picture.stride() * static_cast<std::size_t>(picture.height()));
 }
 
 } // namespace
@@ -40,43 +45,43 @@ ScreenGrabber::open(const std::string& displayName, std::uint32_t monitorId, int
     if (!area) {
         return fail(area.error());
     }
-    auto fetcher = PictureFetcher::make(*x, area->width, area->height);
-    if (!fetcher) {
-        return fail(fetcher.error());
-    }
+    width = width > 0 ? width : area->width;
+    height = height > 0 ? height : area->height;
+    auto frames = FramePool::make(*x, width, height);
+    auto fetcher = PictureFetcher::make(*x, width, height);
     auto damage = DamageWatch::open(*x, x->root());
-    if (!damage) {
-        return fail(damage.error());
+    if (!frames || !fetcher || !damage) {
+        return fail(!frames ? frames.error() : !fetcher ? fetcher.error() : damage.error());
     }
     return std::unique_ptr<ScreenGrabber>(
-        new ScreenGrabber(std::move(*x), std::move(*fetcher), *damage, *area,
-                          width > 0 ? width : area->width, height > 0 ? height : area->height));
+        new ScreenGrabber(std::move(*x), std::move(*fetcher), *damage, std::move(*frames), *area));
 }
 
 ScreenGrabber::ScreenGrabber(XConnection x, PictureFetcher fetcher, DamageWatch damage,
-                             PixelRect area, int width, int height)
+                             FramePool frames, PixelRect area)
     : m_x(std::move(x)),
       m_fetcher(std::move(fetcher)),
       m_damage(damage),
-      m_area{area.x, area.y, std::min(area.width, width), std::min(area.height, height)},
-      m_root{0, 0, m_x.screen().width_in_pixels, m_x.screen().height_in_pixels},
-      m_picture(width, height) {
+      m_frames(std::move(frames)),
+      m_area{area.x, area.y, std::min(area.width, m_frames.width()),
+             std::min(area.height, m_frames.height())},
+      m_root{0, 0, m_x.screen().width_in_pixels, m_x.screen().height_in_pixels} {
     const std::uint32_t events = XCB_EVENT_MASK_STRUCTURE_NOTIFY; // for the root's size
     xcb_change_window_attributes(m_x.get(), m_x.root(), XCB_CW_EVENT_MASK, &events);
     xcb_flush(m_x.get());
 }
 
 bool ScreenGrabber::hasNews() {
-    while (const XOwned<xcb_generic_event_t> event{xcb_poll_for_event(m_x.get())}) {
-        if (m_damage.isNews(*event)) {
+    forEachEvent(m_x.get(), [this](const xcb_generic_event_t& event) {
+        if (m_damage.note(event)) {
             m_hasNews = true;
-        } else if ((event->response_type & 0x7F) == XCB_CONFIGURE_NOTIFY) {
-            const auto& c = *reinterpret_cast<const xcb_configure_notify_event_t*>(event.get());
+        } else if ((event.response_type & 0x7F) == XCB_CONFIGURE_NOTIFY) {
+            const auto& c = reinterpret_cast<const xcb_configure_notify_event_t&>(event);
             m_root = {0, 0, c.width, c.height};
             m_hasNews = true;
             m_mustFetchAll = true;
         }
-    }
+    });
     return m_hasNews;
 }
 
@@ -85,47 +90,46 @@ std::optional<CaptureError> ScreenGrabber::failure() const {
                           : std::nullopt;
 }
 
-PixelRect ScreenGrabber::grab() {
+PixelBufferPtr ScreenGrabber::grab() {
     m_hasNews = false;
-    std::vector<PixelRect> areas = m_damage.take(m_area);
-    const PixelRect visible = m_area.intersected(m_root);
-    const bool isWhole = m_mustFetchAll;
-    if (isWhole) {
-        areas = {visible};
-        if (visible != m_area) {
-            blacken({0, 0, m_area.width, m_area.height});
-        }
-    }
-    PixelRect changed;
-    for (auto& area : areas) {
-        area = area.intersected(visible).movedBy(-m_area.x, -m_area.y);
-        changed = changed.united(area);
-    }
-    if (!m_fetcher.fetch({m_x.root(), m_area.x, m_area.y, FourthByte::unused}, areas, m_picture)) {
-        // The root shrank under the request; its news is on the way.
-        m_mustFetchAll = true;
-        return {};
+    const PixelRegion changes = takeChanges();
+    m_frames.markStale(changes);
+    const auto frame = changes.isEmpty() ? nullptr : m_frames.freeFrame(m_x);
+    if (!frame || !bringUpToDate(*frame)) {
+        // What was missed is fetched with the next change. Where the root shrank under the
+        // request, its news is on the way.
+        m_mustFetchAll = m_mustFetchAll || !changes.isEmpty();
+        xcb_flush(m_x.get()); // else the damage stays with the server, and it is silent
+        return nullptr;
     }
     m_mustFetchAll = false;
-    changed = continued(changed);
-    return isWhole ? wholePicture() : changed;
+    return FramePool::publish(frame);
 }
 
-void ScreenGrabber::blacken(const PixelRect& area) {
-    for (int y = area.y; y < area.y + area.height; ++y) {
-        auto* row = reinterpret_cast<std::uint32_t*>(m_picture.row(y));
-        std::fill(row + area.x, row + area.x + area.width, 0xFF000000);
+/// Where the picture is no longer what it was.
+PixelRegion ScreenGrabber::takeChanges() {
+    if (m_mustFetchAll) {
+        m_damage.takeAll(m_area);
+        return PixelRegion(m_frames.wholePicture());
     }
+    return m_damage.take(m_area).within(m_area.intersected(m_root), -m_area.x, -m_area.y);
 }
 
-/// What changed once the picture's edges follow.
-PixelRect ScreenGrabber::continued(const PixelRect& changed) {
-    const bool isLarger = m_picture.width() > m_area.width || m_picture.height() > m_area.height;
-    if (changed.isEmpty() || !isLarger) {
-        return changed;
+/// False when the root window doesn't have what is to be fetched.
+bool ScreenGrabber::bringUpToDate(FramePool::Frame& frame) {
+    const PixelRect shown = m_area.intersected(m_root);
+    const PixelRect content = shown.movedBy(-m_area.x, -m_area.y);
+    if (shown != m_area && frame.stale.bounds() == m_frames.wholePicture()) {
+        blacken(frame.image);
     }
-    repeatEdges(m_picture, m_area.width, m_area.height);
-    return wholePicture();
+    const PictureFetcher::Source source{m_x.root(), m_area.x, m_area.y, content,
+                                        FourthByte::unused};
+    if (!m_fetcher.fetch(source, frame.stale, frame)) {
+        return false;
+    }
+    frame.stale.clear();
+    repeatEdges(frame.image, m_area.width, m_area.height);
+    return true;
 }
 
 } // namespace tavi

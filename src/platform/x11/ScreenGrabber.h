@@ -1,6 +1,7 @@
 #pragma once
 
 #include "platform/x11/DamageWatch.h"
+#include "platform/x11/FramePool.h"
 #include "platform/x11/Grabber.h"
 #include "platform/x11/PictureFetcher.h"
 
@@ -9,7 +10,7 @@
 
 namespace tavi {
 
-/// One area of the root window. Alpha is 255 everywhere.
+/// One area of the root window. It is opaque; the fourth byte of its pixels means nothing.
 ///
 /// It owns its connection and reads its events.
 class ScreenGrabber final : public Grabber {
@@ -23,26 +24,25 @@ public:
     int descriptor() const override { return xcb_get_file_descriptor(m_x.get()); }
     bool hasNews() override;
     std::optional<CaptureError> failure() const override;
-    PixelRect grab() override;
-    const PixelBuffer& picture() const override { return m_picture; }
+    bool hasAlpha() const override { return false; }
+    PixelBufferPtr grab() override;
 
     /// Where what is shown lies in the global space.
     Rect frame() const { return m_x.toGlobal(m_area); }
 
 private:
-    ScreenGrabber(XConnection x, PictureFetcher fetcher, DamageWatch damage, PixelRect area,
-                  int width, int height);
+    ScreenGrabber(XConnection x, PictureFetcher fetcher, DamageWatch damage, FramePool frames,
+                  PixelRect area);
 
-    void blacken(const PixelRect& area);
-    PixelRect continued(const PixelRect& changed);
-    PixelRect wholePicture() const { return {0, 0, m_picture.width(), m_picture.height()}; }
+    PixelRegion takeChanges();
+    bool bringUpToDate(FramePool::Frame& frame);
 
     XConnection m_x;
     PictureFetcher m_fetcher;
     DamageWatch m_damage;
+    FramePool m_frames;
     PixelRect m_area; ///< What is shown, on the root window.
     PixelRect m_root; ///< The root window as it is now.
-    PixelBuffer m_picture;
     bool m_hasNews = true;
     bool m_mustFetchAll = true;
 };

@@ -42,7 +42,7 @@ Result<SharedImage, CaptureError> SharedImage::make(const XConnection& connectio
         return fail(missing("shared memory"));
     }
     const xcb_shm_seg_t segment = xcb_generate_id(connection.get());
-    SharedImage image(segment, {static_cast<const std::uint8_t*>(memory), bytes});
+    SharedImage image(segment, {static_cast<std::uint8_t*>(memory), bytes});
     // The descriptor passes to the connection, which closes it.
     const auto attached = xcb_shm_attach_fd_checked(connection.get(), segment, fd, 0);
     if (const XOwned<xcb_generic_error_t> error(xcb_request_check(connection.get(), attached));
@@ -58,7 +58,7 @@ SharedImage::SharedImage(SharedImage&& other) noexcept
 
 SharedImage::~SharedImage() {
     if (!m_bytes.empty()) {
-        munmap(const_cast<std::uint8_t*>(m_bytes.data()), m_bytes.size());
+        munmap(m_bytes.data(), m_bytes.size());
     }
 }
 

@@ -91,28 +91,29 @@ WindowGrabber::open(const std::string& displayName, std::uint32_t windowId, int 
     }
     width = width > 0 ? width : shape->width;
     height = height > 0 ? height : shape->height;
+    auto frames = FramePool::make(*x, width, height);
     auto fetcher = PictureFetcher::make(*x, width, height);
     auto damage = DamageWatch::open(*x, windowId);
-    if (!fetcher || !damage) {
-        return fail(fetcher ? damage.error() : fetcher.error());
+    if (!frames || !fetcher || !damage) {
+        return fail(!frames ? frames.error() : !fetcher ? fetcher.error() : damage.error());
     }
     if (const auto redirected = redirect(*x, windowId); !redirected) {
         return fail(redirected.error());
     }
-    std::unique_ptr<WindowGrabber> grabber(new WindowGrabber(
-        std::move(*x), windowId, std::move(*fetcher), *damage,
-        shape->depth == 32 ? FourthByte::alpha : FourthByte::unused, width, height));
+    std::unique_ptr<WindowGrabber> grabber(
+        new WindowGrabber(std::move(*x), windowId, std::move(*fetcher), *damage, std::move(*frames),
+                          shape->depth == 32 ? FourthByte::alpha : FourthByte::unused));
     grabber->awaitRepaint();
     return grabber;
 }
 
 WindowGrabber::WindowGrabber(XConnection x, xcb_window_t window, PictureFetcher fetcher,
-                             DamageWatch damage, FourthByte fourthByte, int width, int height)
+                             DamageWatch damage, FramePool frames, FourthByte fourthByte)
     : m_x(std::move(x)),
       m_window(window),
       m_fetcher(std::move(fetcher)),
       m_damage(damage),
-      m_picture(width, height) {
+      m_frames(std::move(frames)) {
     m_source.fourthByte = fourthByte;
 }
 
@@ -123,7 +124,8 @@ void WindowGrabber::awaitRepaint() {
     pollfd news{descriptor(), POLLIN, 0};
     do {
         if (hasNews()) {
-            m_damage.take(wholePicture()); // to be told of the next
+            m_damage.takeAll(m_frames.wholePicture()); // to be told of the next
+            xcb_flush(m_x.get());
             m_hasNews = false;
             hasNews();
         }
@@ -132,9 +134,7 @@ void WindowGrabber::awaitRepaint() {
 }
 
 bool WindowGrabber::hasNews() {
-    while (const XOwned<xcb_generic_event_t> event{xcb_poll_for_event(m_x.get())}) {
-        handleEvent(*event);
-    }
+    forEachEvent(m_x.get(), [this](const xcb_generic_event_t& event) { handleEvent(event); });
     return m_hasNews;
 }
 
@@ -151,7 +151,7 @@ void WindowGrabber::handleEvent(const xcb_generic_event_t& event) {
         m_hasNews = true;
         break;
     default:
-        m_hasNews = m_hasNews || m_damage.isNews(event);
+        m_hasNews = m_damage.note(event) || m_hasNews;
     }
 }
 
@@ -163,26 +163,20 @@ std::optional<CaptureError> WindowGrabber::failure() const {
                       : std::nullopt;
 }
 
-PixelRect WindowGrabber::grab() {
+PixelBufferPtr WindowGrabber::grab() {
     m_hasNews = false;
     const bool isNew = m_mustTakePixmap && takePixmap();
-    std::vector<PixelRect> areas = m_damage.take(m_content);
-    if (isNew) {
-        areas = {m_content};
+    const PixelRegion changes =
+        isNew ? m_damage.takeAll(m_frames.wholePicture()) : m_damage.take(m_source.content);
+    m_frames.markStale(changes);
+    const auto frame = changes.isEmpty() ? nullptr : m_frames.freeFrame(m_x);
+    if (!frame || !m_fetcher.fetch(m_source, frame->stale, *frame)) {
+        xcb_flush(m_x.get()); // else the damage stays with the server, and it is silent
+        return nullptr;
     }
-    PixelRect changed;
-    for (const auto& area : areas) {
-        changed = changed.united(area);
-    }
-    if (changed.isEmpty() || !m_fetcher.fetch(m_source, areas, m_picture)) {
-        return {};
-    }
-    const bool isSmaller =
-        m_content.width < m_picture.width() || m_content.height < m_picture.height();
-    if (isSmaller) {
-        repeatEdges(m_picture, m_content.width, m_content.height);
-    }
-    return isNew || isSmaller ? wholePicture() : changed;
+    frame->stale.clear();
+    repeatEdges(frame->image, m_source.content.width, m_source.content.height);
+    return FramePool::publish(frame);
 }
 
 /// Takes hold of the memory that the window has now. False, and what was held
@@ -207,8 +201,8 @@ bool WindowGrabber::takePixmap() {
     m_source.drawable = pixmap;
     m_source.x = border;
     m_source.y = border;
-    m_content = {0, 0, std::min(size->width - 2 * border, m_picture.width()),
-                 std::min(size->height - 2 * border, m_picture.height())};
+    m_source.content = {0, 0, std::min(size->width - 2 * border, m_frames.width()),
+                        std::min(size->height - 2 * border, m_frames.height())};
     return true;
 }
 

@@ -15,7 +15,8 @@ namespace tavi {
 ///
 /// A window that is not shown keeps its last picture. One that changes its size stays at the
 /// top left of the picture: cut off, or continued by its last column and row.
-/// Alpha is 255 everywhere unless the window has an alpha channel of its own.
+/// Unless the window has an alpha channel of its own it is opaque, and the fourth byte of its
+/// pixels means nothing.
 /// It owns its connection and reads its events.
 class WindowGrabber final : public Grabber {
 public:
@@ -28,25 +29,22 @@ public:
     int descriptor() const override { return xcb_get_file_descriptor(m_x.get()); }
     bool hasNews() override;
     std::optional<CaptureError> failure() const override;
-    PixelRect grab() override;
-    const PixelBuffer& picture() const override { return m_picture; }
+    bool hasAlpha() const override { return m_source.fourthByte == FourthByte::alpha; }
+    PixelBufferPtr grab() override;
 
 private:
     WindowGrabber(XConnection x, xcb_window_t window, PictureFetcher fetcher, DamageWatch damage,
-                  FourthByte fourthByte, int width, int height);
+                  FramePool frames, FourthByte fourthByte);
 
     void handleEvent(const xcb_generic_event_t& event);
     void awaitRepaint();
     bool takePixmap();
-    PixelRect wholePicture() const { return {0, 0, m_picture.width(), m_picture.height()}; }
-
     XConnection m_x;
     xcb_window_t m_window;
     PictureFetcher m_fetcher;
     DamageWatch m_damage;
     PictureFetcher::Source m_source; ///< The window's memory, past its border.
-    PixelRect m_content;             ///< The window's part of the picture.
-    PixelBuffer m_picture;
+    FramePool m_frames;
     bool m_hasNews = true;
     bool m_mustTakePixmap = true; ///< The window may have got new memory.
     bool m_isClosed = false;

@@ -1,18 +1,12 @@
 #include "platform/x11/X11ScreenStreams.h"
 
-#include "platform/x11/FramePool.h"
 #include "platform/x11/ScreenGrabber.h"
 #include "platform/x11/WindowGrabber.h"
 
-#include <array>
+#include <algorithm>
 #include <atomic>
-#include <cerrno>
 #include <ctime>
-#include <poll.h>
-#include <pthread.h>
-#include <sys/eventfd.h>
-#include <thread>
-#include <unistd.h>
+#include <utility>
 
 namespace tavi {
 
@@ -24,45 +18,39 @@ std::int64_t hostNanoseconds() {
     return static_cast<std::int64_t>(t.tv_sec) * MediaTime::kNanoseconds + t.tv_nsec;
 }
 
-timespec asTimespec(std::int64_t nanoseconds) {
-    nanoseconds = std::max<std::int64_t>(nanoseconds, 0);
-    return {static_cast<time_t>(nanoseconds / MediaTime::kNanoseconds),
-            static_cast<long>(nanoseconds % MediaTime::kNanoseconds)};
-}
-
 /// The interval in nanoseconds, rounded up, so that no two frames are closer.
 std::int64_t intervalNanoseconds(MediaTime interval) {
     return (interval.value * MediaTime::kNanoseconds + interval.timescale - 1) / interval.timescale;
 }
 
-/// Waits in poll() for damage, no oftener than the minimum interval, and sends
-/// a picture for each.
+/// A picture may be taken so much sooner after one that came late; its time is still
+/// an interval after that one's. Nanoseconds.
+constexpr std::int64_t kCatchUp = 1'000'000;
+
+/// Waits on the queue for damage, no oftener than the minimum interval, and sends a picture
+/// for each. It has no thread of its own: to wake another one costs more than the work.
 class X11ScreenStream final : public ScreenStream {
 public:
     X11ScreenStream(std::unique_ptr<Grabber> grabber, MediaTime minimumFrameInterval)
         : m_grabber(std::move(grabber)),
-          m_interval(intervalNanoseconds(minimumFrameInterval)),
-          m_wake(eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK)) {}
+          m_interval(intervalNanoseconds(minimumFrameInterval)) {}
 
-    ~X11ScreenStream() override {
-        stopThread();
-        close(m_wake);
-    }
+    ~X11ScreenStream() override { stop(); }
 
     Result<void, CaptureError> addStreamOutput(SerialQueue& queue, Handler handler) override {
         m_queue = &queue;
-        m_handler = std::make_shared<const Handler>(std::move(handler));
+        m_handler = std::move(handler);
         return {};
     }
 
     Result<void, CaptureError> startCapture() override {
-        m_thread = std::thread([this] { run(); });
-        pthread_setname_np(m_thread.native_handle(), "x11-screen");
+        m_isRunning = true;
+        m_queue->setSource([this] { return step(); });
         return {};
     }
 
     Result<void, CaptureError> stopCapture() override {
-        stopThread();
+        stop();
         return {};
     }
 
@@ -71,67 +59,53 @@ public:
     }
 
 private:
-    void stopThread() {
-        if (m_thread.joinable()) {
-            m_isStopping = true;
-            eventfd_write(m_wake, 1);
-            m_thread.join();
+    void stop() {
+        if (std::exchange(m_isRunning, false)) {
+            m_queue->setSource(nullptr);
         }
     }
 
-    void run() {
-        std::int64_t next = 0; // when the next picture may be taken
-        while (!m_isStopping) {
-            const bool hasNews = m_grabber->hasNews();
-            if (auto failure = m_grabber->failure()) {
-                m_failure = std::move(failure);
-                m_hasFailed = true;
-                return;
-            }
-            const std::int64_t now = hostNanoseconds();
-            if (!hasNews) {
-                wait(nullptr);
-            } else if (now < next) {
-                const timespec pause = asTimespec(next - now);
-                wait(&pause);
-            } else if (sendPicture(now)) {
-                next = now + m_interval;
-            }
+    SerialQueue::Wait step() {
+        const bool hasNews = m_grabber->hasNews();
+        if (auto failure = m_grabber->failure()) {
+            m_failure = std::move(failure);
+            m_hasFailed = true;
+            return {};
         }
-    }
-
-    /// Sleeps until the server has something to say, the stream is to stop, or `limit` is over.
-    void wait(const timespec* limit) const {
-        // While a picture is held back, more damage is no reason to wake up.
-        const short events = limit == nullptr ? POLLIN : 0;
-        std::array<pollfd, 2> waits{pollfd{m_grabber->descriptor(), events, 0},
-                                    pollfd{m_wake, POLLIN, 0}};
-        ppoll(waits.data(), waits.size(), limit, nullptr);
+        if (!hasNews) {
+            return {.descriptor = m_grabber->descriptor()};
+        }
+        // More damage before the next picture is no reason to wake up: where something moves
+        // all the time, one waking does for a picture.
+        const std::int64_t now = hostNanoseconds();
+        if (now >= m_next && sendPicture(std::max(now, m_earliest))) {
+            m_earliest = std::max(now, m_earliest) + m_interval;
+            // Waking a little late is made up for, so that 60 a second stay 60.
+            m_next = (now - m_next < kCatchUp ? m_next : now) + m_interval;
+        }
+        return {.time = m_next};
     }
 
     /// False when nothing in the picture changed.
-    bool sendPicture(std::int64_t now) {
-        const PixelRect changed = m_grabber->grab();
-        if (changed.isEmpty()) {
-            return false;
-        }
+    bool sendPicture(std::int64_t time) {
         ScreenSample sample;
-        sample.presentationTime = MediaTime::fromNanoseconds(now);
-        sample.image = m_pool.snapshot(m_grabber->picture(), changed);
-        m_queue->post([handler = m_handler, sample = std::move(sample)] { (*handler)(sample); });
-        return true;
+        sample.presentationTime = MediaTime::fromNanoseconds(time);
+        sample.image = m_grabber->grab();
+        if (sample.image) {
+            m_handler(sample);
+        }
+        return sample.image != nullptr;
     }
 
-    std::unique_ptr<Grabber> m_grabber; ///< The thread's own while it runs.
-    FramePool m_pool;                   ///< Likewise.
+    std::unique_ptr<Grabber> m_grabber; ///< The queue's own while the stream runs.
     std::int64_t m_interval;            ///< Nanoseconds.
-    int m_wake;
+    std::int64_t m_next = 0;            ///< When the next picture may be taken, likewise.
+    std::int64_t m_earliest = 0; ///< The least time of the next picture, at most kCatchUp later.
     SerialQueue* m_queue = nullptr;
-    std::shared_ptr<const Handler> m_handler; ///< Shared with blocks that still wait in the queue.
-    std::atomic<bool> m_isStopping = false;
+    Handler m_handler;
+    bool m_isRunning = false;
     std::optional<CaptureError> m_failure; ///< Set before the next, and then no more.
     std::atomic<bool> m_hasFailed = false;
-    std::thread m_thread;
 };
 
 Result<std::unique_ptr<Grabber>, CaptureError>

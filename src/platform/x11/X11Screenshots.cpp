@@ -53,20 +53,33 @@ PixelBuffer copyOf(const PixelBuffer& picture) {
     return copy;
 }
 
-/// Brings the picture to what it shows now.
-Result<void, CaptureError> takeShot(Grabber& grabber) {
+/// What it shows now.
+Result<PixelBufferPtr, CaptureError> takeShot(Grabber& grabber) {
     static_cast<void>(grabber.hasNews());
-    const PixelRect taken = grabber.grab();
+    PixelBufferPtr taken = grabber.grab();
     if (auto failure = grabber.failure()) {
         return fail(std::move(*failure));
     }
-    return taken.isEmpty() ? fail(CaptureError{CaptureError::Kind::sourceGone, "it isn't shown"})
-                           : Result<void, CaptureError>();
+    return taken ? Result<PixelBufferPtr, CaptureError>(std::move(taken))
+                 : fail(CaptureError{CaptureError::Kind::sourceGone, "it isn't shown"});
 }
 
-PixelBufferPtr scaled(const PixelBuffer& picture, const ScreenshotConfiguration& configuration) {
-    return std::make_shared<const PixelBuffer>(
+void makeOpaque(PixelBuffer& picture) {
+    for (int y = 0; y < picture.height(); ++y) {
+        auto* row = reinterpret_cast<std::uint32_t*>(picture.row(y));
+        std::transform(row, row + picture.width(), row,
+                       [](std::uint32_t pixel) { return pixel | 0xFF000000U; });
+    }
+}
+
+PixelBufferPtr scaled(const PixelBuffer& picture, bool hasAlpha,
+                      const ScreenshotConfiguration& configuration) {
+    auto small = std::make_shared<PixelBuffer>(
         areaScaled(picture, configuration.width, configuration.height));
+    if (!hasAlpha) {
+        makeOpaque(*small);
+    }
+    return small;
 }
 
 Result<PixelBufferPtr, CaptureError> captureWindow(const std::string& displayName,
@@ -76,10 +89,10 @@ Result<PixelBufferPtr, CaptureError> captureWindow(const std::string& displayNam
     if (!grabber) {
         return fail(grabber.error());
     }
-    if (const auto shot = takeShot(**grabber); !shot) {
-        return fail(shot.error());
-    }
-    return scaled((*grabber)->picture(), configuration);
+    const auto shot = takeShot(**grabber);
+    return shot ? Result<PixelBufferPtr, CaptureError>(
+                      scaled(**shot, (*grabber)->hasAlpha(), configuration))
+                : fail(shot.error());
 }
 
 Result<PixelBufferPtr, CaptureError> captureDisplay(const std::string& displayName,
@@ -89,15 +102,16 @@ Result<PixelBufferPtr, CaptureError> captureDisplay(const std::string& displayNa
     if (!grabber) {
         return fail(grabber.error());
     }
-    if (const auto shot = takeShot(**grabber); !shot) {
+    const auto shot = takeShot(**grabber);
+    if (!shot) {
         return fail(shot.error());
     }
     if (!configuration.showsCursor) {
-        return scaled((*grabber)->picture(), configuration);
+        return scaled(**shot, false, configuration);
     }
-    PixelBuffer picture = copyOf((*grabber)->picture());
+    PixelBuffer picture = copyOf(**shot);
     drawCursor(picture, (*grabber)->frame(), displayName);
-    return scaled(picture, configuration);
+    return scaled(picture, false, configuration);
 }
 
 } // namespace

@@ -21,6 +21,15 @@ struct FreeMemory {
 template<typename T>
 using XOwned = std::unique_ptr<T, FreeMemory>;
 
+/// The events that have come: asks the socket once, so that it can be waited on afterwards.
+template<typename Handle>
+void forEachEvent(xcb_connection_t* connection, const Handle& handle) {
+    for (XOwned<xcb_generic_event_t> event{xcb_poll_for_event(connection)}; event;
+         event.reset(xcb_poll_for_queued_event(connection))) {
+        handle(*event);
+    }
+}
+
 /// A rectangle as requests carry it.
 inline xcb_rectangle_t wire(const PixelRect& r) {
     return {static_cast<std::int16_t>(r.x), static_cast<std::int16_t>(r.y),

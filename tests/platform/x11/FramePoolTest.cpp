@@ -1,63 +1,61 @@
 #include "platform/x11/FramePool.h"
 
-#include <gtest/gtest.h>
+#include "platform/x11/XTestServer.h"
 
-#include <random>
+#include <gtest/gtest.h>
 
 namespace tavi {
 namespace {
 
-bool areEqual(const PixelBuffer& a, const PixelBuffer& b) {
-    for (int y = 0; y < a.height(); ++y) {
-        if (std::memcmp(a.row(y), b.row(y), static_cast<std::size_t>(a.width()) * 4) != 0) {
-            return false;
-        }
-    }
-    return a.width() == b.width() && a.height() == b.height();
+class FramePoolTest : public testing::Test {
+protected:
+    test::XTestServer server{"64x64x24"};
+    XConnection connection{XConnection::open(server.name()).value()};
+    FramePool pool{FramePool::make(connection, 40, 30).value()};
+};
+
+TEST_F(FramePoolTest, newFrameIsStaleEverywhere) {
+    const auto frame = pool.freeFrame(connection);
+    ASSERT_TRUE(frame);
+    EXPECT_EQ(frame->stale.bounds(), (PixelRect{0, 0, 40, 30}));
+    EXPECT_EQ(frame->image.width(), 40);
+    EXPECT_EQ(frame->image.data(), frame->memory.bytes().data());
 }
 
-TEST(FramePool, everySnapshotEqualsItsSourceWhateverChangedAndWhateverIsHeld) {
-    std::mt19937 random(7); // fixed seed: the same changes at every run
-    const auto below = [&random](int end) {
-        return static_cast<int>(random() % static_cast<unsigned>(end));
-    };
-    PixelBuffer source(40, 30);
-    FramePool pool;
-    std::vector<PixelBufferPtr> held;
-    PixelRect changed{0, 0, 40, 30};
-    for (int step = 0; step < 500; ++step) {
-        auto snapshot = pool.snapshot(source, changed);
-        ASSERT_TRUE(areEqual(*snapshot, source)) << "step " << step;
-        held.push_back(std::move(snapshot));
-        while (static_cast<int>(held.size()) > below(5)) {
-            held.erase(held.begin() + below(static_cast<int>(held.size())));
-        }
-        changed = {below(40), below(30), 0, 0};
-        changed.width = 1 + below(40 - changed.x);
-        changed.height = 1 + below(30 - changed.y);
-        for (int y = changed.y; y < changed.y + changed.height; ++y) {
-            std::memset(source.row(y) + changed.x * 4, below(256),
-                        static_cast<std::size_t>(changed.width) * 4);
-        }
-    }
-    EXPECT_LE(pool.size(), 6U);
+TEST_F(FramePoolTest, frameThatIsLookedAtIsNotGivenAway) {
+    const auto first = pool.freeFrame(connection);
+    EXPECT_EQ(pool.freeFrame(connection), first) << "nobody looks at it yet";
+    auto picture = FramePool::publish(first);
+    const auto second = pool.freeFrame(connection);
+    EXPECT_NE(second, first);
+    EXPECT_EQ(pool.size(), 2U);
+    auto copy = picture;
+    picture.reset();
+    EXPECT_NE(pool.freeFrame(connection), first) << "another owner is left";
+    copy.reset();
+    EXPECT_EQ(pool.freeFrame(connection), first);
+    EXPECT_EQ(pool.size(), 2U);
 }
 
-TEST(FramePool, pictureThatIsHeldDoesNotChange) {
-    PixelBuffer source(4, 4);
-    FramePool pool;
-    const auto first = pool.snapshot(source, {0, 0, 4, 4});
-    source.row(1)[4] = 99;
-    const auto second = pool.snapshot(source, {1, 1, 1, 1});
-    EXPECT_EQ(first->row(1)[4], 0);
-    EXPECT_EQ(second->row(1)[4], 99);
+TEST_F(FramePoolTest, eachFrameRemembersWhatItMissed) {
+    const auto first = pool.freeFrame(connection);
+    first->stale.clear();
+    const auto held = FramePool::publish(first);
+    pool.markStale(PixelRegion({1, 2, 3, 4}));
+    const auto second = pool.freeFrame(connection);
+    second->stale.clear();
+    pool.markStale(PixelRegion({20, 20, 5, 5}));
+    EXPECT_EQ(first->stale.pieces().size(), 2U);
+    EXPECT_EQ(second->stale.bounds(), (PixelRect{20, 20, 5, 5}));
 }
 
-TEST(FramePool, picturesOutliveThePool) {
+TEST(FramePoolLife, picturesOutliveThePoolAndTheConnection) {
+    const test::XTestServer server("64x64x24");
     PixelBufferPtr survivor;
     {
-        FramePool pool;
-        survivor = pool.snapshot(PixelBuffer(4, 4), {0, 0, 4, 4});
+        const auto connection = XConnection::open(server.name()).value();
+        auto pool = FramePool::make(connection, 4, 4).value();
+        survivor = FramePool::publish(pool.freeFrame(connection));
     }
     EXPECT_EQ(survivor->row(3)[15], 0);
 }

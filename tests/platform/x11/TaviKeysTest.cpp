@@ -151,11 +151,14 @@ TEST(TaviKeys, followsTheGroupOfTheMoment) {
     ASSERT_TRUE(helper.isReady());
     constexpr std::uint8_t kKey = 54; // "c" and "ψ"
     typeCode(server, kKey);
+    ASSERT_TRUE(helper.hasKeys(1));
     lockGroup(server, 1);
     typeCode(server, kKey);
+    ASSERT_TRUE(helper.hasKeys(2));
     ASSERT_TRUE(server.run("xdotool keydown Control_L"));
     lockGroup(server, 1);
     typeCode(server, kKey);
+    ASSERT_TRUE(helper.hasKeys(3));
     ASSERT_TRUE(server.run("xdotool keyup Control_L"));
     lockGroup(server, 0);
     typeCode(server, kKey);

@@ -20,6 +20,11 @@ inline std::uint32_t pixelAt(const PixelBuffer& image, int x, int y) {
     return value;
 }
 
+/// 0xRRGGBB of an opaque picture, the fourth byte of which means nothing.
+inline std::uint32_t colourAt(const PixelBuffer& image, int x, int y) {
+    return pixelAt(image, x, y) & 0xFFFFFFU;
+}
+
 /// A running stream and what it sent.
 class WatchedStream {
 public:
@@ -47,20 +52,19 @@ public:
     PixelBufferPtr last() const { return samples().back().image; }
     ScreenStream& stream() const { return *m_stream; }
 
-    /// Waits until the newest picture has this opaque colour (0xRRGGBB) there.
+    /// Waits until the newest picture has this colour (0xRRGGBB) there.
     bool shows(int x, int y, std::uint32_t colour) const {
-        return showsPixel(x, y, colour | 0xFF000000U);
+        return waitFor([&] { return hasPicture() && colourAt(*last(), x, y) == colour; });
     }
 
     /// Waits until the newest picture has this pixel (0xAARRGGBB) there.
     bool showsPixel(int x, int y, std::uint32_t pixel) const {
-        return waitFor([&] {
-            const auto all = samples();
-            return !all.empty() && pixelAt(*all.back().image, x, y) == pixel;
-        });
+        return waitFor([&] { return hasPicture() && pixelAt(*last(), x, y) == pixel; });
     }
 
 private:
+    bool hasPicture() const { return count() > 0; }
+
     mutable std::mutex m_mutex;
     std::vector<ScreenSample> m_samples;
     SerialQueue m_queue{"test"};

@@ -6,14 +6,16 @@
 
 #include <gmock/gmock.h>
 
+#include <filesystem>
+#include <fstream>
 #include <random>
 #include <thread>
 
 namespace tavi {
 namespace {
 
+using test::colourAt;
 using test::Painter;
-using test::pixelAt;
 using test::XTestServer;
 
 std::vector<Display> displaysOf(const XTestServer& server) {
@@ -43,19 +45,19 @@ TEST_F(X11ScreenStreamsTest, firstPictureComesAtOnceThoughNothingMoves) {
     EXPECT_EQ(watched.last()->height(), 480);
 }
 
-TEST_F(X11ScreenStreamsTest, picturesAreExactAndOpaque) {
+TEST_F(X11ScreenStreamsTest, picturesAreExact) {
     std::mt19937 random(1);
     std::vector<std::uint32_t> pixels(100 * 80);
     for (auto& pixel : pixels) {
-        pixel = random() & 0xFFFFFF; // unused byte 0: alpha must come out as 255
+        pixel = random() & 0xFFFFFF;
     }
     painter.put(33, 21, 100, 80, pixels);
     const Watched watched(server, display);
     ASSERT_TRUE(watched.shows(33, 21, pixels[0]));
     for (int y = 0; y < 80; ++y) {
         for (int x = 0; x < 100; ++x) {
-            ASSERT_EQ(pixelAt(*watched.last(), 33 + x, 21 + y),
-                      pixels[static_cast<std::size_t>(y * 100 + x)] | 0xFF000000U);
+            ASSERT_EQ(colourAt(*watched.last(), 33 + x, 21 + y),
+                      pixels[static_cast<std::size_t>(y * 100 + x)]);
         }
     }
 }
@@ -80,10 +82,10 @@ TEST_F(X11ScreenStreamsTest, smallChangesAddUpToTheWholePicture) {
     ASSERT_TRUE(watched.shows(39 * 16, (39 * 7) % 470, 0x10000 + 39));
     const auto picture = watched.last();
     for (int i = 0; i < 40; ++i) {
-        EXPECT_EQ(pixelAt(*picture, i * 16 + 2, (i * 7) % 470 + 2),
-                  0xFF010000U + static_cast<unsigned>(i));
+        EXPECT_EQ(colourAt(*picture, i * 16 + 2, (i * 7) % 470 + 2),
+                  0x010000U + static_cast<unsigned>(i));
     }
-    EXPECT_EQ(pixelAt(*picture, 8, 479), 0xFF204060U);
+    EXPECT_EQ(colourAt(*picture, 8, 479), 0x204060U);
 }
 
 TEST_F(X11ScreenStreamsTest, picturesInHandStayAsTheyWere) {
@@ -94,7 +96,7 @@ TEST_F(X11ScreenStreamsTest, picturesInHandStayAsTheyWere) {
         painter.fill(0, 0, 640, 480, colour);
         ASSERT_TRUE(watched.shows(100, 100, colour));
     }
-    EXPECT_EQ(pixelAt(*before, 100, 100), 0xFF204060U);
+    EXPECT_EQ(colourAt(*before, 100, 100), 0x204060U);
 }
 
 TEST_F(X11ScreenStreamsTest, neverFasterThanSixtyASecond) {
@@ -110,6 +112,72 @@ TEST_F(X11ScreenStreamsTest, neverFasterThanSixtyASecond) {
     for (std::size_t i = 1; i < samples.size(); ++i) {
         const MediaTime gap = samples[i].presentationTime - samples[i - 1].presentationTime;
         EXPECT_GE(gap, (MediaTime{1, 60})) << i;
+    }
+}
+
+/// How often this process went to sleep of its own accord, all threads together.
+long sleepsOfThisProcess() {
+    long sleeps = 0;
+    for (const auto& task : std::filesystem::directory_iterator("/proc/self/task")) {
+        std::ifstream status(task.path() / "status");
+        const std::string name = "voluntary_ctxt_switches:";
+        for (std::string line; std::getline(status, line);) {
+            sleeps += line.rfind(name, 0) == 0 ? std::stol(line.substr(name.size())) : 0;
+        }
+    }
+    return sleeps;
+}
+
+TEST_F(X11ScreenStreamsTest, sleepsWhileNothingMoves) {
+    const Watched watched(server, display);
+    ASSERT_TRUE(watched.shows(0, 0, 0x204060));
+    std::this_thread::sleep_for(std::chrono::milliseconds(200));
+    const long before = sleepsOfThisProcess();
+    std::this_thread::sleep_for(std::chrono::seconds(1));
+    EXPECT_LE(sleepsOfThisProcess() - before, 2); // this thread's own
+}
+
+TEST_F(X11ScreenStreamsTest, timesAreOfTheMomentThePictureWasTaken) {
+    const Watched watched(server, display);
+    ASSERT_TRUE(watched.shows(0, 0, 0x204060));
+    const SystemClock clock;
+    for (std::uint32_t colour = 1; colour < 20; ++colour) {
+        const MediaTime before = clock.hostTime();
+        painter.fill(0, 0, 64, 64, colour);
+        ASSERT_TRUE(watched.shows(0, 0, colour));
+        const MediaTime after = clock.hostTime();
+        const MediaTime taken = watched.samples().back().presentationTime;
+        EXPECT_GE(taken, before);
+        EXPECT_LE(taken, after + MediaTime::fromNanoseconds(1'000'000));
+    }
+}
+
+TEST_F(X11ScreenStreamsTest, changesFarApartAndFullOnesMixToExactPictures) {
+    const Watched watched(server, display);
+    ASSERT_TRUE(watched.shows(0, 0, 0x204060));
+    std::mt19937 random(3); // fixed seed: the same changes at every run
+    std::vector<PixelBufferPtr> held;
+    for (std::uint32_t step = 1; step < 60; ++step) {
+        const int left = static_cast<int>(random() % 100);
+        const int right = static_cast<int>(500 + random() % 100);
+        painter.fill(left, left, 20, 9, step);
+        painter.fill(right, 400, 30, 60, step * 0x100);
+        if (step % 7 == 0) {
+            painter.fill(0, 120, 640, 200, step * 0x10000);
+        }
+        painter.fill(639, 479, 1, 1, step);
+        ASSERT_TRUE(watched.shows(639, 479, step));
+        const auto truth = painter.get();
+        const auto picture = watched.last();
+        for (int i = 0; i < 640 * 480; ++i) {
+            ASSERT_EQ(colourAt(*picture, i % 640, i / 640),
+                      truth[static_cast<std::size_t>(i)] & 0xFFFFFFU)
+                << "step " << step << " at " << i % 640 << "," << i / 640;
+        }
+        held.push_back(picture); // so that frames are used in turns
+        if (held.size() > random() % 4) {
+            held.erase(held.begin());
+        }
     }
 }
 
@@ -132,7 +200,7 @@ TEST_F(X11ScreenStreamsTest, cursorIsNotInThePicture) {
     const auto picture = watched.last();
     for (int y = 100; y < 300; ++y) {
         for (int x = 100; x < 300; ++x) {
-            ASSERT_EQ(pixelAt(*picture, x, y), 0xFF00FF00U) << x << "," << y;
+            ASSERT_EQ(colourAt(*picture, x, y), 0x00FF00U) << x << "," << y;
         }
     }
 }
@@ -158,7 +226,7 @@ TEST_F(X11ScreenStreamsTest, oneMonitorOfTwoIsCutOutAndOnlyItsChangesCount) {
     EXPECT_EQ(watched.count(), 1U);
     painter.fill(310, 5, 20, 20, 0x0000FF);
     ASSERT_TRUE(watched.shows(9, 5, 0x0000FF));
-    EXPECT_EQ(pixelAt(*watched.last(), 10, 5), 0xFF204060U);
+    EXPECT_EQ(colourAt(*watched.last(), 10, 5), 0x204060U);
 }
 
 TEST_F(X11ScreenStreamsTest, largerPictureRepeatsTheLastColumnAndRow) {
@@ -166,7 +234,7 @@ TEST_F(X11ScreenStreamsTest, largerPictureRepeatsTheLastColumnAndRow) {
     ASSERT_TRUE(watched.shows(641, 481, 0x204060));
     painter.fill(639, 479, 1, 1, 0xABCDEF);
     ASSERT_TRUE(watched.shows(641, 481, 0xABCDEF));
-    EXPECT_EQ(pixelAt(*watched.last(), 641, 0), 0xFF204060U);
+    EXPECT_EQ(colourAt(*watched.last(), 641, 0), 0x204060U);
 }
 
 TEST_F(X11ScreenStreamsTest, smallerScreenLeavesTheRestBlack) {

@@ -11,6 +11,7 @@
 namespace tavi {
 namespace {
 
+using test::colourAt;
 using test::Painter;
 using test::pixelAt;
 using test::XTestServer;
@@ -63,7 +64,7 @@ TEST_F(X11WindowStreamsTest, firstPictureIsTheWindowAlone) {
     ASSERT_TRUE(watched.shows(0, 0, 0x3070B0));
     EXPECT_EQ(watched.last()->width(), 200);
     EXPECT_EQ(watched.last()->height(), 150);
-    EXPECT_EQ(pixelAt(*watched.last(), 199, 149), 0xFF3070B0U);
+    EXPECT_EQ(colourAt(*watched.last(), 199, 149), 0x3070B0U);
     test::runLoopFor(0.2);
     EXPECT_EQ(watched.count(), 1U) << "nothing changed";
 }
@@ -73,7 +74,7 @@ TEST_F(X11WindowStreamsTest, windowThatWasCoveredBeforeIsWhole) {
     const WindowWatch watched(server, window, 200, 150);
     ASSERT_TRUE(watched.shows(0, 0, 0x3070B0));
     for (const auto& sample : watched.samples()) {
-        EXPECT_EQ(pixelAt(*sample.image, 0, 0), 0xFF3070B0U) << "not even at first";
+        EXPECT_EQ(colourAt(*sample.image, 0, 0), 0x3070B0U) << "not even at first";
     }
 }
 
@@ -125,8 +126,8 @@ TEST_F(X11WindowStreamsTest, firstPictureWaitsForAProgramThatPaintsSlowly) {
     painter.addWindow(50, 40, 150, 100, 0xFF0000);
     const WindowWatch watched(server, program.window(), 200, 150);
     ASSERT_TRUE(watched.shows(199, 149, 0x00C080));
-    EXPECT_EQ(pixelAt(*watched.samples()[0].image, 0, 0), 0xFF00C080U);
-    EXPECT_EQ(pixelAt(*watched.samples()[0].image, 99, 59), 0xFF00C080U);
+    EXPECT_EQ(colourAt(*watched.samples()[0].image, 0, 0), 0x00C080U);
+    EXPECT_EQ(colourAt(*watched.samples()[0].image, 99, 59), 0x00C080U);
 }
 
 TEST_F(X11WindowStreamsTest, windowThatIsCoveredMeanwhileStaysWholeAndGoesOn) {
@@ -135,8 +136,8 @@ TEST_F(X11WindowStreamsTest, windowThatIsCoveredMeanwhileStaysWholeAndGoesOn) {
     painter.addWindow(0, 0, 640, 480, 0xFF0000);
     paint(window, 10, 20, 30, 40, 0x00FF00);
     ASSERT_TRUE(watched.shows(10, 20, 0x00FF00));
-    EXPECT_EQ(pixelAt(*watched.last(), 39, 59), 0xFF00FF00U);
-    EXPECT_EQ(pixelAt(*watched.last(), 40, 60), 0xFF3070B0U);
+    EXPECT_EQ(colourAt(*watched.last(), 39, 59), 0x00FF00U);
+    EXPECT_EQ(colourAt(*watched.last(), 40, 60), 0x3070B0U);
 }
 
 TEST_F(X11WindowStreamsTest, windowThatIsMovedPartlyOffTheScreenStaysWhole) {
@@ -145,7 +146,7 @@ TEST_F(X11WindowStreamsTest, windowThatIsMovedPartlyOffTheScreenStaysWhole) {
     move(window, -150, 400);
     paint(window, 0, 100, 20, 20, 0xFFFF00);
     ASSERT_TRUE(watched.shows(0, 119, 0xFFFF00));
-    EXPECT_EQ(pixelAt(*watched.last(), 0, 0), 0xFF3070B0U);
+    EXPECT_EQ(colourAt(*watched.last(), 0, 0), 0x3070B0U);
 }
 
 TEST_F(X11WindowStreamsTest, onlyItsOwnChangesCount) {
@@ -168,8 +169,8 @@ TEST_F(X11WindowStreamsTest, windowThatShrinksIsContinuedByItsEdges) {
     paint(window, 0, 89, 120, 1, 0xAA0000);
     ASSERT_TRUE(watched.shows(199, 149, 0xAA0000));
     ASSERT_TRUE(watched.shows(199, 10, 0x00AA00));
-    EXPECT_EQ(pixelAt(*watched.last(), 118, 10), 0xFF3070B0U);
-    EXPECT_EQ(pixelAt(*watched.last(), 60, 149), 0xFFAA0000U);
+    EXPECT_EQ(colourAt(*watched.last(), 118, 10), 0x3070B0U);
+    EXPECT_EQ(colourAt(*watched.last(), 60, 149), 0xAA0000U);
     EXPECT_EQ(watched.last()->width(), 200);
 }
 
@@ -179,7 +180,7 @@ TEST_F(X11WindowStreamsTest, windowThatGrowsIsCutOff) {
     resize(window, 400, 300);
     paint(window, 190, 140, 100, 100, 0x123456);
     ASSERT_TRUE(watched.shows(199, 149, 0x123456));
-    EXPECT_EQ(pixelAt(*watched.last(), 189, 149), 0xFF3070B0U);
+    EXPECT_EQ(colourAt(*watched.last(), 189, 149), 0x3070B0U);
     EXPECT_EQ(watched.last()->height(), 150);
     EXPECT_FALSE(watched.stream().failure());
 }
@@ -200,7 +201,7 @@ TEST_F(X11WindowStreamsTest, windowThatIsHiddenKeepsItsLastPictureAndGoesOnWhenS
     test::runLoopFor(0.2);
     EXPECT_FALSE(watched.stream().failure());
     for (const auto& sample : watched.samples()) {
-        EXPECT_NE(pixelAt(*sample.image, 60, 60), 0xFF101010U);
+        EXPECT_NE(colourAt(*sample.image, 60, 60), 0x101010U);
     }
     EXPECT_EQ(watched.count(), count);
     xcb_map_window(painter.connection(), window);
@@ -223,7 +224,7 @@ TEST_F(X11WindowStreamsTest, windowThatIsHiddenWithItsParentGoesOnWithIt) {
     painter.sync();
     paint(window, 10, 10, 20, 20, 0xABCDEF);
     EXPECT_TRUE(watched.shows(10, 10, 0xABCDEF));
-    EXPECT_EQ(pixelAt(*watched.last(), 199, 149), 0xFF3070B0U) << "without its parent";
+    EXPECT_EQ(colourAt(*watched.last(), 199, 149), 0x3070B0U) << "without its parent";
 }
 
 TEST_F(X11WindowStreamsTest, childrenAreInThePicture) {
@@ -243,7 +244,7 @@ TEST_F(X11WindowStreamsTest, borderIsLeftOut) {
     ASSERT_TRUE(watched.shows(0, 0, 0x3070B0));
     paint(window, 0, 0, 1, 1, 0xFFFFFF);
     EXPECT_TRUE(watched.shows(0, 0, 0xFFFFFF));
-    EXPECT_EQ(pixelAt(*watched.last(), 199, 149), 0xFF3070B0U);
+    EXPECT_EQ(colourAt(*watched.last(), 199, 149), 0x3070B0U);
 }
 
 TEST_F(X11WindowStreamsTest, windowThatIsClosedEndsTheStream) {
@@ -255,7 +256,7 @@ TEST_F(X11WindowStreamsTest, windowThatIsClosedEndsTheStream) {
     ASSERT_TRUE(test::waitFor([&] { return watched.stream().failure().has_value(); }));
     EXPECT_EQ(watched.stream().failure()->kind, CaptureError::Kind::sourceClosed);
     EXPECT_FALSE(watched.stream().failure()->description().empty());
-    EXPECT_EQ(pixelAt(*watched.last(), 100, 100), 0xFF3070B0U);
+    EXPECT_EQ(colourAt(*watched.last(), 100, 100), 0x3070B0U);
 }
 
 TEST_F(X11WindowStreamsTest, windowWithAlphaGivesPremultipliedPixels) {
@@ -281,7 +282,8 @@ TEST_F(X11WindowStreamsTest, neverFasterThanSixtyASecondAndOnTheHostClock) {
     }));
     const auto samples = watched.samples();
     EXPECT_GE(samples.front().presentationTime, before);
-    EXPECT_LE(samples.back().presentationTime, SystemClock().hostTime());
+    EXPECT_LE(samples.back().presentationTime,
+              SystemClock().hostTime() + MediaTime::fromNanoseconds(1'000'000));
     for (std::size_t i = 1; i < samples.size(); ++i) {
         const MediaTime gap = samples[i].presentationTime - samples[i - 1].presentationTime;
         EXPECT_GE(gap, (MediaTime{1, 60})) << i;

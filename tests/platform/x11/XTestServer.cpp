@@ -141,6 +141,18 @@ void Painter::put(int x, int y, int width, int height, const std::vector<std::ui
     sync();
 }
 
+std::vector<std::uint32_t> Painter::get() const {
+    const std::unique_ptr<xcb_get_image_reply_t, decltype(&std::free)> reply(
+        xcb_get_image_reply(m_connection,
+                            xcb_get_image(m_connection, XCB_IMAGE_FORMAT_Z_PIXMAP, root(), 0, 0,
+                                          m_screen->width_in_pixels, m_screen->height_in_pixels,
+                                          ~0U),
+                            nullptr),
+        &std::free);
+    const auto* pixels = reinterpret_cast<const std::uint32_t*>(xcb_get_image_data(reply.get()));
+    return {pixels, pixels + xcb_get_image_data_length(reply.get()) / 4};
+}
+
 void Painter::sync() {
     std::free(xcb_get_input_focus_reply(m_connection, xcb_get_input_focus(m_connection), nullptr));
 }

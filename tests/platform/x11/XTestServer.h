@@ -55,6 +55,9 @@ public:
     /// Puts rows of BGRX pixels at (x, y) of the root window.
     void put(int x, int y, int width, int height, const std::vector<std::uint32_t>& pixels);
 
+    /// All pixels of the root window, rows from the top.
+    std::vector<std::uint32_t> get() const;
+
     /// Waits until the server did everything asked so far.
     void sync();
 
