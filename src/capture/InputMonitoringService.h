@@ -57,7 +57,7 @@ public:
     Q_INVOKABLE void startProbe();
 
     /// Ends the helper.
-    Q_INVOKABLE void stopProbe() override;
+    Q_INVOKABLE void stopProbe() final;
 
     /// Watches the probe's life from now on; nothing when keys may be seen.
     void startPolling();
@@ -66,9 +66,9 @@ public:
     Q_INVOKABLE void openInputMonitoringSettings();
 
     /// A helper said that it can listen.
-    void setGranted() override;
+    void setGranted() final;
 
-    std::unique_ptr<Wait> whenGranted(std::function<void()> block) override;
+    std::unique_ptr<Wait> whenGranted(std::function<void()> block) final;
 
 signals:
     void isGrantedChanged();
