@@ -1,11 +1,51 @@
 #include "platform/qt/QtExecutor.h"
 
 #include <QCoreApplication>
+#include <QObject>
+
+#include <deque>
+#include <mutex>
 
 namespace tavi {
 
+namespace {
+
+/// The blocks that wait for the main thread. Qt only carries the news that there is one: what
+/// blocks hold is handed over under a lock of our own, where the thread sanitizer sees it.
+class MainQueue : public QObject {
+    Q_OBJECT
+
+public:
+    MainQueue() { moveToThread(QCoreApplication::instance()->thread()); }
+
+    void post(std::function<void()> block) {
+        {
+            const std::lock_guard lock(m_mutex);
+            m_blocks.push_back(std::move(block));
+        }
+        QMetaObject::invokeMethod(this, "runNext", Qt::QueuedConnection);
+    }
+
+    Q_INVOKABLE void runNext() {
+        std::unique_lock lock(m_mutex);
+        const auto block = std::move(m_blocks.front());
+        m_blocks.pop_front();
+        lock.unlock();
+        block();
+    }
+
+private:
+    std::mutex m_mutex;
+    std::deque<std::function<void()>> m_blocks;
+};
+
+} // namespace
+
 void QtExecutor::post(std::function<void()> block) {
-    QMetaObject::invokeMethod(QCoreApplication::instance(), std::move(block), Qt::QueuedConnection);
+    static auto* const queue = new MainQueue; // threads may still post while the process ends
+    queue->post(std::move(block));
 }
 
 } // namespace tavi
+
+#include "QtExecutor.moc"
