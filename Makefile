@@ -4,7 +4,7 @@ BUILD := build/release
 DEV := build/dev
 export CCACHE_DIR ?= $(HOME)/.cache/ccache
 
-.PHONY: help setup build demo gallery test run screens bench bench-export bench-capture bench-sync asan tsan fuzz format lint clean
+.PHONY: help setup build demo gallery test run package screens bench bench-app bench-export bench-capture bench-sync asan tsan fuzz format lint clean
 
 help: ## this list
 	@awk -F':.*## ' '/^[a-z-]+:.*## /{printf "  make %-13s %s\n", $$1, $$2}' $(MAKEFILE_LIST)
@@ -32,6 +32,9 @@ screens: setup ## draw every screen of the window into docs/screens
 	@tools/build dev tavi-screens
 	@tools/screens
 
+package: build ## make a Debian package, build/release/*.deb
+	@cd build/release && cpack -G DEB
+
 bench: build ## run the benchmarks
 	@tools/bench
 
@@ -43,6 +46,9 @@ bench-sync: setup ## record for minutes and tell how far sound and picture are a
 
 bench-capture: build ## what recording a busy display costs, beside ffmpeg's grabber
 	@tools/bench-capture
+
+bench-app: build ## time the application's start, and what its idle library costs
+	@tools/bench-app
 
 asan: setup ## every test under the address and undefined-behaviour sanitizers
 	@tools/build asan
