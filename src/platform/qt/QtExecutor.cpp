@@ -48,4 +48,4 @@ void QtExecutor::post(std::function<void()> block) {
 
 } // namespace tavi
 
-#include "QtExecutor.moc"
+#include <QtExecutor.moc>
