@@ -27,7 +27,7 @@ Rectangle {
             case "home":
                 return home
             case "recording":
-                return recording
+                return view.taviApp.recordingViewModel ? recording : null // none where nothing can be recorded
             case "editing":
                 return editing
             default:

@@ -20,6 +20,10 @@ Window {
         sequence: "Ctrl+,"
         onActivated: window.taviApp.appViewModel.showSettings = true
     }
+    Shortcut {
+        sequences: [StandardKey.Quit]
+        onActivated: Qt.quit()
+    }
     ContentView {
         anchors.fill: parent
         focus: true

@@ -11,7 +11,6 @@
 #include <QtQml>
 
 #include <cmath>
-#include <memory>
 
 namespace tavi {
 
@@ -27,8 +26,9 @@ QImage drawIcon(const IconEntry& icon, int pixels, const QColor& color) {
     QImage image(pixels, pixels, QImage::Format_ARGB32_Premultiplied);
     image.fill(Qt::transparent);
     QPainter painter(&image);
-    if (icon.mirrored)
+    if (icon.mirrored) {
         painter.setTransform(QTransform(-1, 0, 0, 1, pixels, 0));
+    }
     drawing.render(&painter, QRectF(0, 0, pixels, pixels));
     painter.setCompositionMode(QPainter::CompositionMode_SourceIn);
     painter.fillRect(image.rect(), color);
@@ -41,12 +41,14 @@ QImage iconImage(const QString& symbol, int pixels, const QColor& color) {
     static QMutex mutex;
     static QCache<QString, QImage> kept(kKeptDrawings);
     const IconEntry* icon = findIcon(symbol.toStdString());
-    if (!icon || pixels < 1)
+    if (!icon || pixels < 1) {
         return {};
+    }
     const QMutexLocker lock(&mutex);
     const QString key = QStringLiteral("%1/%2/%3").arg(symbol).arg(pixels).arg(color.rgba(), 0, 16);
-    if (const QImage* found = kept.object(key))
+    if (const QImage* found = kept.object(key)) {
         return *found;
+    }
     QImage image = drawIcon(*icon, pixels, color);
     kept.insert(key, new QImage(image));
     return image;
@@ -59,18 +61,21 @@ Icon::Icon(QQuickItem* parent) : QQuickItem(parent) {
 }
 
 void Icon::setName(const QString& name) {
-    if (name == m_name)
+    if (name == m_name) {
         return;
-    if (!name.isEmpty() && !findIcon(name.toStdString()))
+    }
+    if (!name.isEmpty() && !findIcon(name.toStdString())) {
         qmlWarning(this) << "no symbol is called" << name;
+    }
     m_name = name;
     refresh();
     emit nameChanged();
 }
 
 void Icon::setSize(double size) {
-    if (size == m_size)
+    if (size == m_size) {
         return;
+    }
     m_size = size;
     const double side = std::round(m_size * kSymbolScale);
     setImplicitSize(side, side);
@@ -79,8 +84,9 @@ void Icon::setSize(double size) {
 }
 
 void Icon::setColor(const QColor& color) {
-    if (color == m_color)
+    if (color == m_color) {
         return;
+    }
     m_color = color;
     refresh();
     emit colorChanged();
@@ -92,20 +98,23 @@ void Icon::refresh() {
 }
 
 void Icon::itemChange(ItemChange change, const ItemChangeData& data) {
-    if (change == ItemDevicePixelRatioHasChanged || change == ItemSceneChange)
+    if (change == ItemDevicePixelRatioHasChanged || change == ItemSceneChange) {
         refresh();
+    }
     QQuickItem::itemChange(change, data);
 }
 
 QSGNode* Icon::updatePaintNode(QSGNode* old, UpdatePaintNodeData*) {
     auto* node = static_cast<QSGImageNode*>(old);
-    if (node && !m_stale)
+    if (node && !m_stale) {
         return node;
+    }
     const int pixels = int(std::lround(implicitWidth() * window()->effectiveDevicePixelRatio()));
     const QImage image = iconImage(m_name, pixels, m_color);
-    std::unique_ptr<QSGNode> unused(image.isNull() ? node : nullptr);
-    if (image.isNull())
+    if (image.isNull()) {
+        delete node;
         return nullptr;
+    }
     if (!node) {
         node = window()->createImageNode();
         node->setOwnsTexture(true);

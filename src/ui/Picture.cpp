@@ -7,7 +7,7 @@
 #include <QQuickWindow>
 #include <QSGImageNode>
 
-#include <memory>
+#include <cmath>
 
 namespace tavi {
 
@@ -32,11 +32,13 @@ QPainterPath roundedShape(QSizeF size, double top, double bottom) {
 } // namespace
 
 QImage imageOf(const QVariant& source) {
-    if (source.metaType() != QMetaType::fromType<PixelBufferPtr>())
+    if (source.metaType() != QMetaType::fromType<PixelBufferPtr>()) {
         return source.value<QImage>();
+    }
     const auto buffer = source.value<PixelBufferPtr>();
-    if (!buffer || buffer->empty())
+    if (!buffer || buffer->empty()) {
         return {};
+    }
     // The image holds the buffer until its last copy is gone.
     auto* owner = new PixelBufferPtr(buffer);
     return {buffer->data(),
@@ -71,13 +73,15 @@ void Picture::setSource(const QVariant& source) {
 
 void Picture::geometryChange(const QRectF& now, const QRectF& before) {
     QQuickItem::geometryChange(now, before);
-    if (now.size() != before.size())
+    if (now.size() != before.size()) {
         emit lookChanged();
+    }
 }
 
 void Picture::itemChange(ItemChange change, const ItemChangeData& data) {
-    if (change == ItemDevicePixelRatioHasChanged || change == ItemSceneChange)
+    if (change == ItemDevicePixelRatioHasChanged || change == ItemSceneChange) {
         emit lookChanged();
+    }
     QQuickItem::itemChange(change, data);
 }
 
@@ -101,11 +105,13 @@ QImage Picture::drawn(double ratio) const {
 QSGNode* Picture::updatePaintNode(QSGNode* old, UpdatePaintNodeData*) {
     auto* node = static_cast<QSGImageNode*>(old);
     const bool blank = m_image.isNull() || width() <= 0 || height() <= 0;
-    std::unique_ptr<QSGNode> unused(blank ? node : nullptr);
-    if (blank)
+    if (blank) {
+        delete node;
         return nullptr;
-    if (node && !m_stale)
+    }
+    if (node && !m_stale) {
         return node;
+    }
     if (!node) {
         node = window()->createImageNode();
         node->setOwnsTexture(true);

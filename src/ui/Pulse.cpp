@@ -14,8 +14,9 @@ Pulse::Pulse(QObject* parent) : QObject(parent) {
 }
 
 void Pulse::setRunning(bool running) {
-    if (running == m_timer.isActive())
+    if (running == m_timer.isActive()) {
         return;
+    }
     if (running) {
         m_clock.start();
         m_timer.start();

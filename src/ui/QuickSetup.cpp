@@ -1,5 +1,7 @@
 #include "ui/QuickSetup.h"
 
+#include <QDir>
+#include <QFile>
 #include <QFont>
 #include <QFontDatabase>
 #include <QGuiApplication>
@@ -15,16 +17,30 @@ namespace tavi {
 
 namespace {
 
+/// The kernel knows a graphics card. Where it doesn't, OpenGL need not even be loaded, which
+/// takes a good part of the time to the first picture.
+bool hasCardDevice() {
+    return !QDir(QStringLiteral("/dev/dri"))
+                .entryList({QStringLiteral("card*"), QStringLiteral("renderD*")}, QDir::System)
+                .isEmpty() ||
+           QFile::exists(QStringLiteral("/dev/nvidiactl"));
+}
+
 /// True when a graphics card, and no emulation of one, draws for OpenGL.
 bool hasGraphicsCard() {
-    QOpenGLContext context;
-    if (!context.create())
+    if (!hasCardDevice()) {
         return false;
+    }
+    QOpenGLContext context;
+    if (!context.create()) {
+        return false;
+    }
     QOffscreenSurface surface;
     surface.setFormat(context.format());
     surface.create();
-    if (!surface.isValid() || !context.makeCurrent(&surface))
+    if (!surface.isValid() || !context.makeCurrent(&surface)) {
         return false;
+    }
     const auto* name = reinterpret_cast<const char*>(context.functions()->glGetString(GL_RENDERER));
     const QByteArray renderer = QByteArray(name).toLower();
     context.doneCurrent();
@@ -36,8 +52,9 @@ bool hasGraphicsCard() {
 
 QString chooseGraphics() {
     if (qEnvironmentVariableIsSet("QT_QUICK_BACKEND") ||
-        qEnvironmentVariableIsSet("QSG_RHI_BACKEND"))
+        qEnvironmentVariableIsSet("QSG_RHI_BACKEND")) {
         return QStringLiteral("environment");
+    }
     const bool card = hasGraphicsCard();
     QQuickWindow::setGraphicsApi(card ? QSGRendererInterface::OpenGL
                                       : QSGRendererInterface::Software);
@@ -47,9 +64,10 @@ QString chooseGraphics() {
 void setUpFonts() {
     for (const char* face : {"TavlinSans-Regular", "TavlinSans-Medium", "TavlinSans-SemiBold",
                              "TavlinSansTabular-Regular", "TavlinSansTabular-Medium",
-                             "TavlinSansTabular-SemiBold", "TavlinSansTabular-ExtraLight"})
+                             "TavlinSansTabular-SemiBold", "TavlinSansTabular-ExtraLight"}) {
         QFontDatabase::addApplicationFont(
             QStringLiteral(":/tavi/fonts/%1.otf").arg(QLatin1String(face)));
+    }
     QFont font(QStringLiteral("Tavlin Sans"));
     font.setPixelSize(13);
     QGuiApplication::setFont(font);

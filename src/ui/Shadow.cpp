@@ -18,12 +18,17 @@ void blurLine(const std::vector<float>& in, std::vector<float>& out, int reach) 
     const int count = int(in.size());
     float sum = 0;
     for (int i = -reach; i < count + reach; ++i) {
-        if (i + reach < count && i + reach >= 0)
-            sum += in[size_t(i + reach)];
-        if (i - reach - 1 >= 0 && i - reach - 1 < count)
-            sum -= in[size_t(i - reach - 1)];
-        if (i >= 0 && i < count)
+        const int entering = i + reach;
+        const int leaving = i - reach - 1;
+        if (entering >= 0 && entering < count) {
+            sum += in[size_t(entering)];
+        }
+        if (leaving >= 0 && leaving < count) {
+            sum -= in[size_t(leaving)];
+        }
+        if (i >= 0 && i < count) {
             out[size_t(i)] = sum / float(2 * reach + 1);
+        }
     }
 }
 
@@ -35,16 +40,19 @@ void blurCoverage(std::vector<float>& pixels, int side, double deviation) {
     for (const bool down : {false, true}) {
         for (int n = 0; n < side; ++n) {
             const auto at = [&](int i) -> float& {
-                return pixels[size_t(down ? i * side + n : n * side + i)];
+                const int index = down ? i * side + n : n * side + i;
+                return pixels[size_t(index)];
             };
-            for (int i = 0; i < side; ++i)
+            for (int i = 0; i < side; ++i) {
                 line[size_t(i)] = at(i);
+            }
             for (int pass = 0; pass < 3; ++pass) {
                 blurLine(line, next, reach);
                 line.swap(next);
             }
-            for (int i = 0; i < side; ++i)
+            for (int i = 0; i < side; ++i) {
                 at(i) = line[size_t(i)];
+            }
         }
     }
 }
@@ -61,14 +69,15 @@ QImage shadowImage(int margin, int core, double corner, const QColor& color) {
     painter.drawRoundedRect(QRectF(margin, margin, core, core), corner, corner);
     painter.end();
     std::vector<float> coverage(size_t(side) * size_t(side));
-    for (int y = 0; y < side; ++y)
+    for (int y = 0; y < side; ++y) {
         std::copy_n(shape.constScanLine(y), side, coverage.begin() + std::ptrdiff_t(y) * side);
+    }
     blurCoverage(coverage, side, margin / 2.0);
     QImage image(side, side, QImage::Format_ARGB32_Premultiplied);
     for (int y = 0; y < side; ++y) {
         auto* row = reinterpret_cast<QRgb*>(image.scanLine(y));
         for (int x = 0; x < side; ++x) {
-            const float alpha = coverage[size_t(y * side + x)] * color.alphaF();
+            const float alpha = coverage[size_t(y) * size_t(side) + size_t(x)] * color.alphaF();
             row[x] = qPremultiply(
                 qRgba(color.red(), color.green(), color.blue(), int(std::lround(alpha))));
         }
@@ -92,8 +101,9 @@ void Shadow::geometryChange(const QRectF& now, const QRectF& before) {
 }
 
 void Shadow::itemChange(ItemChange change, const ItemChangeData& data) {
-    if (change == ItemDevicePixelRatioHasChanged || change == ItemSceneChange)
+    if (change == ItemDevicePixelRatioHasChanged || change == ItemSceneChange) {
         emit lookChanged();
+    }
     QQuickItem::itemChange(change, data);
 }
 

@@ -14,10 +14,12 @@ Spring::Spring(QObject* parent) : QObject(parent) {
 }
 
 void Spring::setTo(double to) {
-    if (to == m_to)
+    if (to == m_to) {
         return;
-    if (m_complete)
+    }
+    if (m_complete) {
         m_state.displacement += m_to - to; // the value stays where it is
+    }
     m_to = to;
     emit toChanged();
     if (!m_complete) {
@@ -30,8 +32,9 @@ void Spring::setTo(double to) {
 }
 
 void Spring::moveTo(double seconds) {
-    if (seconds < m_delay)
+    if (seconds < m_delay) {
         return;
+    }
     m_state = advance(shape(), m_start, seconds - m_delay);
     if (isSettled(shape(), m_state, kInvisible)) {
         m_state = {};

@@ -27,8 +27,9 @@ void PrintTo(const Pair& pair, std::ostream* out) {
 
 std::set<std::string> methodsOf(const QMetaObject& type, int first) {
     std::set<std::string> names;
-    for (int i = first; i < type.methodCount(); ++i)
+    for (int i = first; i < type.methodCount(); ++i) {
         names.insert(type.method(i).name().toStdString());
+    }
     return names;
 }
 
@@ -62,8 +63,9 @@ TEST_P(Fakes, haveOnlyWhatTheViewModelsHave) {
         EXPECT_TRUE(isOwn(name) || GetParam().real.indexOfProperty(name) >= 0) << name;
     }
     const auto real = methodsOf(GetParam().real, 0);
-    for (const std::string& name : methodsOf(type, QObject::staticMetaObject.methodCount()))
+    for (const std::string& name : methodsOf(type, QObject::staticMetaObject.methodCount())) {
         EXPECT_TRUE(isOwn(name) || real.contains(name)) << name;
+    }
 }
 
 TEST_P(Fakes, canBeWrittenWhereTheViewModelsCan) {

@@ -59,21 +59,24 @@ constexpr auto kUsed = std::to_array<const char*>({"gearshape",
 int paintedPixels(const QImage& image) {
     int count = 0;
     for (int y = 0; y < image.height(); ++y)
-        for (int x = 0; x < image.width(); ++x)
+        for (int x = 0; x < image.width(); ++x) {
             count += qAlpha(image.pixel(x, y)) > 127;
+        }
     return count;
 }
 
 TEST(IconTable, hasADrawingForEverySymbolOfTheProgram) {
-    for (const char* symbol : kUsed)
+    for (const char* symbol : kUsed) {
         EXPECT_NE(findIcon(symbol), nullptr) << symbol;
+    }
 }
 
 TEST(IconTable, hasEveryDrawingBuiltIn) {
-    for (const IconEntry& icon : iconTable())
+    for (const IconEntry& icon : iconTable()) {
         EXPECT_TRUE(QFile::exists(QStringLiteral(":/tavi/icons/%1.svg")
                                       .arg(QString::fromStdString(std::string(icon.file)))))
             << icon.file;
+    }
 }
 
 TEST(IconTable, knowsNoOtherSymbol) {

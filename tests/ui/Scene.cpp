@@ -39,11 +39,13 @@ bool isShown(const QQuickItem& item) {
 }
 
 void visitTree(QQuickItem& item, const std::function<void(QQuickItem&)>& visitor) {
-    if (!isShown(item))
+    if (!isShown(item)) {
         return;
+    }
     visitor(item);
-    for (QQuickItem* child : item.childItems())
+    for (QQuickItem* child : item.childItems()) {
         visitTree(*child, visitor);
+    }
 }
 
 } // namespace
@@ -51,8 +53,10 @@ void visitTree(QQuickItem& item, const std::function<void(QQuickItem&)>& visitor
 QStringList sceneFiles() {
     const QDir folder(QStringLiteral(TAVI_SCENES));
     QStringList files;
-    for (const QString& name : folder.entryList({QStringLiteral("*.qml")}, QDir::Files, QDir::Name))
+    for (const QString& name :
+         folder.entryList({QStringLiteral("*.qml")}, QDir::Files, QDir::Name)) {
         files << folder.filePath(name);
+    }
     return files;
 }
 
@@ -64,8 +68,9 @@ void prepareScenes() {
 Scene::Scene(const QString& file) : m_view(std::make_unique<QQuickView>()) {
     QObject::connect(m_view->engine(), &QQmlEngine::warnings, m_view.get(),
                      [this](const QList<QQmlError>& errors) {
-                         for (const QQmlError& error : errors)
+                         for (const QQmlError& error : errors) {
                              m_warnings << error.toString();
+                         }
                      });
     m_view->engine()->setOutputWarningsToStandardError(false);
     setUpEngine(*m_view->engine());
@@ -78,12 +83,14 @@ Scene::Scene(const QString& file) : m_view(std::make_unique<QQuickView>()) {
     m_view->setColor(QColor::fromRgbF(0.067F, 0.067F, 0.075F));
     m_view->setResizeMode(QQuickView::SizeRootObjectToView);
     m_view->setSource(QUrl::fromLocalFile(file));
-    for (const QQmlError& error : m_view->errors())
+    for (const QQmlError& error : m_view->errors()) {
         m_warnings << error.toString();
+    }
     m_view->show();
     // QTest's wait wants an active window, which offscreen windows are at once.
-    if (!QTest::qWaitForWindowActive(m_view.get(), kLongestWait))
+    if (!QTest::qWaitForWindowActive(m_view.get(), kLongestWait)) {
         m_warnings << QStringLiteral("the window never became active");
+    }
     settle();
 }
 
@@ -96,8 +103,9 @@ void Scene::settle() {
     rest.start();
     const auto connection = QObject::connect(m_view.get(), &QQuickWindow::afterRendering,
                                              m_view.get(), [&rest] { rest.restart(); });
-    while (rest.elapsed() < kRest && all.elapsed() < kLongestWait)
+    while (rest.elapsed() < kRest && all.elapsed() < kLongestWait) {
         QTest::qWait(10);
+    }
     QObject::disconnect(connection);
 }
 

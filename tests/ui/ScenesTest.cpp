@@ -25,16 +25,18 @@ bool isText(const QQuickItem& item) {
 QRectF windowFor(const QQuickItem& item) {
     QRectF area(QPointF(), item.window()->size());
     for (const QQuickItem* parent = item.parentItem(); parent; parent = parent->parentItem())
-        if (parent->clip())
+        if (parent->clip()) {
             area &= parent->mapRectToScene(parent->boundingRect());
+        }
     return area;
 }
 
 /// Texts in lists that scroll may lie beyond the edge.
 bool scrolls(const QQuickItem& item) {
     for (const QQuickItem* parent = item.parentItem(); parent; parent = parent->parentItem())
-        if (parent->inherits("QQuickFlickable"))
+        if (parent->inherits("QQuickFlickable")) {
             return true;
+        }
     return false;
 }
 
@@ -43,11 +45,14 @@ QString cutOff(const QQuickItem& item) {
     const QRectF painted(0, 0, item.property("contentWidth").toDouble(),
                          item.property("contentHeight").toDouble());
     if (item.property("truncated").toBool() || painted.width() > item.width() + 0.5 ||
-        painted.height() > item.height() + 0.5)
+        painted.height() > item.height() + 0.5) {
         return QStringLiteral("is cut");
-    if (!scrolls(item) &&
-        !windowFor(item).adjusted(-1, -1, 1, 1).contains(item.mapRectToScene(item.boundingRect())))
+    }
+    if (!scrolls(item) && !windowFor(item)
+                               .adjusted(-1, -1, 1, 1)
+                               .contains(item.mapRectToScene(item.boundingRect()))) {
         return QStringLiteral("leaves the window");
+    }
     return {};
 }
 
@@ -67,18 +72,21 @@ class Scenes : public testing::TestWithParam<QString> {};
 size_t coloursOf(const QImage& picture) {
     std::set<QRgb> colours;
     for (int y = 0; y < picture.height(); y += 3)
-        for (int x = 0; x < picture.width(); x += 3)
+        for (int x = 0; x < picture.width(); x += 3) {
             colours.insert(picture.pixel(x, y));
+        }
     return colours.size();
 }
 
 /// Every node of the accessibility tree below `node` that can be seen.
 void walk(QAccessibleInterface* node, const std::function<void(QAccessibleInterface&)>& visitor) {
-    if (!node || node->state().invisible)
+    if (!node || node->state().invisible) {
         return;
+    }
     visitor(*node);
-    for (int i = 0; i < node->childCount(); ++i)
+    for (int i = 0; i < node->childCount(); ++i) {
         walk(node->child(i), visitor);
+    }
 }
 
 bool isControl(QAccessibleInterface& node) {
@@ -90,8 +98,9 @@ bool isControl(QAccessibleInterface& node) {
 int expectNamedControls(Scene& scene) {
     int controls = 0;
     walk(QAccessible::queryAccessibleInterface(&scene.window()), [&](QAccessibleInterface& node) {
-        if (!isControl(node))
+        if (!isControl(node)) {
             return;
+        }
         ++controls;
         EXPECT_NE(node.text(QAccessible::Name).trimmed().toStdString(), "")
             << "role " << node.role() << ", " << node.object()->metaObject()->className();
@@ -104,8 +113,9 @@ int expectNamedControls(Scene& scene) {
 int expectNamedTabStops(Scene& scene) {
     int stops = 0;
     scene.visit([&](QQuickItem& item) {
-        if (!item.activeFocusOnTab() || !item.isEnabled())
+        if (!item.activeFocusOnTab() || !item.isEnabled()) {
             return;
+        }
         ++stops;
         QAccessibleInterface* node = QAccessible::queryAccessibleInterface(&item);
         ASSERT_NE(node, nullptr) << item.metaObject()->className();
@@ -117,8 +127,9 @@ int expectNamedTabStops(Scene& scene) {
 
 void expectWholeTexts(Scene& scene) {
     scene.visit([](QQuickItem& item) {
-        if (!isText(item) || item.property("userText").toBool())
+        if (!isText(item) || item.property("userText").toBool()) {
             return;
+        }
         const QString problem = cutOff(item);
         EXPECT_TRUE(problem.isEmpty()) << '"' << item.property("text").toString().toStdString()
                                        << "\" " << problem.toStdString();
@@ -129,14 +140,16 @@ void expectWholeTexts(Scene& scene) {
 void expectHeaderTextsApart(Scene& scene) {
     std::vector<QQuickItem*> texts;
     scene.visit([&](QQuickItem& item) {
-        if (isText(item) && item.mapToScene({}).y() < 44 && item.height() < 44)
+        if (isText(item) && item.mapToScene({}).y() < 44 && item.height() < 44) {
             texts.push_back(&item);
+        }
     });
     for (size_t i = 0; i < texts.size(); ++i)
-        for (size_t j = i + 1; j < texts.size(); ++j)
+        for (size_t j = i + 1; j < texts.size(); ++j) {
             EXPECT_FALSE(overlap(*texts[i], *texts[j]))
                 << texts[i]->property("text").toString().toStdString() << " / "
                 << texts[j]->property("text").toString().toStdString();
+        }
 }
 
 TEST_P(Scenes, areShownWithoutAComplaintAndNameEveryControl) {

@@ -26,13 +26,15 @@ int main(int argc, char** argv) {
     }
     tavi::test::prepareScenes();
     std::optional<tavi::test::LongerTexts> translator;
-    if (qEnvironmentVariableIsSet("TAVI_LONGER_TEXTS"))
+    if (qEnvironmentVariableIsSet("TAVI_LONGER_TEXTS")) {
         translator.emplace();
+    }
     int bad = 0;
     for (const QString& file : tavi::test::sceneFiles()) {
         const QString name = QFileInfo(file).completeBaseName();
-        if (arguments.size() > 2 && !arguments.contains(name))
+        if (arguments.size() > 2 && !arguments.contains(name)) {
             continue;
+        }
         tavi::test::Scene scene(file);
         const QImage picture = scene.picture().convertToFormat(QImage::Format_RGB888);
         if (picture.isNull() || !picture.save(folder.filePath(name + QStringLiteral(".png")))) {

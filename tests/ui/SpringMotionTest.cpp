@@ -38,18 +38,21 @@ TEST_P(SpringMotion, solvesItsEquation) {
 
 TEST_P(SpringMotion, isTheSameInOneStepAndInMany) {
     SpringState walked{1, 0};
-    for (int i = 0; i < 60; ++i)
+    for (int i = 0; i < 60; ++i) {
         walked = advance(GetParam(), walked, 1 / 60.0);
+    }
     EXPECT_NEAR(walked.displacement, advance(GetParam(), {1, 0}, 1).displacement, 1e-9);
 }
 
 TEST_P(SpringMotion, settlesForGood) {
     double seconds = 0;
-    while (!isSettled(GetParam(), advance(GetParam(), {1, 0}, seconds), 0.001))
+    while (!isSettled(GetParam(), advance(GetParam(), {1, 0}, seconds), 0.001)) {
         seconds += 0.01;
+    }
     ASSERT_LT(seconds, 10);
-    for (double later = seconds; later < seconds + 2; later += 0.01)
+    for (double later = seconds; later < seconds + 2; later += 0.01) {
         EXPECT_LT(std::abs(advance(GetParam(), {1, 0}, later).displacement), 0.001);
+    }
 }
 
 INSTANTIATE_TEST_SUITE_P(Shapes, SpringMotion,

@@ -56,8 +56,9 @@ TEST(Spring, waitsForItsDelay) {
     clock.start();
     qint64 moved = -1;
     QObject::connect(&spring, &Spring::valueChanged, [&] {
-        if (moved < 0)
+        if (moved < 0) {
             moved = clock.elapsed();
+        }
     });
     spring.setTo(1);
     ASSERT_TRUE(QTest::qWaitFor([&] { return moved >= 0; }, kPatience));
