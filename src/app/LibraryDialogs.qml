@@ -79,8 +79,7 @@ Item {
         title: qsTr("Error")
         text: dialogs.errorMessage
         confirmText: qsTr("OK")
-        onConfirmed: renameAgain.wanted ? renameAgain.reopen() : dialogs.finished()
-        onCancelled: renameAgain.wanted ? renameAgain.reopen() : dialogs.finished()
+        onClosed: renameAgain.wanted ? renameAgain.reopen() : dialogs.finished()
     }
     AlertDialog {
         id: deleteAlert

@@ -87,6 +87,8 @@ Rectangle {
     }
     Component.onCompleted: number.text = value
     onValueChanged: {
+        if (number.text === "")
+            return // the first number is there from the start
         old.text = number.text
         number.text = value
         change.restart()

@@ -82,6 +82,20 @@ AppScene {
             keyClick(Qt.Key_A, Qt.ControlModifier)
             compare(scene.library.selectedCount, 0)
         }
+        function test_theKeyboardGoesToTheTakesWhenTheyArrive() {
+            scene.app.currentMode = "permission"
+            scene.library.fill(0)
+            scene.app.currentMode = "home"
+            frame()
+            scene.library.fill(6)
+            frame()
+            keyClick(Qt.Key_Right)
+            compare(grid.currentIndex, 1)
+            scene.library.fill(0)
+            frame()
+            keyClick(Qt.Key_Return) // the button of the empty library
+            compare(scene.app.currentMode, "recording")
+        }
         function test_anEmptyLibraryShowsThatAndNoSelectionBar() {
             scene.library.fill(0)
             verify(home.empty)
@@ -144,13 +158,17 @@ AppScene {
             compare(scene.library.calls, ["rename take-1 N"])
             tryVerify(() => openAlert() === null)
         }
-        function test_aRefusedNameIsToldAndTheDialogReturnsAsTyped() {
+        function test_aRefusedNameIsToldAndTheDialogReturnsAsTyped_data() {
+            return [{ tag: "read at once", reading: 0 }, { tag: "read slowly", reading: 500 }]
+        }
+        function test_aRefusedNameIsToldAndTheDialogReturnsAsTyped(data) {
             scene.library.problem = "Name cannot be empty."
             home.dialogs.askForName(scene.library.recordings[1])
             shownAlert("Rename Recording")
             home.dialogs.renameText = "   "
             keyClick(Qt.Key_Return)
             compare(shownAlert("Error").text, "Name cannot be empty.")
+            wait(data.reading)
             keyClick(Qt.Key_Return)
             shownAlert("Rename Recording")
             compare(home.dialogs.renameText, "   ")
