@@ -24,8 +24,10 @@ constexpr std::array kH264{
     EncoderKind{"libx264", AV_PIX_FMT_YUV420P, AV_HWDEVICE_TYPE_NONE, false},
 };
 
-/// Short enough that going to any picture decodes little before it.
-constexpr int kSecondsBetweenKeyFrames = 2;
+/// Between key frames, in seconds. Short enough that going to any picture decodes little before
+/// it; of what is recorded every picture is gone to while it is edited (docs/encoding.md).
+constexpr double kLiveKeyFrames = 0.5;
+constexpr double kFilmKeyFrames = 2;
 
 /// The peak over the average: room for a window that opens.
 constexpr double kPeakFactor = 1.5;
@@ -133,7 +135,8 @@ void configureEncoder(AVCodecContext& context, Options& options, const EncoderKi
     context.rc_max_rate =
         static_cast<std::int64_t>(static_cast<double>(settings.bitRate) * kPeakFactor);
     context.rc_buffer_size = static_cast<int>(std::min<std::int64_t>(settings.bitRate, 1 << 30));
-    context.gop_size = rate * kSecondsBetweenKeyFrames;
+    const double keyFrames = settings.realTime ? kLiveKeyFrames : kFilmKeyFrames;
+    context.gop_size = std::max(static_cast<int>(rate * keyFrames), 1);
     context.max_b_frames = 0;
     context.flags |= AV_CODEC_FLAG_GLOBAL_HEADER;
     if (settings.codec == VideoCodec::hevc) {
