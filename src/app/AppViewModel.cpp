@@ -84,6 +84,8 @@ void AppViewModel::setCurrentMode(AppMode mode) {
     if (m_currentMode != mode) {
         if (mode == AppMode::recording()) {
             emit recordingScreenWillOpen();
+        } else if (mode.screen == AppMode::Screen::editing) {
+            emit editorWillOpen(textOf(mode.url));
         }
         m_currentMode = std::move(mode);
         emit currentModeChanged();

@@ -139,6 +139,7 @@ public:
 signals:
     /// Before the mode changes to recording, so that the screen finds its view model.
     void recordingScreenWillOpen();
+    void editorWillOpen(const QString& folder);
     void currentModeChanged();
     void recordingsChanged();
     void showSettingsChanged();

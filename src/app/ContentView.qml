@@ -1,5 +1,6 @@
 import QtQuick
 import Tavi.Capture
+import Tavi.Editor
 import Tavi.Ui
 
 /// The one window's content: the screen of the mode, and the settings over it.
@@ -67,8 +68,9 @@ Rectangle {
     }
     Component {
         id: editing
-        EditorPlaceholder {
+        EditorView {
             appViewModel: view.appViewModel
+            screen: view.taviApp.editorScreen
         }
     }
 

@@ -11,6 +11,7 @@ namespace tavi {
 TaviApp::TaviApp(TaviAppPorts ports, const PackageConfiguration& package,
                  const ProgramVersion& version, const QLocale& locale)
     : m_makeRecording(std::move(ports.makeRecording)),
+      m_makeEditor(std::move(ports.makeEditor)),
       m_inputMonitoring(ports.inputMonitoring),
       m_lockFolder(std::move(ports.recorderLockFolder)),
       m_updaterController(std::move(ports.updater), package, version.version),
@@ -26,6 +27,8 @@ TaviApp::TaviApp(TaviAppPorts ports, const PackageConfiguration& package,
             &TaviApp::openRecordingScreen);
     connect(&m_appViewModel, &AppViewModel::currentModeChanged, this,
             &TaviApp::closeRecordingScreen);
+    connect(&m_appViewModel, &AppViewModel::editorWillOpen, this, &TaviApp::openEditor);
+    connect(&m_appViewModel, &AppViewModel::currentModeChanged, this, &TaviApp::closeEditor);
     connect(&m_appViewModel, &AppViewModel::recordingsChanged, &m_thumbnails,
             &TakeThumbnails::retryFailures);
     connect(&m_homeViewModel, &HomeViewModel::recordingGone, &m_thumbnails, &TakeThumbnails::drop);
@@ -43,6 +46,21 @@ void TaviApp::closeRecordingScreen() {
         // The screen goes with the mode, a moment from now; its view model behind it.
         m_appViewModel.setRecordingViewModel(nullptr);
         m_recordingViewModel.release()->deleteLater();
+    }
+}
+
+void TaviApp::openEditor(const QString& folder) {
+    auto opened = m_makeEditor(pathOf(folder));
+    std::swap(m_editorScreen, opened);
+    emit editorScreenChanged();
+    if (opened) {
+        opened.release()->deleteLater(); // its screen shows it a moment longer
+    }
+}
+
+void TaviApp::closeEditor() {
+    if (m_editorScreen && m_appViewModel.currentMode().screen != AppMode::Screen::editing) {
+        m_editorScreen.release()->deleteLater();
     }
 }
 

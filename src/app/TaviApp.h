@@ -11,6 +11,7 @@
 #include "app/UserDefaults.h"
 #include "capture/InputMonitoringService.h"
 #include "capture/RecordingViewModel.h"
+#include "editor/EditorScreenViewModel.h"
 
 #include <QLocale>
 #include <QObject>
@@ -28,6 +29,8 @@ struct TaviAppPorts {
     AppPorts app;
     /// Makes the view model of one recording screen; null where nothing can be recorded.
     std::function<std::unique_ptr<RecordingViewModel>()> makeRecording;
+    /// Opens a take in an editor.
+    std::function<std::unique_ptr<EditorScreenViewModel>(const std::filesystem::path&)> makeEditor;
     InputMonitoringService& inputMonitoring;
     ImageGenerator& images;
     UserDefaults& defaults;
@@ -51,6 +54,9 @@ class TaviApp : public QObject {
     /// Changes only when a recording screen opens; a screen that closes may still look at its own.
     Q_PROPERTY(tavi::RecordingViewModel* recordingViewModel READ recordingViewModel NOTIFY
                    recordingViewModelChanged)
+    /// The open take; changes only when one is opened, likewise.
+    Q_PROPERTY(
+        tavi::EditorScreenViewModel* editorScreen READ editorScreen NOTIFY editorScreenChanged)
 
 public:
     TaviApp(TaviAppPorts ports, const PackageConfiguration& package, const ProgramVersion& version,
@@ -66,19 +72,25 @@ public:
     UpdaterController* updaterController() { return &m_updaterController; }
     InputMonitoringService* inputMonitoring() { return &m_inputMonitoring; }
     RecordingViewModel* recordingViewModel() { return m_recordingViewModel.get(); }
+    EditorScreenViewModel* editorScreen() { return m_editorScreen.get(); }
 
     /// Ends the running take as a click on the status item would; nothing without one.
     void stopTake();
 
 signals:
     void recordingViewModelChanged();
+    void editorScreenChanged();
 
 private:
+    void openEditor(const QString& folder);
+    void closeEditor();
     void openRecordingScreen();
     void closeRecordingScreen();
     void takeEndedByItself(const QString& folder);
 
     std::function<std::unique_ptr<RecordingViewModel>()> m_makeRecording;
+    std::function<std::unique_ptr<EditorScreenViewModel>(const std::filesystem::path&)>
+        m_makeEditor;
     InputMonitoringService& m_inputMonitoring;
     std::filesystem::path m_lockFolder;
     UpdaterController m_updaterController;
@@ -88,6 +100,7 @@ private:
     HomeViewModel m_homeViewModel;
     SettingsViewModel m_settingsViewModel;
     TakeThumbnails m_thumbnails;
+    std::unique_ptr<EditorScreenViewModel> m_editorScreen;
     std::unique_ptr<RecordingViewModel> m_recordingViewModel; ///< Goes first, and saves its take.
 };
 

@@ -3,6 +3,7 @@
 #include "app/program/LiveSystem.h"
 #include "app/program/Translations.h"
 #include "capture/RecorderLock.h"
+#include "editor/TimelineQuickItem.h"
 #include "platform/desktop/SingleInstance.h"
 #include "platform/qt/UnixSignals.h"
 #include "ui/QuickSetup.h"
@@ -60,6 +61,7 @@ std::unique_ptr<UnixSignals> handleSignals(TaviApp& app) {
 int show(QApplication& application, SingleInstance& instance, const Arguments& arguments) {
     QQmlEngine engine;
     setUpEngine(engine);
+    registerEditorItems();
     LiveSystem system(engine);
     TaviApp app(system.ports(), system.package(), {TAVI_VERSION, TAVI_BUILD}, QLocale());
     QtApplicationWindows windows;

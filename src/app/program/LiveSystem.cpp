@@ -42,6 +42,16 @@ QIcon recordingIcon(const std::string& symbolName) {
     return icon;
 }
 
+/// Shows finished films in the desktop's file manager.
+class WorkspaceViewer final : public FileViewer {
+public:
+    explicit WorkspaceViewer(Workspace& workspace) : m_workspace(workspace) {}
+    void select(const std::filesystem::path& file) override { m_workspace.reveal(file); }
+
+private:
+    Workspace& m_workspace;
+};
+
 } // namespace
 
 LiveSystem::LiveSystem(QQmlEngine& engine)
@@ -55,6 +65,8 @@ LiveSystem::LiveSystem(QQmlEngine& engine)
       m_colours(std::make_shared<YuvConverter>()),
       m_media(m_colours),
       m_images(m_colours),
+      m_players(m_main, m_colours, m_sound),
+      m_fileViewer(std::make_unique<WorkspaceViewer>(m_workspace)),
       m_inputMonitoring({m_launcher, m_timers, m_main,
                          [] { return helperExecutablePath(runningExecutableFolder()); },
                          processExists,
@@ -72,6 +84,7 @@ TaviAppPorts LiveSystem::ports() {
              m_background,
              recordingsDirectory()},
             [this] { return makeRecording(); },
+            [this](const std::filesystem::path& folder) { return makeEditor(folder); },
             m_inputMonitoring,
             m_images,
             m_defaults,
@@ -115,6 +128,21 @@ std::unique_ptr<RecordingViewModel> LiveSystem::makeRecording() {
         [] { return recordingsDirectory(); },
         std::cout,
         "tavlin"});
+}
+
+std::unique_ptr<EditorScreenViewModel> LiveSystem::makeEditor(const std::filesystem::path& folder) {
+    const auto readImage = [this](const std::filesystem::path& path) {
+        return m_imageFiles.readPng(path).value_or(nullptr);
+    };
+    const auto makeExport = [this] {
+        return std::make_unique<VideoExportService>(m_media, m_clock);
+    };
+    return std::make_unique<EditorScreenViewModel>(
+        folder,
+        EditorPorts{m_players, m_media, readImage, m_clock, m_main, m_editing, m_timers,
+                    recordingsDirectory()},
+        std::make_unique<ExportViewModel>(
+            ExportViewModel::Ports{makeExport, m_clock, m_savePanel, *m_fileViewer}));
 }
 
 } // namespace tavi

@@ -4,6 +4,7 @@
 #include "base/QueueExecutor.h"
 #include "capture/PosixHelperLauncher.h"
 #include "platform/desktop/CountdownPanels.h"
+#include "platform/desktop/DesktopSavePanel.h"
 #include "platform/desktop/DesktopScreenPermission.h"
 #include "platform/desktop/DesktopWorkspace.h"
 #include "platform/desktop/HttpDownloads.h"
@@ -14,8 +15,10 @@
 #include "platform/ffmpeg/FfmpegImageFiles.h"
 #include "platform/ffmpeg/FfmpegImageGenerator.h"
 #include "platform/ffmpeg/FfmpegMediaLibrary.h"
+#include "platform/ffmpeg/FfmpegMediaPlayers.h"
 #include "platform/pipewire/PipeWireDevices.h"
 #include "platform/pipewire/PipeWireSessions.h"
+#include "platform/pipewire/PipeWireSoundOutputs.h"
 #include "platform/qt/QtExecutor.h"
 #include "platform/qt/QtTimers.h"
 #include "platform/x11/X11Pointer.h"
@@ -43,6 +46,7 @@ public:
 
 private:
     std::unique_ptr<RecordingViewModel> makeRecording();
+    std::unique_ptr<EditorScreenViewModel> makeEditor(const std::filesystem::path& folder);
     bool openPointer();
 
     std::filesystem::path m_packageFolder;
@@ -71,12 +75,18 @@ private:
     FfmpegMediaLibrary m_media;
     FfmpegImageFiles m_imageFiles;
     FfmpegImageGenerator m_images;
+    PipeWireSoundOutputs m_sound;
+    FfmpegMediaPlayers m_players;
+    DesktopSavePanel m_savePanel;
+    std::unique_ptr<FileViewer> m_fileViewer;
     std::unique_ptr<PipeWireDevices> m_devices; ///< Made for the first recording screen.
     PipeWireSessions m_sessions;
     PosixHelperLauncher m_launcher;
     InputMonitoringService m_inputMonitoring;
 
-    QueueExecutor m_background{"com.tavi.app"}; ///< Goes first: its blocks look at the rest.
+    // These go first: their blocks look at the rest.
+    QueueExecutor m_background{"com.tavi.app"};
+    QueueExecutor m_editing{"com.tavi.editor"}; ///< What an open take shows and analyses.
 };
 
 } // namespace tavi

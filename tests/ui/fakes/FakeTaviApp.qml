@@ -8,5 +8,6 @@ QtObject {
     property FakeSettingsManager settingsManager: FakeSettingsManager {}
     property FakeThumbnails thumbnails: FakeThumbnails {}
     property FakeRecordingViewModel recordingViewModel: FakeRecordingViewModel {}
+    property QtObject editorScreen: testEditor.screen
     property FakeInputMonitoring inputMonitoring: FakeInputMonitoring {}
 }

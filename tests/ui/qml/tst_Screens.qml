@@ -46,7 +46,7 @@ AppScene {
         function test_everyModeHasItsScreen_data() {
             return [{ tag: "splash", type: "SplashView" }, { tag: "permission", type: "PermissionView" },
                     { tag: "home", type: "HomeView" }, { tag: "recording", type: "RecordingView" },
-                    { tag: "editing", type: "EditorPlaceholder" }]
+                    { tag: "editing", type: "EditorView" }]
         }
         function test_everyModeHasItsScreen(data) {
             scene.app.currentMode = data.tag
