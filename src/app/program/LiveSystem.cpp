@@ -1,6 +1,7 @@
 #include "app/program/LiveSystem.h"
 
 #include "capture/HelperPath.h"
+#include "capture/TakeRecovery.h"
 #include "platform/x11/X11Compositor.h"
 #include "project/RecordingFolder.h"
 #include "render/YuvConverter.h"
@@ -82,7 +83,10 @@ TaviAppPorts LiveSystem::ports() {
              m_timers,
              m_main,
              m_background,
-             recordingsDirectory()},
+             recordingsDirectory(),
+             [this](const std::filesystem::path& folder) {
+                 return TakeRecovery(m_media, m_imageFiles).recover(folder);
+             }},
             [this] { return makeRecording(); },
             [this](const std::filesystem::path& folder) { return makeEditor(folder); },
             m_inputMonitoring,
