@@ -81,7 +81,9 @@ AppScene {
             compare(scene.app.calls, ["leaveEditor"])
             mouseClick(itemNamed("Settings"))
             verify(scene.app.showSettings)
-            scene.app.showSettings = false
+            tryVerify(() => settings().opened)
+            keyClick(Qt.Key_Escape)
+            tryVerify(() => !settings().visible)
         }
         function openSettings() {
             scene.app.showSettings = true
