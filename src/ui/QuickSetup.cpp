@@ -77,6 +77,8 @@ void setUpFonts() {
 void setUpEngine(QQmlEngine& engine) {
     qml_register_types_Tavi_Ui();
     engine.addImportPath(QStringLiteral("qrc:/qt/qml"));
+    QObject::connect(&engine, &QQmlEngine::quit, QCoreApplication::instance(),
+                     &QCoreApplication::quit, Qt::QueuedConnection);
 }
 
 } // namespace tavi

@@ -22,7 +22,7 @@ QString chooseGraphics();
 /// Thread: main.
 void setUpFonts();
 
-/// Lets `engine` find the program's QML modules.
+/// Lets `engine` find the program's QML modules, and end the program by Qt.quit().
 /// Thread: main.
 void setUpEngine(QQmlEngine& engine);
 

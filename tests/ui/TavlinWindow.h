@@ -1,0 +1,72 @@
+#pragma once
+
+#include "platform/x11/XTestServer.h"
+#include "support/TemporaryFolder.h"
+
+#include <QImage>
+#include <QPoint>
+#include <QProcess>
+#include <QSize>
+
+#include <filesystem>
+#include <functional>
+#include <string>
+
+namespace tavi::test {
+
+/// The real program in a window of a real desktop (an X server with a window
+/// manager), used by pointer and keys.
+///
+/// Everything lies in a folder of its own and ends with the object.
+class TavlinWindow {
+public:
+    TavlinWindow();
+    ~TavlinWindow();
+
+    std::filesystem::path library() const { return m_folder / "Documents" / "Tavlin"; }
+
+    /// A take with a red film; a higher `age` is a later date.
+    void addTake(const std::string& name, int age);
+
+    /// Starts the program and waits for its window.
+    void start();
+
+    QSize size();
+    void resize(QSize size);
+
+    /// What the window shows.
+    QImage picture();
+    /// The colour is that at a place, or close to it.
+    bool shows(QPoint place, const QColor& colour);
+
+    /// Clicks a button of the mouse at a place of the window.
+    void click(QPoint place, int button = 1, const std::string& modifier = "");
+    /// Presses keys, one after the other.
+    template<typename... Keys>
+    void press(const Keys&... keys) {
+        (pressKey(keys), ...);
+    }
+    void type(const std::string& text);
+
+    /// Waits until two pictures, taken a moment apart, are the same.
+    void waitUntilStill();
+    /// Waits until a condition holds; false when it doesn't for a long time.
+    bool eventually(const std::function<bool()>& condition);
+    void pass(double seconds);
+
+    bool hasEnded();
+    /// Processor time that the program took until now.
+    double processorSeconds();
+
+private:
+    std::string output(const QString& program, const QStringList& arguments);
+    void pressKey(const std::string& key);
+
+    TemporaryFolder m_folder;
+    XTestServer m_server{"1280x800x24"};
+    QProcess m_manager;
+    QProcess m_program;
+    std::string m_window; ///< Number of the window in the X server.
+};
+
+} // namespace tavi::test
