@@ -1,7 +1,10 @@
 #include "app/RunningApp.h"
 #include "app/TaviApp.h"
 #include "capture/RecorderLock.h"
+#include "fakes/FakeAssets.h"
+#include "fakes/FakePlayer.h"
 
+#include <QPointer>
 #include <gmock/gmock.h>
 
 namespace tavi {
@@ -15,6 +18,16 @@ public:
                                                  Size) override {
         return fail(MediaError{MediaError::Kind::notFound, path.string(), ""});
     }
+};
+
+class NoPanel final : public SavePanel {
+public:
+    void chooseFile(const std::string&, Answer answer) override { answer({}); }
+};
+
+class NoViewer final : public FileViewer {
+public:
+    void select(const std::filesystem::path&) override {}
 };
 
 class NoDownloads final : public Downloads {
@@ -39,6 +52,7 @@ protected:
         program = std::make_unique<TaviApp>(
             TaviAppPorts{ports(),
                          [this] { return makeModel(); },
+                         [this](const std::filesystem::path& folder) { return makeEditor(folder); },
                          keys,
                          images,
                          defaults,
@@ -49,12 +63,27 @@ protected:
         timers.tick(AppViewModel::kSplashSeconds);
         settle();
     }
+    std::unique_ptr<EditorScreenViewModel> makeEditor(const std::filesystem::path& folder) {
+        openedTakes.push_back(folder);
+        return std::make_unique<EditorScreenViewModel>(
+            folder,
+            EditorPorts{players, assets, [](const auto&) { return nullptr; }, clock, appMain,
+                        background, timers, library.path()},
+            std::make_unique<ExportViewModel>(
+                ExportViewModel::Ports{nullptr, clock, panel, viewer}));
+    }
     void openRecordingScreen() {
         launchHome();
         program->appViewModel()->newRecording();
     }
 
     test::TemporaryFolder lockFolder;
+    CallLog playing;
+    FakePlayers players{playing};
+    FakeAssets assets;
+    NoPanel panel;
+    NoViewer viewer;
+    std::vector<std::filesystem::path> openedTakes;
     FakeUserDefaults defaults;
     NoImages images;
     NoDownloads downloads;
@@ -88,6 +117,39 @@ TEST_F(TaviAppTest, theCommandForUpdatesAnswersInTheWindow) {
     EXPECT_THAT(program->appViewModel()->notice(), HasSubstr("package manager"));
 }
 
+TEST_F(TaviAppTest, aTakeIsOpenBeforeTheModeChanges) {
+    launchHome();
+    EXPECT_EQ(program->editorScreen(), nullptr);
+    bool wasThere = false;
+    QObject::connect(program->appViewModel(), &AppViewModel::currentModeChanged, program.get(),
+                     [&] { wasThere = program->editorScreen() != nullptr; });
+    program->appViewModel()->openTake(library / "one");
+    EXPECT_TRUE(wasThere);
+    EXPECT_THAT(openedTakes, testing::ElementsAre(library / "one"));
+}
+
+TEST_F(TaviAppTest, anotherTakeReplacesTheOpenOne) {
+    launchHome();
+    program->appViewModel()->openTake(library / "one");
+    const QPointer first(program->editorScreen());
+    program->appViewModel()->openTake(library / "two");
+    EXPECT_NE(program->editorScreen(), first.data());
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    EXPECT_TRUE(first.isNull());
+    EXPECT_THAT(openedTakes, testing::ElementsAre(library / "one", library / "two"));
+}
+
+TEST_F(TaviAppTest, aTakeIsClosedWithItsScreen) {
+    launchHome();
+    program->appViewModel()->openTake(library / "one");
+    const QPointer first(program->editorScreen());
+    program->appViewModel()->leaveEditor();
+    EXPECT_EQ(program->editorScreen(), nullptr);
+    EXPECT_FALSE(first.isNull()) << "its screen looks at it a moment longer";
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    EXPECT_TRUE(first.isNull());
+}
+
 TEST_F(TaviAppTest, theNewsAreThoseOfTheRunningVersion) {
     launchHome();
     EXPECT_TRUE(program->notificationViewModel()->hasUnread());
@@ -95,24 +157,24 @@ TEST_F(TaviAppTest, theNewsAreThoseOfTheRunningVersion) {
 
 TEST_F(TaviAppTest, aCountdownHoldsTheLockOfTheOneRecorder) {
     openRecordingScreen();
-    auto* opened = program->recordingViewModel();
-    run(opened->loadSources());
-    opened->startCountdown([] {});
+    auto* recording = program->recordingViewModel();
+    run(recording->loadSources());
+    recording->startCountdown([] {});
     EXPECT_TRUE(test::runLoopUntil([&] {
         return std::filesystem::exists(lockFolder.path()) &&
                !std::filesystem::is_empty(lockFolder.path());
     }));
-    EXPECT_TRUE(opened->isCountingDown());
+    EXPECT_TRUE(recording->isCountingDown());
     EXPECT_EQ(program->appViewModel()->notice(), "");
 }
 
 TEST_F(TaviAppTest, withoutAPlaceForTheLockTheCountdownEndsAndTheUserIsTold) {
     std::filesystem::remove_all(lockFolder.path());
     openRecordingScreen();
-    auto* opened = program->recordingViewModel();
-    run(opened->loadSources());
-    opened->startCountdown([] {});
-    EXPECT_TRUE(test::runLoopUntil([&] { return !opened->isCountingDown(); }));
+    auto* recording = program->recordingViewModel();
+    run(recording->loadSources());
+    recording->startCountdown([] {});
+    EXPECT_TRUE(test::runLoopUntil([&] { return !recording->isCountingDown(); }));
     EXPECT_NE(program->appViewModel()->notice(), "");
 }
 
