@@ -84,7 +84,9 @@ std::string outputOf(const std::string& command) {
 }
 
 fs::path generated(const std::string& name, const std::string& arguments) {
-    fs::path path = mediaFolder() / name;
+    // Two tests may well think of one name.
+    fs::path path = mediaFolder() / fmt::format("{:x}", std::hash<std::string>()(arguments)) / name;
+    fs::create_directories(path.parent_path());
     if (!fs::exists(path)) {
         const std::string command = fmt::format(
             "timeout 60 ffmpeg -nostdin -v error -y {} '{}' </dev/null", arguments, path.string());
