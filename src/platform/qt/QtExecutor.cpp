@@ -1,6 +1,5 @@
 #include "platform/qt/QtExecutor.h"
 
-#include <QCoreApplication>
 #include <QObject>
 
 #include <deque>
@@ -16,8 +15,6 @@ class MainQueue : public QObject {
     Q_OBJECT
 
 public:
-    MainQueue() { moveToThread(QCoreApplication::instance()->thread()); }
-
     void post(std::function<void()> block) {
         {
             const std::lock_guard lock(m_mutex);
@@ -39,11 +36,20 @@ private:
     std::deque<std::function<void()>> m_blocks;
 };
 
+/// Lives on the thread that asks first.
+MainQueue& mainQueue() {
+    static auto* const queue = new MainQueue; // threads may still post while the process ends
+    return *queue;
+}
+
 } // namespace
 
+QtExecutor::QtExecutor() {
+    mainQueue();
+}
+
 void QtExecutor::post(std::function<void()> block) {
-    static auto* const queue = new MainQueue; // threads may still post while the process ends
-    queue->post(std::move(block));
+    mainQueue().post(std::move(block));
 }
 
 } // namespace tavi
