@@ -48,8 +48,7 @@ public:
         }
         const double processor = processorSeconds();
         print("exact seek", seekThrough(times));
-        fmt::print("processor: {:.1f} ms a seek\n",
-                   (processorSeconds() - processor) / count * 1e3);
+        fmt::print("processor: {:.1f} ms a seek\n", (processorSeconds() - processor) / count * 1e3);
     }
 
     void step(int count) {

@@ -100,8 +100,8 @@ MediaTime trackEnd(const AVStream& stream) {
 } // namespace
 
 bool isReasonable(Size pictureSize) {
-    return pictureSize.width >= 1 && pictureSize.height >= 1 &&
-           pictureSize.width <= kLargestSide && pictureSize.height <= kLargestSide;
+    return pictureSize.width >= 1 && pictureSize.height >= 1 && pictureSize.width <= kLargestSide &&
+           pictureSize.height <= kLargestSide;
 }
 
 MediaTime streamTime(std::int64_t ticks, AVRational timeBase) {

@@ -20,9 +20,8 @@ std::vector<Film> films() {
     const std::string source = numberedSource(30, 4);
     return {
         {"reordered.mov", source + " -pix_fmt yuv420p -c:v libx264 -bf 3 -g 40 -preset veryfast"},
-        {"pyramid.mp4", source +
-                            " -pix_fmt yuv420p -c:v libx264 -bf 8 -g 60 -x264-params "
-                            "b-adapt=0:b-pyramid=normal -preset veryfast"},
+        {"pyramid.mp4", source + " -pix_fmt yuv420p -c:v libx264 -bf 8 -g 60 -x264-params "
+                                 "b-adapt=0:b-pyramid=normal -preset veryfast"},
         {"hevc.mp4", source + " -pix_fmt yuv420p -c:v libx265 -tag:v hvc1 -preset superfast "
                               "-x265-params log-level=none:keyint=50:bframes=4"},
         {"onlyforward.mov", source + " -pix_fmt yuv420p -c:v libx264 -bf 0 -g 250"},
