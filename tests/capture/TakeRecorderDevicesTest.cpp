@@ -1,14 +1,8 @@
 #include "capture/CursorImageBytes.h"
 #include "capture/TakeRecorder.h"
-#include "fakes/FakeCapture.h"
-#include "fakes/FakeClock.h"
-#include "fakes/FakeExecutor.h"
-#include "fakes/FakeHelper.h"
 #include "fakes/FakeMedia.h"
-#include "fakes/FakePointer.h"
-#include "fakes/FakeScreen.h"
+#include "fakes/FakeTakeSurroundings.h"
 #include "project/RecordingMetadataJson.h"
-#include "support/TemporaryFolder.h"
 
 #include <gmock/gmock.h>
 
@@ -20,7 +14,7 @@ using testing::ElementsAre;
 using testing::Not;
 using State = AudioCaptureService::State;
 
-class TakeRecorderDevicesTest : public testing::Test {
+class TakeRecorderDevicesTest : public testing::Test, protected FakeTakeSurroundings {
 protected:
     TakeRecorderDevicesTest() {
         pointer.arrow = {cursorImageBytes(PixelBuffer(2, 2), 0, 0), {0, 0}, {2, 2}};
@@ -66,23 +60,11 @@ protected:
     std::vector<std::string> newCalls() { return log.newCalls(); }
 
     const Display display{3, "test", 640, 480, {0, 0, 640, 480}, true};
-    test::TemporaryFolder library;
     CallLog log;
-    FakeScreenStreams screen;
     FakeMediaLibrary media{&log};
     FakeCaptureSessions sessions{&log};
     FakeImageFiles images;
-    FakePointer pointer;
-    FakeHelperLauncher launcher;
-    FakeClock clock;
-    FakeExecutor main;
-    TakeDevices devices;
-    TakeRecorder recorder{
-        {screen,
-         media,
-         images,
-         {pointer, pointer, pointer, launcher, clock, main, nullptr, "/package/TaviKeys"},
-         &sessions}};
+    TakeRecorder recorder{ports(media, images, sessions)};
 };
 
 TEST_F(TakeRecorderDevicesTest, warmMicrophoneIsHandedOverWithItsSessionRunning) {

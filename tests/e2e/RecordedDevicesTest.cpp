@@ -1,16 +1,10 @@
 #include "capture/CursorImageBytes.h"
 #include "capture/TakeRecorder.h"
-#include "fakes/FakeCapture.h"
-#include "fakes/FakeClock.h"
-#include "fakes/FakeExecutor.h"
-#include "fakes/FakeHelper.h"
-#include "fakes/FakePointer.h"
-#include "fakes/FakeScreen.h"
+#include "fakes/FakeTakeSurroundings.h"
 #include "platform/ffmpeg/FfmpegImageFiles.h"
 #include "platform/ffmpeg/FfmpegMediaLibrary.h"
 #include "project/RecordingMetadataJson.h"
 #include "render/YuvConverter.h"
-#include "support/TemporaryFolder.h"
 
 #include <gmock/gmock.h>
 
@@ -57,7 +51,7 @@ PixelBufferPtr greyPicture(Size size, int shade) {
 }
 
 /// Takes whose screen, camera and microphone are the test's, and whose files are real ones.
-class RecordedDevicesTest : public testing::Test {
+class RecordedDevicesTest : public testing::Test, protected FakeTakeSurroundings {
 protected:
     RecordedDevicesTest() {
         pointer.arrow = {cursorImageBytes(PixelBuffer(2, 2), 0, 0), {0, 0}, {2, 2}};
@@ -139,22 +133,10 @@ protected:
     }
 
     const Display display{3, "test", 320, 180, {0, 0, 320, 180}, true};
-    test::TemporaryFolder library;
-    FakeScreenStreams screen;
     FfmpegMediaLibrary media{std::make_shared<YuvConverter>()};
     FfmpegImageFiles images;
     FakeCaptureSessions sessions;
-    FakePointer pointer;
-    FakeHelperLauncher launcher;
-    FakeClock clock;
-    FakeExecutor main;
-    TakeDevices devices;
-    TakeRecorder recorder{
-        {screen,
-         media,
-         images,
-         {pointer, pointer, pointer, launcher, clock, main, nullptr, "/package/TaviKeys"},
-         &sessions}};
+    TakeRecorder recorder{ports(media, images, sessions)};
     std::filesystem::path folder;
 };
 
