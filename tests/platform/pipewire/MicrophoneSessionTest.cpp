@@ -256,13 +256,22 @@ TEST(MicrophoneSession, unpluggedMicrophoneIsQuietAndContinuesWhenItIsBack) {
     EXPECT_LT(pause, 5);
 }
 
-TEST(MicrophoneSession, outlivesTheDaemonAndContinuesWithANewOne) {
+/// A microphone whose sound comes, and the server that it may lose.
+class RunningMicrophone : public testing::Test {
+protected:
+    void SetUp() override {
+        ASSERT_NO_FATAL_FAILURE(rig.add(microphone("mic")));
+        rig.session().startRunning();
+        ASSERT_TRUE(rig.waitForCount(5));
+    }
+
     PipeWireTestServer server;
-    auto fake = std::make_unique<FakeMicrophone>("mic", "Fake", FakeSound{});
+    std::unique_ptr<FakeMicrophone> fake =
+        std::make_unique<FakeMicrophone>("mic", "Fake", FakeSound{});
     SessionRig rig;
-    ASSERT_NO_FATAL_FAILURE(rig.add(microphone("mic")));
-    rig.session().startRunning();
-    ASSERT_TRUE(rig.waitForCount(5));
+};
+
+TEST_F(RunningMicrophone, outlivesTheDaemonAndContinuesWithANewOne) {
     server.die();
     ASSERT_TRUE(rig.waitForInterruption(ErrorKind::noService));
     EXPECT_NE(rig.session().interruption()->description().find("PipeWire"), std::string::npos);
@@ -274,13 +283,7 @@ TEST(MicrophoneSession, outlivesTheDaemonAndContinuesWithANewOne) {
     EXPECT_EQ(rig.session().interruption(), std::nullopt);
 }
 
-TEST(MicrophoneSession, outlivesTheSessionManagerAndContinuesWithANewOne) {
-    PipeWireTestServer server;
-    auto fake = std::make_unique<FakeMicrophone>("mic", "Fake", FakeSound{});
-    SessionRig rig;
-    ASSERT_NO_FATAL_FAILURE(rig.add(microphone("mic")));
-    rig.session().startRunning();
-    ASSERT_TRUE(rig.waitForCount(5));
+TEST_F(RunningMicrophone, outlivesTheSessionManagerAndContinuesWithANewOne) {
     server.killManager();
     ASSERT_TRUE(rig.waitForInterruption(ErrorKind::unconnected));
     EXPECT_THAT(rig.session().interruption()->description(), testing::HasSubstr("WirePlumber"));
