@@ -3,6 +3,7 @@
 #include "base/Utf8.h"
 #include "project/KeyLineJson.h"
 
+#include <algorithm>
 #include <array>
 #include <cmath>
 #include <limits>
@@ -12,6 +13,8 @@ namespace tavi {
 namespace {
 
 constexpr double kAbsent = std::numeric_limits<double>::quiet_NaN();
+/// A line of the helper that seems to be older was not delayed: its clock is another one. Seconds.
+constexpr double kLongestDelay = 1;
 constexpr Date kDistantPast{-std::numeric_limits<double>::infinity()};
 
 /// The kinds of the log other than moves, in the order of their monitors.
@@ -120,14 +123,16 @@ void CursorTrackingService::recordEvent(CursorEventType type) {
         return;
     }
     const Point p = pointInFrame();
-    const bool inside =
-        p.x >= 0 && p.x <= m_captureFrame.width && p.y >= 0 && p.y <= m_captureFrame.height;
-    if (!inside) {
+    if (!isInFrame(p)) {
         return;
     }
     const std::int64_t imageId = currentImageId();
     const double timestamp = m_ports.clock.now().since(*start);
     m_events.push_back({timestamp, p.x, p.y, type, imageId, std::nullopt, std::nullopt});
+}
+
+bool CursorTrackingService::isInFrame(Point p) const {
+    return p.x >= 0 && p.x <= m_captureFrame.width && p.y >= 0 && p.y <= m_captureFrame.height;
 }
 
 std::int64_t CursorTrackingService::currentImageId() {
@@ -167,8 +172,9 @@ void CursorTrackingService::startHelper() {
     if (m_ports.permission != nullptr) {
         m_ports.main.post([permission = m_ports.permission] { permission->stopProbe(); });
     }
-    m_helper = m_ports.launcher.launch(
-        *m_ports.helperPath, [this](std::string_view chunk) { handleHelperChunk(chunk); });
+    m_helper =
+        m_ports.launcher.launch({*m_ports.helperPath, m_ports.helperArguments},
+                                [this](std::string_view chunk) { handleHelperChunk(chunk); });
     if (!m_helper) {
         waitForPermission();
     }
@@ -200,10 +206,35 @@ void CursorTrackingService::handleHelperChunk(std::string_view chunk) {
         const std::string_view line = chunk.substr(0, end);
         chunk.remove_prefix(std::min(end + 1, chunk.size()));
         if (line.find(kHelperReadyMark) == std::string_view::npos) {
-            handleKeyLine(line);
+            handleLine(line);
         } else if (m_ports.permission != nullptr) {
             m_ports.main.post([permission = m_ports.permission] { permission->setGranted(); });
         }
+    }
+}
+
+void CursorTrackingService::handleLine(std::string_view line) {
+    if (const auto pointer = parsePointerLine(line)) {
+        handlePointerLine(*pointer);
+    } else {
+        handleKeyLine(line);
+    }
+}
+
+/// The helper tells when it happened and never where: the pointer is where the screen's pictures
+/// last showed it.
+void CursorTrackingService::handlePointerLine(const PointerLine& line) {
+    const auto start = startDate();
+    const Point p = pointInFrame();
+    if (!start || !isInFrame(p)) {
+        return;
+    }
+    const double age = (m_ports.clock.hostTime() - line.hostTime).seconds();
+    const double timestamp =
+        m_ports.clock.now().since(*start) - std::clamp(age, 0.0, kLongestDelay);
+    if (timestamp >= 0) {
+        appendOnMain(
+            {timestamp, p.x, p.y, line.type, currentImageId(), std::nullopt, std::nullopt});
     }
 }
 
@@ -227,6 +258,10 @@ void CursorTrackingService::handleKeyLine(std::string_view line) {
                       currentImageId(),
                       std::move(key->character),
                       key->modifiers};
+    appendOnMain(std::move(event));
+}
+
+void CursorTrackingService::appendOnMain(CursorEvent event) {
     m_ports.main.post([this, alive = std::weak_ptr(m_alive), event = std::move(event)] {
         if (alive.lock()) {
             m_events.push_back(event);

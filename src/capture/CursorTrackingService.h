@@ -6,6 +6,7 @@
 #include "capture/HelperLauncher.h"
 #include "capture/Pointer.h"
 #include "project/CursorEvent.h"
+#include "project/PointerLineJson.h"
 
 #include <atomic>
 #include <cstdint>
@@ -29,6 +30,9 @@ struct CursorTrackingPorts {
     Executor& main;
     KeyPermission* permission = nullptr;   ///< Null where keys need no permission.
     std::optional<std::string> helperPath; ///< The key helper; absent: a take without keys.
+    /// What the helper is told. With kHelperPointerOption it prints clicks and scrolling as well,
+    /// for desktops whose `monitors` see moves only.
+    std::vector<std::string> helperArguments = {};
 };
 
 /// Writes the log of one take: what the pointer and the keyboard did, and the
@@ -36,8 +40,8 @@ struct CursorTrackingPorts {
 ///
 /// States: created -> tracking -> stopped; a service serves one take.
 /// Threads: everything on the main thread, except setStartDate() (any thread).
-/// Key lines arrive on the helper's reader thread and hop to the main thread.
-/// The destructor stops. No monitor fires after stopTracking() returns; a key
+/// The helper's lines arrive on its reader thread and hop to the main thread.
+/// The destructor stops. No monitor fires after stopTracking() returns; a line
 /// that is on its way to the main thread may still be appended.
 class CursorTrackingService {
 public:
@@ -86,6 +90,7 @@ private:
     void installMonitors();
     void recordMove();
     void recordEvent(CursorEventType type);
+    bool isInFrame(Point p) const;
     std::int64_t currentImageId();
     std::int64_t addImage(const SystemCursor& cursor);
 
@@ -93,7 +98,10 @@ private:
     void waitForPermission();
     void stopHelper();
     void handleHelperChunk(std::string_view chunk);
+    void handleLine(std::string_view line);
     void handleKeyLine(std::string_view line);
+    void handlePointerLine(const PointerLine& line);
+    void appendOnMain(CursorEvent event);
 
     Rect m_captureFrame;
     CursorTrackingPorts m_ports;

@@ -5,11 +5,29 @@
 #include <string>
 #include <string_view>
 #include <sys/types.h>
+#include <utility>
+#include <vector>
 
 namespace tavi {
 
 /// Marks a line by which the key helper says that it can listen.
 inline constexpr std::string_view kHelperReadyMark = "\"ready\"";
+
+/// Has the key helper print clicks and scrolling too (PointerLineJson.h).
+inline constexpr const char* kHelperPointerOption = "--pointer-buttons";
+
+/// A helper program and what it is told.
+struct HelperCommand {
+    std::string path;
+    std::vector<std::string> arguments; ///< Without the program's own name.
+
+    // A path alone is a command.
+    HelperCommand(std::string program, std::vector<std::string> options = {})
+        : path(std::move(program)),
+          arguments(std::move(options)) {}
+
+    bool operator==(const HelperCommand&) const = default;
+};
 
 /// A helper program that runs and whose standard output is being read.
 ///
@@ -30,10 +48,9 @@ public:
 
     virtual ~HelperLauncher() = default;
 
-    /// Runs the program at `path` without arguments, with this process's
-    /// environment, standard input and standard error. Null when there is no
-    /// pipe or the program can't be started.
-    virtual std::unique_ptr<HelperProcess> launch(const std::string& path,
+    /// Runs the program with this process's environment, standard input and
+    /// standard error. Null when there is no pipe or it can't be started.
+    virtual std::unique_ptr<HelperProcess> launch(const HelperCommand& command,
                                                   ChunkHandler onChunk) = 0;
 };
 

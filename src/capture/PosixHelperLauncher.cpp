@@ -103,22 +103,25 @@ private:
 };
 
 /// Starts the program with `output` as its standard output; 0 when it can't be.
-pid_t spawn(const std::string& path, int output) {
+pid_t spawn(HelperCommand command, int output) {
     posix_spawn_file_actions_t actions;
     posix_spawn_file_actions_init(&actions);
     posix_spawn_file_actions_adddup2(&actions, output, STDOUT_FILENO);
-    std::string argument = path;
-    const std::array<char*, 2> arguments{argument.data(), nullptr};
+    std::vector<char*> arguments{command.path.data()};
+    for (std::string& argument : command.arguments) {
+        arguments.push_back(argument.data());
+    }
+    arguments.push_back(nullptr);
     pid_t pid = 0;
     const int failed =
-        posix_spawn(&pid, path.c_str(), &actions, nullptr, arguments.data(), environ);
+        posix_spawn(&pid, command.path.c_str(), &actions, nullptr, arguments.data(), environ);
     posix_spawn_file_actions_destroy(&actions);
     return failed != 0 ? 0 : pid;
 }
 
 } // namespace
 
-std::unique_ptr<HelperProcess> PosixHelperLauncher::launch(const std::string& path,
+std::unique_ptr<HelperProcess> PosixHelperLauncher::launch(const HelperCommand& command,
                                                            ChunkHandler onChunk) {
     std::array<int, 2> ends{};
     // Both ends close themselves in every child; the copy at descriptor 1 stays open.
@@ -131,7 +134,7 @@ std::unique_ptr<HelperProcess> PosixHelperLauncher::launch(const std::string& pa
     if (wake.get() < 0) {
         return nullptr;
     }
-    const pid_t pid = spawn(path, writeEnd.get());
+    const pid_t pid = spawn(command, writeEnd.get());
     writeEnd.close();
     if (pid == 0) {
         return nullptr;

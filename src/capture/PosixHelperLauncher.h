@@ -13,7 +13,8 @@ class PosixHelperLauncher final : public HelperLauncher {
 public:
     static constexpr int kPatienceMs = 500; ///< A helper that listens to signals needs far less.
 
-    std::unique_ptr<HelperProcess> launch(const std::string& path, ChunkHandler onChunk) override;
+    std::unique_ptr<HelperProcess> launch(const HelperCommand& command,
+                                          ChunkHandler onChunk) override;
 };
 
 } // namespace tavi

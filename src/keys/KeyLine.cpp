@@ -1,5 +1,6 @@
 #include "keys/KeyLine.h"
 
+#include <array>
 #include <cerrno>
 #include <unistd.h>
 
@@ -14,6 +15,13 @@ std::string keyLine(std::uint32_t time, std::string_view text, std::uint32_t mod
         line += c;
     }
     return line + "\",\"m\":" + std::to_string(modifiers) + "}\n";
+}
+
+std::string pointerLine(std::uint64_t time, PointerDeed deed) {
+    constexpr std::array<const char*, 4> kNames{"leftMouseDown", "leftMouseUp", "rightClick",
+                                                "scroll"};
+    return "{\"t\":" + std::to_string(time) + ",\"p\":\"" + kNames[static_cast<std::size_t>(deed)] +
+           "\"}\n";
 }
 
 bool writeLine(std::string_view line) {

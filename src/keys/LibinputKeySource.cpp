@@ -42,6 +42,18 @@ bool typesText(libinput_device& device) {
             libinput_device_keyboard_has_key(&device, KEY_KP1) > 0);
 }
 
+/// Has the kernel leave a mouse's moves out of what it gives to this reader, who would be woken
+/// a thousand times a second for nothing. A kernel that can't gives them.
+void keepMovesAway(int device) {
+    constexpr unsigned long kMoves = 1UL << REL_X | 1UL << REL_Y;
+    const unsigned long wheels = ~kMoves;
+    input_mask mask{};
+    mask.type = EV_REL;
+    mask.codes_size = sizeof(wheels);
+    mask.codes_ptr = reinterpret_cast<std::uintptr_t>(&wheels);
+    ioctl(device, EVIOCSMASK, &mask);
+}
+
 void logNothing(libinput*, libinput_log_priority, const char*, va_list) {}
 
 } // namespace
@@ -52,18 +64,19 @@ const libinput_interface LibinputKeySource::kInterface{
     },
     [](int device, void*) { close(device); }};
 
-std::unique_ptr<LibinputKeySource> LibinputKeySource::open(Handler handler) {
+std::unique_ptr<LibinputKeySource> LibinputKeySource::open(Wanted wanted, Handler handler) {
     XkbHandle<xkb_context> context(xkb_context_new(XKB_CONTEXT_NO_FLAGS));
     if (!context) {
         return nullptr;
     }
     std::unique_ptr<LibinputKeySource> source(
-        new LibinputKeySource(std::move(handler), std::move(context)));
+        new LibinputKeySource(wanted, std::move(handler), std::move(context)));
     return source->loadKeymap() && source->openSeat() ? std::move(source) : nullptr;
 }
 
-LibinputKeySource::LibinputKeySource(Handler handler, XkbHandle<xkb_context> context)
-    : m_handler(std::move(handler)),
+LibinputKeySource::LibinputKeySource(Wanted wanted, Handler handler, XkbHandle<xkb_context> context)
+    : m_wanted(wanted),
+      m_handler(std::move(handler)),
       m_context(std::move(context)),
       m_translator(*m_context),
       m_epoll(epoll_create1(EPOLL_CLOEXEC)) {}
@@ -107,7 +120,8 @@ bool LibinputKeySource::openSeat() {
 
 /// Reading is all that is needed, so reading is all that is asked for.
 int LibinputKeySource::openDevice(const char* path) {
-    if (!isKeyboard(path)) {
+    const InputDeviceKind kind = kindOf(path);
+    if (!isWanted(kind)) {
         return -ENODEV;
     }
     const int device = ::open(path, O_RDONLY | O_NONBLOCK | O_CLOEXEC);
@@ -118,22 +132,39 @@ int LibinputKeySource::openDevice(const char* path) {
         }
         return -reason;
     }
-    takeLocks(device);
+    if (kind.hasKeys) {
+        takeLocks(device);
+    }
+    if (kind.isPlainMouse) {
+        keepMovesAway(device);
+    }
     return device;
 }
 
-bool LibinputKeySource::isKeyboard(const char* path) const {
+bool LibinputKeySource::isWanted(const InputDeviceKind& kind) const {
+    return kind.hasKeys || (kind.isPointer && m_wanted == Wanted::keysAndPointer);
+}
+
+InputDeviceKind LibinputKeySource::kindOf(const char* path) const {
+    InputDeviceKind kind;
     struct stat node {};
     if (stat(path, &node) != 0) {
-        return false;
+        return kind;
     }
     udev_device* device = udev_device_new_from_devnum(m_udev, 'c', node.st_rdev);
     if (device == nullptr) {
-        return false;
+        return kind;
     }
-    const bool hasKeys = isSet(*device, "ID_INPUT_KEYBOARD") || isSet(*device, "ID_INPUT_KEY");
+    const bool isMouse = isSet(*device, "ID_INPUT_MOUSE");
+    // A trackpoint scrolls by its moves.
+    const bool needsMoves = isSet(*device, "ID_INPUT_POINTINGSTICK") ||
+                            isSet(*device, "ID_INPUT_TOUCHPAD") ||
+                            isSet(*device, "ID_INPUT_TABLET");
+    kind.hasKeys = isSet(*device, "ID_INPUT_KEYBOARD") || isSet(*device, "ID_INPUT_KEY");
+    kind.isPointer = isMouse || needsMoves;
+    kind.isPlainMouse = isMouse && !needsMoves;
     udev_device_unref(device);
-    return hasKeys;
+    return kind;
 }
 
 /// Caps Lock and Num Lock may have been on long before; the keyboard's lights tell.
@@ -185,6 +216,11 @@ void LibinputKeySource::handleEvent(libinput_event& event) {
         handleKey(*libinput_event_get_keyboard_event(&event));
         break;
     default:
+        m_pointer.handle(event, [this](const std::string& line) {
+            if (m_wanted == Wanted::keysAndPointer && isOwnConsoleShown()) {
+                m_handler(line);
+            }
+        });
         break;
     }
 }

@@ -1,6 +1,6 @@
-// The key helper: prints one line of JSON per key press of the whole desktop
-// until it gets signal 15 or its reader goes away. Where keys can't be watched
-// it stays, silent.
+// The key helper: prints one line of JSON per key press of the whole desktop,
+// and per click and tick of a wheel if asked to, until it gets signal 15 or its reader goes away.
+// Where keys can't be watched it stays, silent.
 
 #include "keys/KeyLine.h"
 #include "keys/LibinputKeySource.h"
@@ -9,12 +9,16 @@
 
 #include <array>
 #include <csignal>
+#include <cstdio>
 #include <cstdlib>
 #include <memory>
 #include <poll.h>
+#include <string_view>
 #include <unistd.h>
 
 namespace {
+
+constexpr int kUsageError = 2;
 
 /// The starter may have blocked or ignored signals for itself; they are inherited.
 void takeSignalsAgain() {
@@ -32,13 +36,13 @@ void print(std::string_view line) {
 }
 
 /// An X server below a Wayland session sees only the keys of its own windows.
-std::unique_ptr<tavi::KeySource> openSource() {
+std::unique_ptr<tavi::KeySource> openSource(tavi::LibinputKeySource::Wanted wanted) {
     if (!tavi::isWaylandSession()) {
         if (auto server = tavi::X11KeySource::open(print)) {
             return server;
         }
     }
-    return tavi::LibinputKeySource::open(print);
+    return tavi::LibinputKeySource::open(wanted, print);
 }
 
 bool isReaderGone(short events) {
@@ -69,7 +73,14 @@ int run(std::unique_ptr<tavi::KeySource> source) {
 
 } // namespace
 
-int main() {
+/// Clicks are for a Wayland session: in one of X11 the server tells everyone of them.
+int main(int argc, char** argv) {
+    using Wanted = tavi::LibinputKeySource::Wanted;
+    const bool isPointerWanted = argc > 1 && std::string_view(argv[1]) == "--pointer-buttons";
+    if (argc > 2 || (argc == 2 && !isPointerWanted)) {
+        std::fputs("Usage: TaviKeys [--pointer-buttons]\n", stderr);
+        return kUsageError;
+    }
     takeSignalsAgain();
-    return run(openSource());
+    return run(openSource(isPointerWanted ? Wanted::keysAndPointer : Wanted::keys));
 }

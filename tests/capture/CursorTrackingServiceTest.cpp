@@ -309,6 +309,53 @@ INSTANTIATE_TEST_SUITE_P(
                                 "{\"t\":1,\"c\":\"c\"}\n",
                                 3, std::nullopt}));
 
+TEST_F(CursorTrackingServiceTest, pointerLineTakesTheMomentOfTheDeviceAndTheLastPlace) {
+    startStamped();
+    clock.advance(2);
+    pointer.current = cursorOf(5);
+    // The clock stands at 52 s; the button went down 0.25 s ago.
+    launcher.say("{\"t\":51750000,\"p\":\"leftMouseDown\"}\n");
+    pointer.location = {101, 650}; // moved on before the main thread comes to it
+    EXPECT_THAT(service.events(), SizeIs(0));
+    main.runAll();
+    ASSERT_THAT(service.events(), SizeIs(1));
+    const CursorEvent& click = service.events()[0];
+    EXPECT_NEAR(click.timestamp, 1.75, 1e-6);
+    EXPECT_EQ(click.eventType, CursorEventType::leftMouseDown);
+    EXPECT_EQ((Point{click.x, click.y}), (Point{400, 300}));
+    EXPECT_EQ(click.cursorImageId, 1);
+}
+
+TEST_F(CursorTrackingServiceTest, everyPointerLineIsAnEvent) {
+    startStamped();
+    sayKey("{\"t\":50000000,\"p\":\"leftMouseDown\"}\n{\"t\":50000000,\"p\":\"leftMouseUp\"}\n"
+           "{\"t\":50000000,\"p\":\"rightClick\"}\n{\"t\":50000000,\"p\":\"scroll\"}\n"
+           "{\"t\":50000000,\"p\":\"scroll\"}\n");
+    EXPECT_THAT(types(), ElementsAre(CursorEventType::leftMouseDown, CursorEventType::leftMouseUp,
+                                     CursorEventType::rightClick, CursorEventType::scroll,
+                                     CursorEventType::scroll));
+}
+
+TEST_F(CursorTrackingServiceTest, pointerLineOutsideTheFrameOrBeforeTheFirstFrameIsDropped) {
+    service.startTracking();
+    sayKey(R"({"t":50000000,"p":"scroll"})");
+    service.setStartDate(clock.now());
+    sayKey(R"({"t":49900000,"p":"scroll"})"); // before the first frame, told after it
+    pointer.location = {99, 300};
+    sayKey(R"({"t":50000000,"p":"scroll"})");
+    EXPECT_THAT(service.events(), SizeIs(0));
+}
+
+TEST_F(CursorTrackingServiceTest, pointerLineOfAnotherClockCountsAsJustNow) {
+    startStamped();
+    clock.advance(3);
+    sayKey(R"({"t":99000000,"p":"scroll"})"); // of the future
+    sayKey(R"({"t":1,"p":"scroll"})");
+    ASSERT_THAT(service.events(), SizeIs(2));
+    EXPECT_DOUBLE_EQ(service.events()[0].timestamp, 3);
+    EXPECT_DOUBLE_EQ(service.events()[1].timestamp, 2); // as late as a line can be
+}
+
 TEST_F(CursorTrackingServiceTest, lineAcrossTwoChunksIsLost) {
     startStamped();
     sayKey("{\"t\":1,\"c\":\"a\"}\n{\"t\":1,");
@@ -329,10 +376,19 @@ TEST_F(CursorTrackingServiceTest, readyLineGrantsAndIsNoKey) {
 TEST_F(CursorTrackingServiceTest, helperIsLaunchedAndTheProbeStopped) {
     service.startTracking();
     EXPECT_THAT(launcher.launches, ElementsAre("/package/TaviKeys"));
+    EXPECT_TRUE(launcher.lastArguments.empty());
     main.runAll();
     EXPECT_EQ(permission.probeStops, 1);
     service.stopTracking();
     EXPECT_FALSE(launcher.isRunning());
+}
+
+TEST_F(CursorTrackingServiceTest, helperIsToldWhatToWatch) {
+    auto wayland = ports();
+    wayland.helperArguments = {kHelperPointerOption};
+    CursorTrackingService clicks(kFrame, wayland);
+    clicks.startTracking();
+    EXPECT_THAT(launcher.lastArguments, ElementsAre("--pointer-buttons"));
 }
 
 TEST_F(CursorTrackingServiceTest, withoutHelperFileTheTakeGoesOnWithoutKeys) {

@@ -91,7 +91,7 @@ TEST_F(PosixHelperLauncherTest, helperThatEndsByItselfIsReapedAtTheStop) {
 }
 
 TEST_F(PosixHelperLauncherTest, missingProgramGivesNothing) {
-    EXPECT_EQ(launcher.launch("/nowhere/helper", listener.handler()), nullptr);
+    EXPECT_EQ(launcher.launch({"/nowhere/helper"}, listener.handler()), nullptr);
 }
 
 } // namespace

@@ -15,9 +15,11 @@ public:
     /// Starts and ends are noted ("launch", "end helper").
     explicit FakeHelperLauncher(CallLog* log = nullptr) : m_log(log != nullptr ? *log : m_ownLog) {}
 
-    std::unique_ptr<HelperProcess> launch(const std::string& path, ChunkHandler onChunk) override {
+    std::unique_ptr<HelperProcess> launch(const HelperCommand& command,
+                                          ChunkHandler onChunk) override {
         m_log.note("launch");
-        launches.push_back(path);
+        launches.push_back(command.path);
+        lastArguments = command.arguments;
         if (fails) {
             return nullptr;
         }
@@ -36,6 +38,7 @@ public:
 
     bool fails = false;
     std::vector<std::string> launches;
+    std::vector<std::string> lastArguments;
 
 private:
     class Process final : public HelperProcess {

@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <ctime>
 #include <fcntl.h>
 #include <filesystem>
 #include <linux/input.h>
@@ -71,12 +72,29 @@ std::string textAnswer(const std::string& request, const std::string& text) {
     return request + " " + std::to_string(text.size() + 1) + " " + hex + "\n";
 }
 
-/// What the kernel answers about the keyboard, in the words of the recorder of devices.
-std::string answers(const std::string& name, FakeSeat::Lock lit) {
+/// What a device has: the kernel's numbers.
+struct Features {
+    std::vector<unsigned> kinds;
     std::vector<unsigned> keys;
-    for (unsigned key = 1; key < 248; ++key) {
-        keys.push_back(key);
+    std::vector<unsigned> axes;
+};
+
+Features featuresOf(const std::string& kind) {
+    if (kind == "MOUSE") {
+        return {{EV_SYN, EV_KEY, EV_REL},
+                {BTN_LEFT, BTN_RIGHT},
+                {REL_X, REL_Y, REL_WHEEL, REL_WHEEL_HI_RES}};
     }
+    Features keyboard{{EV_SYN, EV_KEY, EV_MSC}, {}, {}};
+    for (unsigned key = 1; key < 248; ++key) {
+        keyboard.keys.push_back(key);
+    }
+    return keyboard;
+}
+
+/// What the kernel answers about the device, in the words of the recorder of devices.
+std::string answers(const std::string& kind, const std::string& name, FakeSeat::Lock lit) {
+    const Features features = featuresOf(kind);
     std::vector<unsigned> lights;
     if (lit != FakeSeat::Lock::none) {
         lights.push_back(lit == FakeSeat::Lock::num ? LED_NUML : LED_CAPSL);
@@ -86,10 +104,11 @@ std::string answers(const std::string& name, FakeSeat::Lock lit) {
         textAnswer("EVIOCGNAME", "x") + textAnswer("EVIOCGPHYS", "x") +
         textAnswer("EVIOCGUNIQ", "") + "EVIOCGPROP 8 " + bits(8) + "\nEVIOCGKEY 96 " + bits(96) +
         "\nEVIOCGLED 8 " + bits(8, lights) + "\nEVIOCGSW 8 " + bits(8) + "\nEVIOCGBIT(0) 8 " +
-        bits(8, {EV_SYN, EV_KEY, EV_MSC}) + "\nEVIOCGBIT(1) 96 " + bits(96, keys) + "\n";
+        bits(8, features.kinds) + "\nEVIOCGBIT(1) 96 " + bits(96, features.keys) + "\n";
     for (const unsigned type : {EV_REL, EV_ABS, EV_MSC, EV_SW, EV_LED, EV_SND}) {
-        const std::vector<unsigned> set =
-            type == EV_MSC ? std::vector<unsigned>{MSC_SCAN} : std::vector<unsigned>{};
+        const std::vector<unsigned> set = type == EV_MSC   ? std::vector<unsigned>{MSC_SCAN}
+                                          : type == EV_REL ? features.axes
+                                                           : std::vector<unsigned>{};
         text += "EVIOCGBIT(" + std::to_string(type) + ") 8 " + bits(8, set) + "\n";
     }
     return text + "EVIOCGBIT(21) 16 " + bits(16) + "\n";
@@ -157,7 +176,7 @@ void FakeSeat::plugInAs(const std::string& kind, const std::string& name, Lock l
     writeFile(m_root + "/run/udev/data/c" + number,
               "I:1\nE:ID_INPUT=1\nE:ID_INPUT_" + kind + "=1\nE:ID_SEAT=seat0\nG:seat\nV:1\n");
     const std::string recorded = m_root + "/" + name + ".ioctl";
-    writeFile(recorded, answers(name, lit));
+    writeFile(recorded, answers(kind, name, lit));
     GError* error = nullptr;
     EXPECT_TRUE(umockdev_testbed_load_ioctl(m_testbed, nullptr, recorded.c_str(), &error))
         << error->message;
@@ -187,14 +206,43 @@ void FakeSeat::type(const std::string& name, const std::vector<unsigned>& keys) 
 }
 
 void FakeSeat::send(const std::string& name, unsigned key, int value) {
-    input_event events[2]{};
-    events[0].type = EV_KEY;
-    events[0].code = static_cast<__u16>(key);
-    events[0].value = value;
-    events[1].type = EV_SYN;
+    send(name, {{EV_KEY, key, value}});
+}
+
+void FakeSeat::turnWheel(const std::string& name, int way) {
+    constexpr int kNotch = 120;
+    std::vector<Change> changes{{EV_REL, REL_WHEEL_HI_RES, way}};
+    if (way % kNotch == 0) {
+        changes.push_back({EV_REL, REL_WHEEL, way / kNotch});
+    }
+    send(name, changes);
+}
+
+void FakeSeat::move(const std::string& name, int x, int y) {
+    send(name, {{EV_REL, REL_X, x}, {EV_REL, REL_Y, y}});
+}
+
+/// All at once, at this moment of the clock that readers ask the kernel for.
+void FakeSeat::send(const std::string& name, const std::vector<Change>& changes) {
+    timespec now{};
+    clock_gettime(CLOCK_MONOTONIC, &now);
+    std::vector<input_event> events;
+    for (const auto& [type, code, value] : changes) {
+        input_event event{};
+        event.type = static_cast<__u16>(type);
+        event.code = static_cast<__u16>(code);
+        event.value = value;
+        events.push_back(event);
+    }
+    events.emplace_back(); // the end of the report
+    for (input_event& event : events) {
+        event.input_event_sec = now.tv_sec;
+        event.input_event_usec = now.tv_nsec / 1000;
+    }
     const int master = umockdev_testbed_get_dev_fd(m_testbed, ("/dev/input/" + name).c_str());
     ASSERT_GE(master, 0);
-    ASSERT_EQ(write(master, events, sizeof(events)), static_cast<ssize_t>(sizeof(events)));
+    const std::size_t size = events.size() * sizeof(input_event);
+    ASSERT_EQ(write(master, events.data(), size), static_cast<ssize_t>(size));
 }
 
 void FakeSeat::allow(const std::string& name, bool isAllowed) {
@@ -216,7 +264,7 @@ std::string FakeSeat::unprivileged(const std::string& program) const {
     }
     const std::string script = copy + ".sh";
     writeFile(script, "#!/bin/sh\nexec setpriv --reuid=65534 --regid=65534 --clear-groups -- " +
-                          copy + "\n");
+                          copy + " \"$@\"\n");
     openToAll(script);
     return script;
 }

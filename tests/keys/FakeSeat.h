@@ -23,7 +23,7 @@ public:
 
     /// A keyboard that is there; running programs are told only by announce().
     void plugIn(const std::string& name, Lock lit = Lock::none);
-    /// What is there as a keyboard, but says that it is a mouse.
+    /// A mouse with two buttons and a wheel.
     void plugInMouse(const std::string& name) { plugInAs("MOUSE", name, Lock::none); }
     void announce(const std::string& name);
     void unplug(const std::string& name);
@@ -35,7 +35,11 @@ public:
     /// What the kernel sends while a key is held.
     void repeat(const std::string& name, unsigned key) { send(name, key, 2); }
 
-    /// Gives or takes everyone the right to read a keyboard.
+    /// Turns a mouse's wheel; a notch is 120, as a wheel of high resolution reports it.
+    void turnWheel(const std::string& name, int way);
+    void move(const std::string& name, int x, int y);
+
+    /// Gives or takes everyone the right to read a device.
     void allow(const std::string& name, bool isAllowed);
 
     /// A copy of a program that runs as a user without special rights, and what it takes to
@@ -51,6 +55,12 @@ public:
 
 private:
     void plugInAs(const std::string& kind, const std::string& name, Lock lit);
+    struct Change {
+        unsigned type;
+        unsigned code;
+        int value;
+    };
+    void send(const std::string& name, const std::vector<Change>& changes);
     void send(const std::string& name, unsigned key, int value);
     std::string node(const std::string& name) const;
 

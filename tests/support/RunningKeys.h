@@ -2,6 +2,7 @@
 
 #include "capture/PosixHelperLauncher.h"
 #include "project/KeyLineJson.h"
+#include "project/PointerLineJson.h"
 #include "support/Eventually.h"
 
 #include <gtest/gtest.h>
@@ -61,13 +62,13 @@ private:
 /// The helper, and what it printed so far.
 class RunningKeys {
 public:
-    explicit RunningKeys(const Variables& environment, const std::string& path = kHelper) {
+    explicit RunningKeys(const Variables& environment, const HelperCommand& command = {kHelper}) {
         const Environment changed(environment);
-        m_process = m_launcher.launch(path, [this](std::string_view chunk) {
+        m_process = m_launcher.launch(command, [this](std::string_view chunk) {
             const std::lock_guard lock(m_mutex);
             m_text += chunk;
         });
-        EXPECT_TRUE(m_process) << path;
+        EXPECT_TRUE(m_process) << command.path;
     }
 
     std::string text() const {
@@ -87,11 +88,26 @@ public:
         return found;
     }
 
+    /// Each pointer line, in order.
+    std::vector<PointerLine> clicks() const {
+        std::istringstream lines(text());
+        std::vector<PointerLine> found;
+        for (std::string one; std::getline(lines, one);) {
+            if (const auto click = parsePointerLine(one)) {
+                found.push_back(*click);
+            }
+        }
+        return found;
+    }
+
     bool isReady() const {
         return eventually([this] { return text().find("\"ready\"") != std::string::npos; });
     }
     bool hasKeys(std::size_t count) const {
         return eventually([this, count] { return keys().size() >= count; });
+    }
+    bool hasClicks(std::size_t count) const {
+        return eventually([this, count] { return clicks().size() >= count; });
     }
     pid_t pid() const { return m_process->pid(); }
     bool isAlive() const { return kill(m_process->pid(), 0) == 0; }
