@@ -17,6 +17,14 @@ constexpr std::size_t kQueueBytes = std::size_t{96} << 20;
 constexpr std::size_t kShortestQueue = 3;
 constexpr std::size_t kLongestQueue = 12;
 
+/// What a live source may have waiting for the encoder, in time that its encoding will take at
+/// the pace of late: whoever stops a take waits for that. On a busy machine
+/// pictures are dropped sooner.
+constexpr std::chrono::milliseconds kLongestQueueTime{300};
+
+/// How much of the pace is that of the last picture.
+constexpr int kPaceShare = 4;
+
 /// Offline there is nothing to sit out: enough that the two sides overlap.
 constexpr std::size_t kOfflineQueue = 3;
 
@@ -57,8 +65,18 @@ FfmpegVideoInput::~FfmpegVideoInput() {
     stop();
 }
 
+/// Pictures that may wait now.
+std::size_t FfmpegVideoInput::capacity() const {
+    if (!m_settings.realTime || m_pictureTime.count() <= 0) {
+        return m_capacity;
+    }
+    const auto inTime =
+        static_cast<std::size_t>(Clock::duration(kLongestQueueTime) / m_pictureTime);
+    return std::clamp<std::size_t>(inTime, 1, m_capacity);
+}
+
 bool FfmpegVideoInput::hasRoom() const {
-    return m_state.isWriting() && !m_isFinished && m_queue.size() < m_capacity;
+    return m_state.isWriting() && !m_isFinished && m_queue.size() < capacity();
 }
 
 bool FfmpegVideoInput::isReadyForMoreMediaData() const {
@@ -105,7 +123,7 @@ bool FfmpegVideoInput::enqueueLast(MediaTime time) {
         const std::int64_t ticks = (time - *m_sessionStart).rescaled(m_timescale).value;
         m_lastTicks = std::max(ticks, m_lastTicks + 1);
         m_lastTime = time;
-        m_lastAppend = std::chrono::steady_clock::now();
+        m_lastAppend = Clock::now();
         m_queue.push_back({std::move(frame), m_lastTicks});
     }
     m_changed.notify_all();
@@ -135,7 +153,7 @@ void FfmpegVideoInput::setSessionStart(MediaTime time) {
 
 std::optional<double> FfmpegVideoInput::appendedSeconds() const {
     const std::lock_guard lock(m_mutex);
-    const bool isStalled = std::chrono::steady_clock::now() - m_lastAppend > kStalled;
+    const bool isStalled = Clock::now() - m_lastAppend > kStalled;
     if (m_isFinished || m_isStopped || isStalled) {
         return std::nullopt;
     }
@@ -180,6 +198,14 @@ bool FfmpegVideoInput::waitForPicture(Picture& picture) {
     return true;
 }
 
+void FfmpegVideoInput::encode(Picture& picture, const VideoEncoder::Sink& sink) {
+    const Clock::time_point before = Clock::now();
+    checkEncode(m_encoder->encode(*picture.frame, picture.ticks, sink));
+    const Clock::duration took = Clock::now() - before;
+    const std::lock_guard lock(m_mutex);
+    m_pictureTime += (took - m_pictureTime) / kPaceShare;
+}
+
 void FfmpegVideoInput::run() {
     const VideoEncoder::Sink sink = [this](AVPacket& packet) {
         return checkWrite(m_file.write(m_track, packet));
@@ -187,7 +213,7 @@ void FfmpegVideoInput::run() {
     Picture picture;
     while (waitForPicture(picture)) {
         if (m_state.isWriting()) {
-            checkEncode(m_encoder->encode(*picture.frame, picture.ticks, sink));
+            encode(picture, sink);
         }
         picture.frame.reset();
     }

@@ -50,16 +50,20 @@ public:
     std::string encoderName() const { return m_encoder->name(); }
 
 private:
+    using Clock = std::chrono::steady_clock;
+
     struct Picture {
         FrameHandle frame;
         std::int64_t ticks = 0;
     };
 
+    std::size_t capacity() const;
     bool hasRoom() const;
     bool takesPictureAt(MediaTime time) const;
     bool enqueueLast(MediaTime time);
     void run();
     bool waitForPicture(Picture& picture);
+    void encode(Picture& picture, const VideoEncoder::Sink& sink);
     void join();
     int checkWrite(int code);
     void checkEncode(int code);
@@ -81,7 +85,8 @@ private:
     std::optional<MediaTime> m_sessionStart;
     std::optional<MediaTime> m_lastTime;
     std::int64_t m_lastTicks = -1;
-    std::chrono::steady_clock::time_point m_lastAppend = std::chrono::steady_clock::now();
+    Clock::time_point m_lastAppend = Clock::now();
+    Clock::duration m_pictureTime{0}; ///< That encoding one takes, lately.
     bool m_isFinished = false;
     bool m_isStopped = false;
     std::thread m_thread;

@@ -1,7 +1,6 @@
 #include "platform/ffmpeg/MovieFile.h"
 
 #include "platform/ffmpeg/FfmpegErrors.h"
-#include "platform/ffmpeg/PlainMovie.h"
 #include "platform/ffmpeg/WorkingFile.h"
 
 extern "C" {
@@ -111,6 +110,9 @@ Result<void, MediaError> MovieFile::open() {
         return fail(writeError(m_path, code));
     }
     m_wholeBytes = avio_tell(m_output->pb);
+    if (isFragmented()) {
+        m_plain = PlainMovie::open(m_path).value_or(nullptr);
+    }
     return {};
 }
 
@@ -233,6 +235,9 @@ int MovieFile::flushFragment() {
         return code < 0 ? code : m_output->pb->error;
     }
     m_wholeBytes = avio_tell(m_output->pb);
+    if (m_plain) {
+        m_plain->readMore();
+    }
     return 0;
 }
 
@@ -281,7 +286,10 @@ Result<void, MediaError> MovieFile::publish(std::optional<std::int64_t> endTicks
             ends.lastDurations.push_back(track.isSound ? std::nullopt
                                                        : std::optional(track.lastDuration));
         }
-        (void)makePlainMovie(m_path, ends);
+        if (m_plain) {
+            (void)m_plain->complete(ends);
+            m_plain.reset();
+        }
         return {};
     }
     if (const int code = putInPlace(m_workingPath, m_path); code != 0) {

@@ -3,6 +3,7 @@
 #include "base/Result.h"
 #include "media/AssetWriter.h"
 #include "platform/ffmpeg/FfmpegHandles.h"
+#include "platform/ffmpeg/PlainMovie.h"
 
 #include <atomic>
 #include <chrono>
@@ -108,7 +109,8 @@ private:
     std::optional<std::chrono::steady_clock::time_point>
         m_fragmentSince; ///< Set while one is open.
     std::int64_t m_fragmentBytes = 0;
-    std::int64_t m_wholeBytes = 0; ///< Up to the end of the last fragment.
+    std::int64_t m_wholeBytes = 0;       ///< Up to the end of the last fragment.
+    std::unique_ptr<PlainMovie> m_plain; ///< What it becomes; null where nothing can be prepared.
 };
 
 } // namespace tavi

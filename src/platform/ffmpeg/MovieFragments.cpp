@@ -215,23 +215,27 @@ std::vector<std::uint8_t> contentOf(const ReadBytes& read, const BoxRange& box) 
 
 } // namespace
 
-MovieFragments readFragments(const ReadBytes& read, std::uint64_t start, std::uint64_t size,
-                             const MovieBox& moov) {
-    MovieFragments found{{}, start};
+MovieFragments noFragments(const MovieBox& moov, std::uint64_t start) {
+    MovieFragments none{{}, start};
     for (const MovieBox& box : moov.children) {
         if (box.type == fourCC("trak")) {
-            found.tracks.push_back({trackId(box), {}, {}});
+            none.tracks.push_back({trackId(box), {}, {}});
         }
     }
+    return none;
+}
+
+void readFragments(const ReadBytes& read, std::uint64_t size, const MovieBox& moov,
+                   MovieFragments& found) {
     while (true) {
         const auto moof = readBox(read, found.end, size);
         const auto mdat = moof ? readBox(read, moof->end, size) : std::nullopt;
         if (!mdat || moof->type != fourCC("moof") || mdat->type != fourCC("mdat")) {
-            return found;
+            return;
         }
         if (!readFragment({moof->type, {}, parseBoxes(contentOf(read, *moof))}, moov,
                           {moof->start, moof->start, mdat->end}, found.tracks)) {
-            return found;
+            return;
         }
         found.end = mdat->end;
     }

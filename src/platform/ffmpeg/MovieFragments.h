@@ -29,9 +29,12 @@ struct MovieFragments {
     std::uint64_t end = 0;               ///< Of the last whole fragment.
 };
 
-/// Reads the tables of all whole fragments from `start` up to `size`; what is not
-/// whole, or no fragment, ends the reading. `moov` is the movie's (empty) index.
-MovieFragments readFragments(const ReadBytes& read, std::uint64_t start, std::uint64_t size,
-                             const MovieBox& moov);
+/// Nothing yet of a movie whose (empty) index is `moov`; its fragments begin at `start`.
+MovieFragments noFragments(const MovieBox& moov, std::uint64_t start);
+
+/// Adds the tables of all whole fragments from `found.end` up to `size`; what is not
+/// whole, or no fragment, ends the reading. `moov` as above.
+void readFragments(const ReadBytes& read, std::uint64_t size, const MovieBox& moov,
+                   MovieFragments& found);
 
 } // namespace tavi

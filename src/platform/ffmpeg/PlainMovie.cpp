@@ -7,9 +7,6 @@ extern "C" {
 }
 
 #include <cerrno>
-#include <fcntl.h>
-#include <sys/stat.h>
-#include <unistd.h>
 #include <utility>
 
 namespace tavi {
@@ -19,69 +16,45 @@ namespace {
 /// Our index without media in it is a few kilobytes.
 constexpr std::uint64_t kMostIndexBytes = std::uint64_t{16} << 20;
 
-/// An open file; calls give 0 or the system's error number.
-class OpenFile {
-public:
-    explicit OpenFile(const std::filesystem::path& path)
-        : m_file(::open(path.c_str(), O_RDWR | O_CLOEXEC)) {}
-    ~OpenFile() {
-        if (m_file >= 0) {
-            ::close(m_file);
-        }
+ReadBytes reading(const MediaFile& file) {
+    return [&file](std::uint64_t offset, std::span<std::uint8_t> bytes) {
+        return file.read(offset, bytes);
+    };
+}
+
+MediaError notMedia(const std::filesystem::path& path, const char* why) {
+    return mediaError(MediaError::Kind::notMedia, path, why);
+}
+
+/// The header of a "mdat" box of that size, in its long form.
+std::vector<std::uint8_t> mediaHeader(std::uint64_t size) {
+    return BoxWriter().u32(1).u32(fourCC("mdat")).u64(size).take();
+}
+
+} // namespace
+
+PlainMovie::PlainMovie(std::filesystem::path path, std::unique_ptr<MediaFile> file, Index index)
+    : m_path(std::move(path)),
+      m_file(std::move(file)),
+      m_index(std::move(index)),
+      m_fragments(noFragments(m_index.box, m_index.range.end)) {}
+
+Result<std::unique_ptr<PlainMovie>, MediaError>
+PlainMovie::open(const std::filesystem::path& path) {
+    auto file = std::make_unique<MediaFile>(path);
+    if (!file->isOpen()) {
+        return fail(writeError(path, AVERROR(errno)));
     }
-    OpenFile(const OpenFile&) = delete;
-    OpenFile& operator=(const OpenFile&) = delete;
-
-    bool isOpen() const { return m_file >= 0; }
-
-    std::uint64_t size() const {
-        struct stat status {};
-        return ::fstat(m_file, &status) == 0 ? static_cast<std::uint64_t>(status.st_size) : 0;
+    std::optional<Index> index = findIndex(*file);
+    if (!index || !index->box.child(fourCC("mvex"))) {
+        return fail(notMedia(path, "it is no fragmented movie"));
     }
+    return std::unique_ptr<PlainMovie>(new PlainMovie(path, std::move(file), std::move(*index)));
+}
 
-    bool read(std::uint64_t offset, std::span<std::uint8_t> bytes) const {
-        while (!bytes.empty()) {
-            const ssize_t got =
-                ::pread(m_file, bytes.data(), bytes.size(), static_cast<off_t>(offset));
-            if (got == 0 || (got < 0 && errno != EINTR)) {
-                return false;
-            }
-            const auto some = static_cast<std::size_t>(got < 0 ? 0 : got);
-            bytes = bytes.subspan(some);
-            offset += some;
-        }
-        return true;
-    }
-
-    int write(std::uint64_t offset, std::span<const std::uint8_t> bytes) const {
-        while (!bytes.empty()) {
-            const ssize_t put =
-                ::pwrite(m_file, bytes.data(), bytes.size(), static_cast<off_t>(offset));
-            if (put < 0 && errno != EINTR) {
-                return errno;
-            }
-            const auto some = static_cast<std::size_t>(put < 0 ? 0 : put);
-            bytes = bytes.subspan(some);
-            offset += some;
-        }
-        return 0;
-    }
-
-    int synchronize() const { return ::fdatasync(m_file) == 0 ? 0 : errno; }
-
-    void cut(std::uint64_t size) const { (void)!::ftruncate(m_file, static_cast<off_t>(size)); }
-
-private:
-    int m_file;
-};
-
-/// The old index and where it lies.
-struct Index {
-    BoxRange range;
-    MovieBox box;
-};
-
-std::optional<Index> findIndex(const ReadBytes& read, std::uint64_t size) {
+std::optional<PlainMovie::Index> PlainMovie::findIndex(const MediaFile& file) {
+    const ReadBytes read = reading(file);
+    const std::uint64_t size = file.size();
     std::optional<BoxRange> range = readBox(read, 0, size);
     while (range && range->type != fourCC("moov") && range->type != fourCC("moof")) {
         range = readBox(read, range->end, size);
@@ -96,58 +69,49 @@ std::optional<Index> findIndex(const ReadBytes& read, std::uint64_t size) {
     return Index{*range, {range->type, {}, parseBoxes(content)}};
 }
 
-/// The header of a "mdat" box of that size, in its long form.
-std::vector<std::uint8_t> mediaHeader(std::uint64_t size) {
-    return BoxWriter().u32(1).u32(fourCC("mdat")).u64(size).take();
+void PlainMovie::readMore() {
+    const std::uint64_t before = m_fragments.end;
+    readFragments(reading(*m_file), m_file->size(), m_index.box, m_fragments);
+    if (m_fragments.end > before) {
+        m_file->startSynchronizing(before, m_fragments.end - before);
+    }
 }
 
-/// Puts the new index behind the media and hides the old one in them.
-int replaceIndex(const OpenFile& file, const BoxRange& old, const MovieBox& index) {
-    const std::uint64_t end = file.size();
+Result<void, MediaError> PlainMovie::complete(const MovieEnds& ends) {
+    readMore();
+    if (m_fragments.end != m_file->size()) {
+        return fail(notMedia(m_path, "its last fragment is not whole"));
+    }
+    const auto index = makePlainIndex(std::move(m_index.box), std::move(m_fragments), ends);
+    if (!index) {
+        return fail(notMedia(m_path, "its index is damaged"));
+    }
+    const int error = replaceIndex(*index);
+    return error == 0 ? Result<void, MediaError>() : fail(writeError(m_path, AVERROR(error)));
+}
+
+/// Puts the new index behind the media and hides the old one in them. The last step need not
+/// be waited for: the movie is whole before it and after it.
+int PlainMovie::replaceIndex(const MovieBox& index) const {
+    const std::uint64_t end = m_file->size();
     std::vector<std::uint8_t> bytes;
     appendBox(bytes, index);
-    int error = file.write(end, bytes);
+    int error = m_file->write(end, bytes);
     if (error == 0) {
-        error = file.synchronize();
+        error = m_file->synchronize();
     }
     if (error == 0) {
-        error = file.write(old.start, mediaHeader(end - old.start));
+        error = m_file->write(m_index.range.start, mediaHeader(end - m_index.range.start));
     }
     if (error != 0) {
-        file.cut(end);
-        return error;
+        m_file->cut(end);
     }
-    return file.synchronize();
+    return error;
 }
 
-} // namespace
-
 Result<void, MediaError> makePlainMovie(const std::filesystem::path& path, const MovieEnds& ends) {
-    using Kind = MediaError::Kind;
-    const OpenFile file(path);
-    if (!file.isOpen()) {
-        return fail(writeError(path, AVERROR(errno)));
-    }
-    const ReadBytes read = [&file](std::uint64_t offset, std::span<std::uint8_t> bytes) {
-        return file.read(offset, bytes);
-    };
-    const std::uint64_t size = file.size();
-    std::optional<Index> old = findIndex(read, size);
-    if (!old || !old->box.child(fourCC("mvex"))) {
-        return fail(mediaError(Kind::notMedia, path, "it is no fragmented movie"));
-    }
-    MovieFragments fragments = readFragments(read, old->range.end, size, old->box);
-    if (fragments.end != size) {
-        return fail(mediaError(Kind::notMedia, path, "its last fragment is not whole"));
-    }
-    const auto index = makePlainIndex(std::move(old->box), std::move(fragments), ends);
-    if (!index) {
-        return fail(mediaError(Kind::notMedia, path, "its index is damaged"));
-    }
-    if (const int error = replaceIndex(file, old->range, *index); error != 0) {
-        return fail(writeError(path, AVERROR(error)));
-    }
-    return {};
+    const auto movie = PlainMovie::open(path);
+    return movie ? (*movie)->complete(ends) : fail(movie.error());
 }
 
 std::vector<std::uint8_t> withEditList(std::span<const std::uint8_t> header, std::size_t track,

@@ -4,6 +4,7 @@
 #include <fmt/format.h>
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <chrono>
 #include <csignal>
 #include <fstream>
@@ -340,6 +341,32 @@ TEST(FfmpegAssetWriter, aFullQueueSaysSoAndNeverBlocks) {
     EXPECT_GT(refused, 0);
     ASSERT_TRUE(writing.writer->finishWriting());
     EXPECT_EQ(readNumbers(file).size(), 60U - static_cast<unsigned>(refused));
+}
+
+TEST(FfmpegAssetWriter, aSlowEncoderIsGivenLittleToWaitForAtTheEnd) {
+    constexpr int kInMemory = 7; // What the queue would hold of these pictures.
+    VideoSettings video = settings(FileType::quickTimeMovie);
+    video.width = 3840;
+    video.height = 2160;
+    const Writing writing(freshPath("slow.mov"), FileType::quickTimeMovie, video);
+    const auto picture = std::make_shared<PixelBuffer>(video.width, video.height);
+    std::uint32_t state = 1;
+    const auto fillWithNoise = [&] {
+        auto* words = reinterpret_cast<std::uint32_t*>(picture->data());
+        std::generate_n(words, picture->stride() / 4 * static_cast<std::size_t>(video.height),
+                        [&] { return state = state * 1664525 + 1013904223; });
+    };
+    int n = 0;
+    for (; n < kInMemory; ++n) { // Until its pace is known.
+        fillWithNoise();
+        ASSERT_TRUE(writing.append(picture, {n, 60}));
+    }
+    int taken = 0;
+    while (writing.input->append(picture, {n + taken, 60})) {
+        ++taken;
+    }
+    EXPECT_LT(taken, kInMemory - 1);
+    ASSERT_TRUE(writing.writer->finishWriting());
 }
 
 TEST(FfmpegAssetWriter, cancelLeavesNothing) {

@@ -6,8 +6,10 @@
 #include <fmt/format.h>
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <csignal>
 #include <fstream>
+#include <string_view>
 #include <sys/resource.h>
 
 namespace tavi {
@@ -25,10 +27,10 @@ struct Kind {
     const char* options;
 };
 
-class PlainMovie : public ::testing::TestWithParam<Kind> {};
+class PlainMovieOf : public ::testing::TestWithParam<Kind> {};
 
 INSTANTIATE_TEST_SUITE_P(
-    Kinds, PlainMovie,
+    Kinds, PlainMovieOf,
     ::testing::Values(Kind{"plainFrames", "-an -bf 0 -movflags +empty_moov+default_base_moof"},
                       Kind{"reordered", "-an -bf 2 -movflags +delay_moov+default_base_moof"},
                       Kind{"sound", "-bf 0 -c:a aac -movflags +delay_moov+default_base_moof"},
@@ -79,7 +81,7 @@ fs::path copyOf(const fs::path& file, const std::string& name) {
 
 } // namespace
 
-TEST_P(PlainMovie, holdsWhatTheFragmentsHeld) {
+TEST_P(PlainMovieOf, holdsWhatTheFragmentsHeld) {
     const fs::path before = fragmented(GetParam());
     const fs::path after = copyOf(before, "plain.mov");
     const auto made = makePlainMovie(after, {});
@@ -99,7 +101,7 @@ TEST_P(PlainMovie, holdsWhatTheFragmentsHeld) {
     }
 }
 
-TEST_P(PlainMovie, canBeReadWheneverTheChangeIsInterrupted) {
+TEST_P(PlainMovieOf, canBeReadWheneverTheChangeIsInterrupted) {
     const fs::path before = fragmented(GetParam());
     const fs::path after = copyOf(before, "interrupted.mov");
     const std::string whole = decoded(before);
@@ -117,7 +119,7 @@ TEST_P(PlainMovie, canBeReadWheneverTheChangeIsInterrupted) {
     }
 }
 
-TEST_P(PlainMovie, isLeftAsItWasWithoutRoomForTheIndex) {
+TEST_P(PlainMovieOf, isLeftAsItWasWithoutRoomForTheIndex) {
     const fs::path file = copyOf(fragmented(GetParam()), "noroom.mov");
     const Bytes before = contentOf(file);
     rlimit limit{};
@@ -133,12 +135,30 @@ TEST_P(PlainMovie, isLeftAsItWasWithoutRoomForTheIndex) {
     EXPECT_EQ(contentOf(file), before);
 }
 
-TEST_P(PlainMovie, isMadeOfWholeFragmentsOnly) {
+TEST_P(PlainMovieOf, isMadeOfWholeFragmentsOnly) {
     const fs::path file = copyOf(fragmented(GetParam()), "cut.mov");
     fs::resize_file(file, fs::file_size(file) - 1);
     const Bytes before = contentOf(file);
     EXPECT_FALSE(makePlainMovie(file, {}));
     EXPECT_EQ(contentOf(file), before);
+}
+
+TEST_P(PlainMovieOf, readsAGrowingMovieOnlyOnce) {
+    const fs::path source = fragmented(GetParam());
+    const Bytes whole = contentOf(source);
+    const fs::path file = copyOf(source, "growing.mov");
+    fs::resize_file(file, whole.size() / 2); // Somewhere in a fragment.
+    const auto movie = PlainMovie::open(file);
+    ASSERT_TRUE(movie) << movie.error().description();
+    (*movie)->readMore();
+    Bytes spoiled = whole;
+    constexpr std::string_view kTables = "traf";
+    const auto tables = std::search(spoiled.begin(), spoiled.end(), kTables.begin(), kTables.end());
+    std::fill_n(tables, 16, '?');
+    write(file, spoiled, spoiled.size());
+    ASSERT_TRUE((*movie)->complete({}));
+    EXPECT_EQ(decoded(file), decoded(source));
+    EXPECT_EQ(packetTimes(file), packetTimes(source));
 }
 
 TEST(PlainMovieKinds, refusesWhatIsNoFragmentedMovie) {
