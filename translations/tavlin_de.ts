@@ -1,4 +1,5 @@
-<?xml version='1.0' encoding='utf-8'?>
+<?xml version="1.0" encoding="utf-8"?>
+<!DOCTYPE TS>
 <TS version="2.1" language="de_DE">
 <context>
     <name>AutoZoomProgressView</name>
@@ -158,33 +159,6 @@
     </message>
 </context>
 <context>
-    <name>EditorPlaceholder</name>
-    <message>
-        <source>Library</source>
-        <translation>Bibliothek</translation>
-    </message>
-    <message>
-        <source>Settings</source>
-        <translation>Einstellungen</translation>
-    </message>
-    <message>
-        <source>This recording is saved.</source>
-        <translation>Diese Aufnahme ist gespeichert.</translation>
-    </message>
-    <message>
-        <source>This version has no editor yet. Zoom and export the recording in a terminal:</source>
-        <translation>Diese Version hat noch keinen Editor. Zoom und Export der Aufnahme gehen im Terminal:</translation>
-    </message>
-    <message>
-        <source>Commands</source>
-        <translation>Befehle</translation>
-    </message>
-    <message>
-        <source>Show in Finder</source>
-        <translation>In Dateien anzeigen</translation>
-    </message>
-</context>
-<context>
     <name>EditorToolbar</name>
     <message>
         <source>Library</source>
@@ -286,7 +260,7 @@
         <translation>Der Name darf nicht leer sein.</translation>
     </message>
     <message>
-        <source>Name cannot contain "/" or ":" characters.</source>
+        <source>Name cannot contain &quot;/&quot; or &quot;:&quot; characters.</source>
         <translation>Der Name darf weder „/“ noch „:“ enthalten.</translation>
     </message>
     <message>
@@ -303,13 +277,248 @@
     </message>
     <message>
         <source>MMM d, yyyy</source>
-        <extracomment>The date on a recording's card, in Qt's letters for the parts of a date.</extracomment>
+        <extracomment>The date on a recording&apos;s card, in Qt&apos;s letters for the parts of a date.</extracomment>
         <translation>d. MMM yyyy</translation>
     </message>
     <message>
         <source>%1, %2</source>
-        <extracomment>A recording's date and time.</extracomment>
+        <extracomment>A recording&apos;s date and time.</extracomment>
         <translation>%1, %2</translation>
+    </message>
+</context>
+<context>
+    <name>Inspector</name>
+    <message>
+        <source>Aspect Ratio</source>
+        <translation>Seitenverhältnis</translation>
+    </message>
+    <message>
+        <source>Background Size</source>
+        <translation>Hintergrundgröße</translation>
+    </message>
+    <message>
+        <source>Black</source>
+        <translation>Schwarz</translation>
+    </message>
+    <message>
+        <source>White</source>
+        <translation>Weiß</translation>
+    </message>
+    <message>
+        <source>Custom</source>
+        <translation>Eigene</translation>
+    </message>
+    <message>
+        <source>Gradient</source>
+        <translation>Verlauf</translation>
+    </message>
+    <message>
+        <source>Blur</source>
+        <translation>Unschärfe</translation>
+    </message>
+    <message>
+        <source>Aurora</source>
+        <translation>Polarlicht</translation>
+    </message>
+    <message>
+        <source>APPEARANCE</source>
+        <translation>AUSSEHEN</translation>
+    </message>
+    <message>
+        <source>Background</source>
+        <translation>Hintergrund</translation>
+    </message>
+    <message>
+        <source>Color</source>
+        <translation>Farbe</translation>
+    </message>
+    <message>
+        <source>Preset</source>
+        <translation>Vorlage</translation>
+    </message>
+    <message>
+        <source>Blur Radius</source>
+        <translation>Unschärferadius</translation>
+    </message>
+    <message>
+        <source>aurora</source>
+        <translation>Polarlicht</translation>
+    </message>
+    <message>
+        <source>sunset</source>
+        <translation>Sonnenuntergang</translation>
+    </message>
+    <message>
+        <source>ocean</source>
+        <translation>Ozean</translation>
+    </message>
+    <message>
+        <source>forest</source>
+        <translation>Wald</translation>
+    </message>
+    <message>
+        <source>lavender</source>
+        <translation>Lavendel</translation>
+    </message>
+    <message>
+        <source>ember</source>
+        <translation>Glut</translation>
+    </message>
+    <message>
+        <source>Animate</source>
+        <translation>Bewegt</translation>
+    </message>
+    <message>
+        <source>Corner Radius</source>
+        <translation>Eckenradius</translation>
+    </message>
+    <message>
+        <source>Shadow</source>
+        <translation>Schatten</translation>
+    </message>
+    <message>
+        <source>Radius</source>
+        <translation>Radius</translation>
+    </message>
+    <message>
+        <source>Opacity</source>
+        <translation>Deckkraft</translation>
+    </message>
+    <message>
+        <source>None</source>
+        <translation>Keine</translation>
+    </message>
+    <message>
+        <source>Slow</source>
+        <translation>Sanft</translation>
+    </message>
+    <message>
+        <source>Medium</source>
+        <translation>Mittel</translation>
+    </message>
+    <message>
+        <source>Fast</source>
+        <translation>Flott</translation>
+    </message>
+    <message>
+        <source>Rapid</source>
+        <translation>Rasch</translation>
+    </message>
+    <message>
+        <source>CURSOR</source>
+        <translation>ZEIGER</translation>
+    </message>
+    <message>
+        <source>Style</source>
+        <translation>Stil</translation>
+    </message>
+    <message>
+        <source>Pointer</source>
+        <translation>Pfeil</translation>
+    </message>
+    <message>
+        <source>System</source>
+        <translation>System</translation>
+    </message>
+    <message>
+        <source>Circle</source>
+        <translation>Kreis</translation>
+    </message>
+    <message>
+        <source>Size</source>
+        <translation>Größe</translation>
+    </message>
+    <message>
+        <source>Smoothing</source>
+        <translation>Glättung</translation>
+    </message>
+    <message>
+        <source>KEYSTROKES</source>
+        <translation>TASTEN</translation>
+    </message>
+    <message>
+        <source>Display Duration</source>
+        <translation>Anzeigedauer</translation>
+    </message>
+    <message>
+        <source>Margin</source>
+        <translation>Abstand</translation>
+    </message>
+    <message>
+        <source>Border</source>
+        <translation>Rand</translation>
+    </message>
+    <message>
+        <source>Top Left</source>
+        <translation>Oben links</translation>
+    </message>
+    <message>
+        <source>Top Right</source>
+        <translation>Oben rechts</translation>
+    </message>
+    <message>
+        <source>Bottom Left</source>
+        <translation>Unten links</translation>
+    </message>
+    <message>
+        <source>Bottom Right</source>
+        <translation>Unten rechts</translation>
+    </message>
+    <message>
+        <source>CAMERA</source>
+        <translation>KAMERA</translation>
+    </message>
+    <message>
+        <source>No camera recorded</source>
+        <translation>Keine Kamera aufgenommen</translation>
+    </message>
+    <message>
+        <source>Position</source>
+        <translation>Position</translation>
+    </message>
+    <message>
+        <source>16:9</source>
+        <translation>16:9</translation>
+    </message>
+    <message>
+        <source>Auto</source>
+        <translation>Auto</translation>
+    </message>
+    <message>
+        <source>S</source>
+        <translation>S</translation>
+    </message>
+    <message>
+        <source>M</source>
+        <translation>M</translation>
+    </message>
+    <message>
+        <source>L</source>
+        <translation>L</translation>
+    </message>
+    <message>
+        <source>midnight</source>
+        <translation>Mitternacht</translation>
+    </message>
+    <message>
+        <source>berry</source>
+        <translation>Beere</translation>
+    </message>
+    <message>
+        <source>moss</source>
+        <translation>Moos</translation>
+    </message>
+    <message>
+        <source>peach</source>
+        <translation>Pfirsich</translation>
+    </message>
+    <message>
+        <source>steel</source>
+        <translation>Stahl</translation>
+    </message>
+    <message>
+        <source>candy</source>
+        <translation>Bonbon</translation>
     </message>
 </context>
 <context>
@@ -381,7 +590,7 @@
         <translation>Aufnahme löschen?</translation>
     </message>
     <message>
-        <source>"%1" will be permanently deleted.</source>
+        <source>&quot;%1&quot; will be permanently deleted.</source>
         <translation>„%1“ wird endgültig gelöscht.</translation>
     </message>
     <message>
@@ -428,7 +637,7 @@ oder fügen Sie eines hinzu</translation>
 <context>
     <name>NotificationBellView</name>
     <message>
-        <source>What's new</source>
+        <source>What&apos;s new</source>
         <translation>Neuigkeiten</translation>
     </message>
     <message>
@@ -451,7 +660,7 @@ oder fügen Sie eines hinzu</translation>
         <translation>Tavlin 1.4 ist da!</translation>
     </message>
     <message>
-        <source>Check out what's new in this release.</source>
+        <source>Check out what&apos;s new in this release.</source>
         <translation>Sehen Sie, was in dieser Version neu ist.</translation>
     </message>
     <message>
@@ -681,7 +890,7 @@ Bitte erteilen Sie sie in den Systemeinstellungen.</translation>
         <translation>Beenden</translation>
     </message>
     <message>
-        <source>Stop it here, or with "tavi stop" in a terminal.</source>
+        <source>Stop it here, or with &quot;tavi stop&quot; in a terminal.</source>
         <translation>Beenden Sie sie hier oder mit „tavi stop“ in einem Terminal.</translation>
     </message>
     <message>
@@ -776,10 +985,51 @@ Bitte erteilen Sie sie in den Systemeinstellungen.</translation>
     </message>
 </context>
 <context>
+    <name>tavi::AutoZoomViewModel</name>
+    <message>
+        <source>Detecting activity regions...</source>
+        <translation>Bereiche mit Bewegung werden gesucht …</translation>
+    </message>
+    <message>
+        <source>Simulating camera movements...</source>
+        <translation>Kamerafahrten werden berechnet …</translation>
+    </message>
+    <message>
+        <source>Generating keyframes...</source>
+        <translation>Keyframes werden erzeugt …</translation>
+    </message>
+    <message>
+        <source>Complete</source>
+        <translation>Fertig</translation>
+    </message>
+</context>
+<context>
     <name>tavi::DesktopSavePanel</name>
     <message>
         <source>Export</source>
         <translation>Exportieren</translation>
+    </message>
+</context>
+<context>
+    <name>tavi::EditorScreenViewModel</name>
+    <message>
+        <source>%1m %2s left</source>
+        <translation>noch %1 min %2 s</translation>
+    </message>
+    <message>
+        <source>%1s left</source>
+        <translation>noch %1 s</translation>
+    </message>
+</context>
+<context>
+    <name>tavi::ExportSettingsViewModel</name>
+    <message>
+        <source>Custom</source>
+        <translation>Eigene</translation>
+    </message>
+    <message>
+        <source>%1 fps</source>
+        <translation>%1 fps</translation>
     </message>
 </context>
 <context>
@@ -811,14 +1061,69 @@ Bitte erteilen Sie sie in den Systemeinstellungen.</translation>
 <context>
     <name>tavi::TaviApp</name>
     <message>
-        <source>The pointer of this desktop can't be followed, so nothing can be recorded here.</source>
+        <source>The pointer of this desktop can&apos;t be followed, so nothing can be recorded here.</source>
         <translation>Dem Zeiger dieses Desktops kann nicht gefolgt werden; darum kann hier nichts aufgenommen werden.</translation>
+    </message>
+</context>
+<context>
+    <name>tavi::TimelineStopsViewModel</name>
+    <message>
+        <source>Cut from %1 to %2</source>
+        <translation>Schnitt von %1 bis %2</translation>
+    </message>
+    <message>
+        <source>Start of the film, %1</source>
+        <translation>Anfang des Films, %1</translation>
+    </message>
+    <message>
+        <source>End of the film, %1</source>
+        <translation>Ende des Films, %1</translation>
+    </message>
+    <message>
+        <source>Keyframe %1, from %2 to %3</source>
+        <translation>Keyframe %1, von %2 bis %3</translation>
+    </message>
+    <message>
+        <source>Start of keyframe %1, %2</source>
+        <translation>Anfang von Keyframe %1, %2</translation>
+    </message>
+    <message>
+        <source>End of keyframe %1, %2</source>
+        <translation>Ende von Keyframe %1, %2</translation>
+    </message>
+    <message>
+        <source>Zoom of %1 at %2</source>
+        <translation>Zoom %1 bei %2</translation>
+    </message>
+    <message>
+        <source>Curve of keyframe %1</source>
+        <translation>Kurve von Keyframe %1</translation>
+    </message>
+    <message>
+        <source>Return goes there, Delete restores it</source>
+        <translation>Eingabe springt dorthin, Entf stellt ihn wieder her</translation>
+    </message>
+    <message>
+        <source>Return selects it, Delete removes it</source>
+        <translation>Eingabe wählt es aus, Entf löscht es</translation>
+    </message>
+    <message>
+        <source>Return adds a point at the playhead</source>
+        <translation>Eingabe setzt am Abspielkopf einen Punkt</translation>
+    </message>
+    <message>
+        <source>Up and Down zoom, Return moves it to the playhead, Delete removes it</source>
+        <translation>Hoch und Runter zoomen, Eingabe holt ihn zum Abspielkopf, Entf löscht ihn</translation>
+    </message>
+    <message>
+        <source>Return moves it to the playhead</source>
+        <translation>Eingabe holt es zum Abspielkopf</translation>
     </message>
 </context>
 <context>
     <name>tavi::UpdaterController</name>
     <message>
-        <source>Tavlin was installed by your system's package manager, which also brings its updates.</source>
+        <source>Tavlin was installed by your system&apos;s package manager, which also brings its updates.</source>
         <translation>Tavlin wurde von der Paketverwaltung Ihres Systems installiert; sie bringt auch seine Updates.</translation>
     </message>
     <message>
@@ -826,7 +1131,7 @@ Bitte erteilen Sie sie in den Systemeinstellungen.</translation>
         <translation>Tavlin %1 ist die neueste Version.</translation>
     </message>
     <message>
-        <source>Tavlin %1 is available. "Check for Updates..." fetches it.</source>
+        <source>Tavlin %1 is available. &quot;Check for Updates...&quot; fetches it.</source>
         <translation>Tavlin %1 ist verfügbar. „Nach Updates suchen …“ holt es.</translation>
     </message>
     <message>
@@ -840,6 +1145,40 @@ Bitte erteilen Sie sie in den Systemeinstellungen.</translation>
     <message>
         <source>Tavlin %1 was fetched and its signature is right. Install it with your package installer: %2</source>
         <translation>Tavlin %1 wurde geholt, und seine Signatur stimmt. Installieren Sie es mit Ihrem Paketinstallationsprogramm: %2</translation>
+    </message>
+</context>
+<context>
+    <name>tavi::ZoomTabViewModel</name>
+    <message>
+        <source>Linear</source>
+        <translation>Linear</translation>
+    </message>
+    <message>
+        <source>Ease In</source>
+        <translation>Sanft an</translation>
+    </message>
+    <message>
+        <source>Ease Out</source>
+        <translation>Sanft aus</translation>
+    </message>
+    <message>
+        <source>Ease In-Out</source>
+        <translation>Sanft an-aus</translation>
+    </message>
+    <message>
+        <source>Spring</source>
+        <translation>Feder</translation>
+    </message>
+    <message numerus="yes">
+        <source>%n keyframes generated</source>
+        <translation>
+            <numerusform>%n Keyframe erzeugt</numerusform>
+            <numerusform>%n Keyframes erzeugt</numerusform>
+        </translation>
+    </message>
+    <message>
+        <source>KEYFRAME %1</source>
+        <translation>KEYFRAME %1</translation>
     </message>
 </context>
 </TS>

@@ -2,9 +2,25 @@
 
 #include <QPointer>
 
+#include <algorithm>
+#include <array>
+#include <string_view>
 #include <utility>
 
 namespace tavi {
+
+namespace {
+
+/// The names of RawValues<AnalysisPhase>.
+constexpr std::array kPhases{
+    QT_TRANSLATE_NOOP("tavi::AutoZoomViewModel", "Detecting activity regions..."),
+    QT_TRANSLATE_NOOP("tavi::AutoZoomViewModel", "Simulating camera movements..."),
+    QT_TRANSLATE_NOOP("tavi::AutoZoomViewModel", "Generating keyframes..."),
+    QT_TRANSLATE_NOOP("tavi::AutoZoomViewModel", "Complete")};
+static_assert(std::ranges::equal(kPhases, RawValues<AutoZoomService::AnalysisPhase>::names, {},
+                                 [](const char* text) { return std::string_view(text); }));
+
+} // namespace
 
 AutoZoomViewModel::AutoZoomViewModel(Executor& main, Executor& background, QObject* parent)
     : QObject(parent),
@@ -15,8 +31,7 @@ QString AutoZoomViewModel::phaseText() const {
     if (!m_progress) {
         return {};
     }
-    const std::string_view text = rawValue(m_progress->phase);
-    return QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()));
+    return tr(kPhases[static_cast<std::size_t>(m_progress->phase)]);
 }
 
 double AutoZoomViewModel::overallProgress() const {

@@ -79,7 +79,12 @@ QString EditorScreenViewModel::exportPercentText() const {
 
 QString EditorScreenViewModel::exportRemainingText() const {
     const auto seconds = m_export->estimatedTimeRemaining();
-    return seconds ? QString::fromStdString(remainingText(*seconds)) : QString();
+    return seconds ? remainingText(*seconds) : QString();
+}
+
+QString EditorScreenViewModel::remainingText(double seconds) {
+    const auto [minutes, rest] = wholeMinutes(seconds);
+    return minutes > 0 ? tr("%1m %2s left").arg(minutes).arg(rest) : tr("%1s left").arg(rest);
 }
 
 QString EditorScreenViewModel::exportError() const {

@@ -69,6 +69,9 @@ public:
     QString exportRemainingText() const; ///< Empty until it can be told.
     QString exportError() const;
 
+    /// "1m 5s left", below a minute "5s left": whole seconds.
+    static QString remainingText(double seconds);
+
     Q_INVOKABLE void startExport();
     Q_INVOKABLE void cancelExport();
     Q_INVOKABLE void revealExport();

@@ -24,10 +24,9 @@ std::string timeText(double seconds) {
     return fmt::format("{:02}:{:02}:{:02}", whole / 60, whole % 60, frames);
 }
 
-std::string remainingText(double seconds) {
+WholeMinutes wholeMinutes(double seconds) {
     const auto whole = static_cast<long long>(limited(seconds));
-    return whole < 60 ? fmt::format("{}s left", whole)
-                      : fmt::format("{}m {}s left", whole / 60, whole % 60);
+    return {whole / 60, whole % 60};
 }
 
 } // namespace tavi

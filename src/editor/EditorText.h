@@ -9,7 +9,13 @@ namespace tavi {
 /// "mm:ss:ff": minutes, seconds, and the thirtieths of a second that have begun.
 std::string timeText(double seconds);
 
-/// "1m 5s left", below a minute "5s left": whole seconds.
-std::string remainingText(double seconds);
+/// A length in whole seconds that have gone by.
+struct WholeMinutes {
+    long long minutes = 0;
+    long long seconds = 0; ///< 0 to 59.
+
+    bool operator==(const WholeMinutes&) const = default;
+};
+WholeMinutes wholeMinutes(double seconds);
 
 } // namespace tavi

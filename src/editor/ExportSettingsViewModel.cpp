@@ -41,7 +41,7 @@ QStringList ExportSettingsViewModel::resolutions() const {
         const std::string_view text = rawValue(option);
         labels.append(QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size())));
     }
-    return labels << "Custom";
+    return labels << tr("Custom");
 }
 
 int ExportSettingsViewModel::resolution() const {
@@ -61,9 +61,9 @@ QString ExportSettingsViewModel::customHeight() const {
 QStringList ExportSettingsViewModel::frameRates() const {
     QStringList labels;
     for (const std::int64_t fps : kFrameRates) {
-        labels.append(QString::number(fps) + " fps");
+        labels.append(tr("%1 fps").arg(fps));
     }
-    return labels << "Custom";
+    return labels << tr("Custom");
 }
 
 int ExportSettingsViewModel::frameRate() const {

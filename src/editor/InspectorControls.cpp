@@ -8,6 +8,10 @@
 #include <array>
 #include <cmath>
 
+/// Marks a text for the translators; the view model translates it where it is shown. (Qt's own
+/// macro of this name is what their tool looks for.)
+#define QT_TRANSLATE_NOOP(context, text) text
+
 namespace tavi {
 
 namespace {
@@ -151,32 +155,35 @@ Choices aspectChoices() {
 /// What surrounds the video.
 void addFrame(std::vector<Control>& all) {
     all.push_back({.kind = Kind::choice,
-                   .label = "Aspect Ratio",
+                   .label = QT_TRANSLATE_NOOP("Inspector", "Aspect Ratio"),
                    .choices = aspectChoices(),
                    .value = Output<&OutputSettings::autoAspectRatio>::get,
                    .setValue = Output<&OutputSettings::autoAspectRatio>::set});
-    all.push_back(
-        slider<Look<&AppearanceSettings::padding>>("Background Size", {0, 0.3, 0.01}, percent));
+    all.push_back(slider<Look<&AppearanceSettings::padding>>(
+        QT_TRANSLATE_NOOP("Inspector", "Background Size"), {0, 0.3, 0.01}, percent));
 }
 
 void addBackground(std::vector<Control>& all) {
-    static constexpr std::array<std::string_view, 6> kStyles{"Black",    "White", "Custom",
-                                                             "Gradient", "Blur",  "Aurora"};
+    static constexpr std::array<std::string_view, 6> kStyles{
+        QT_TRANSLATE_NOOP("Inspector", "Black"),  QT_TRANSLATE_NOOP("Inspector", "White"),
+        QT_TRANSLATE_NOOP("Inspector", "Custom"), QT_TRANSLATE_NOOP("Inspector", "Gradient"),
+        QT_TRANSLATE_NOOP("Inspector", "Blur"),   QT_TRANSLATE_NOOP("Inspector", "Aurora")};
     static_assert(kStyles.size() == RawValues<BackgroundStyle>::names.size());
-    all.push_back(title("APPEARANCE"));
+    all.push_back(title(QT_TRANSLATE_NOOP("Inspector", "APPEARANCE")));
     all.push_back({.kind = Kind::tiles,
-                   .label = "Background",
+                   .label = QT_TRANSLATE_NOOP("Inspector", "Background"),
                    .choices = labels(kStyles),
                    .value = Look<&AppearanceSettings::backgroundStyle>::get,
                    .setValue = [](EditProject& project, double index) {
                        project.appearanceSettings.backgroundStyle = enumOf<BackgroundStyle>(index);
                    }});
-    all.push_back(
-        {.kind = Kind::color, .label = "Color", .isShown = [](const EditProject& p, bool) {
-             return hasStyle(p, BackgroundStyle::solidCustom);
-         }});
+    all.push_back({.kind = Kind::color,
+                   .label = QT_TRANSLATE_NOOP("Inspector", "Color"),
+                   .isShown = [](const EditProject& p, bool) {
+                       return hasStyle(p, BackgroundStyle::solidCustom);
+                   }});
     all.push_back({.kind = Kind::gradients,
-                   .label = "Preset",
+                   .label = QT_TRANSLATE_NOOP("Inspector", "Preset"),
                    .choices = gradientNames(),
                    .value = Look<&AppearanceSettings::gradientPresetIndex>::get,
                    .setValue = Look<&AppearanceSettings::gradientPresetIndex>::set,
@@ -184,18 +191,20 @@ void addBackground(std::vector<Control>& all) {
                        return hasStyle(p, BackgroundStyle::gradient);
                    }});
     all.push_back(slider<Look<&AppearanceSettings::blurRadius>>(
-        "Blur Radius", {20, 80, 5}, number,
+        QT_TRANSLATE_NOOP("Inspector", "Blur Radius"), {20, 80, 5}, number,
         [](const EditProject& p, bool) { return hasStyle(p, BackgroundStyle::blur); }));
 }
 
 void addWallpaper(std::vector<Control>& all) {
-    static constexpr std::array<std::string_view, 6> kNames{"aurora", "sunset",   "ocean",
-                                                            "forest", "lavender", "ember"};
+    static constexpr std::array<std::string_view, 6> kNames{
+        QT_TRANSLATE_NOOP("Inspector", "aurora"),   QT_TRANSLATE_NOOP("Inspector", "sunset"),
+        QT_TRANSLATE_NOOP("Inspector", "ocean"),    QT_TRANSLATE_NOOP("Inspector", "forest"),
+        QT_TRANSLATE_NOOP("Inspector", "lavender"), QT_TRANSLATE_NOOP("Inspector", "ember")};
     const Shown isShown = [](const EditProject& p, bool) {
         return hasStyle(p, BackgroundStyle::wallpaper);
     };
     all.push_back({.kind = Kind::wallpapers,
-                   .label = "Preset",
+                   .label = QT_TRANSLATE_NOOP("Inspector", "Preset"),
                    .choices = labels(kNames),
                    .value =
                        [](const EditProject& p) {
@@ -206,31 +215,36 @@ void addWallpaper(std::vector<Control>& all) {
                            p.appearanceSettings.wallpaperPreset = at(kWallpaperRow, index);
                        },
                    .isShown = isShown});
-    all.push_back(toggle<Look<&AppearanceSettings::animateBackground>>("Animate", isShown));
+    all.push_back(toggle<Look<&AppearanceSettings::animateBackground>>(
+        QT_TRANSLATE_NOOP("Inspector", "Animate"), isShown));
 }
 
 void addCorners(std::vector<Control>& all) {
     const Shown hasShadow = [](const EditProject& p, bool) {
         return p.appearanceSettings.shadowEnabled;
     };
+    all.push_back(slider<Look<&AppearanceSettings::cornerRadius>>(
+        QT_TRANSLATE_NOOP("Inspector", "Corner Radius"), {0, 40, 1}, pixels));
     all.push_back(
-        slider<Look<&AppearanceSettings::cornerRadius>>("Corner Radius", {0, 40, 1}, pixels));
-    all.push_back(toggle<Look<&AppearanceSettings::shadowEnabled>>("Shadow"));
-    all.push_back(
-        slider<Look<&AppearanceSettings::shadowRadius>>("Radius", {5, 50, 1}, number, hasShadow));
-    all.push_back(slider<Look<&AppearanceSettings::shadowOpacity>>("Opacity", {0.1, 1, 0.1},
-                                                                   percent, hasShadow));
+        toggle<Look<&AppearanceSettings::shadowEnabled>>(QT_TRANSLATE_NOOP("Inspector", "Shadow")));
+    all.push_back(slider<Look<&AppearanceSettings::shadowRadius>>(
+        QT_TRANSLATE_NOOP("Inspector", "Radius"), {5, 50, 1}, number, hasShadow));
+    all.push_back(slider<Look<&AppearanceSettings::shadowOpacity>>(
+        QT_TRANSLATE_NOOP("Inspector", "Opacity"), {0.1, 1, 0.1}, percent, hasShadow));
 }
 
 void addCursor(std::vector<Control>& all) {
-    static constexpr std::array<std::string_view, 5> kPresets{"None", "Slow", "Medium", "Fast",
-                                                              "Rapid"};
-    all.push_back(titleSwitch<Cursor<&CursorSettings::showCursor>>("CURSOR"));
+    static constexpr std::array<std::string_view, 5> kPresets{
+        QT_TRANSLATE_NOOP("Inspector", "None"), QT_TRANSLATE_NOOP("Inspector", "Slow"),
+        QT_TRANSLATE_NOOP("Inspector", "Medium"), QT_TRANSLATE_NOOP("Inspector", "Fast"),
+        QT_TRANSLATE_NOOP("Inspector", "Rapid")};
+    all.push_back(
+        titleSwitch<Cursor<&CursorSettings::showCursor>>(QT_TRANSLATE_NOOP("Inspector", "CURSOR")));
     all.push_back({.kind = Kind::choice,
-                   .label = "Style",
-                   .choices = {{"Pointer", "cursorarrow.rays"},
-                               {"System", "cursorarrow"},
-                               {"Circle", "circle.fill"}},
+                   .label = QT_TRANSLATE_NOOP("Inspector", "Style"),
+                   .choices = {{QT_TRANSLATE_NOOP("Inspector", "Pointer"), "cursorarrow.rays"},
+                               {QT_TRANSLATE_NOOP("Inspector", "System"), "cursorarrow"},
+                               {QT_TRANSLATE_NOOP("Inspector", "Circle"), "circle.fill"}},
                    .value =
                        [](const EditProject& p) {
                            return indexOf(kCursorStyles, p.cursorSettings.cursorStyle);
@@ -239,9 +253,10 @@ void addCursor(std::vector<Control>& all) {
                        [](EditProject& p, double index) {
                            p.cursorSettings.cursorStyle = at(kCursorStyles, index);
                        }});
-    all.push_back(slider<Cursor<&CursorSettings::cursorSize>>("Size", {12, 120, 2}, pixels));
+    all.push_back(slider<Cursor<&CursorSettings::cursorSize>>(
+        QT_TRANSLATE_NOOP("Inspector", "Size"), {12, 120, 2}, pixels));
     all.push_back({.kind = Kind::choice,
-                   .label = "Smoothing",
+                   .label = QT_TRANSLATE_NOOP("Inspector", "Smoothing"),
                    .choices = labels(kPresets),
                    .value = Cursor<&CursorSettings::smoothingPreset>::get,
                    .setValue = [](EditProject& p, double index) {
@@ -250,16 +265,17 @@ void addCursor(std::vector<Control>& all) {
 }
 
 void addKeystrokes(std::vector<Control>& all) {
-    all.push_back(titleSwitch<Cursor<&CursorSettings::showKeystrokes>>("KEYSTROKES"));
+    all.push_back(titleSwitch<Cursor<&CursorSettings::showKeystrokes>>(
+        QT_TRANSLATE_NOOP("Inspector", "KEYSTROKES")));
     all.push_back({.kind = Kind::choice,
-                   .label = "Size",
+                   .label = QT_TRANSLATE_NOOP("Inspector", "Size"),
                    .choices = labels(RawValues<KeystrokeSize>::names),
                    .value = Cursor<&CursorSettings::keystrokeSize>::get,
                    .setValue = [](EditProject& p, double index) {
                        p.cursorSettings.keystrokeSize = enumOf<KeystrokeSize>(index);
                    }});
-    all.push_back(slider<Cursor<&CursorSettings::keystrokeDisplayDuration>>("Display Duration",
-                                                                            {1, 5, 0.5}, seconds));
+    all.push_back(slider<Cursor<&CursorSettings::keystrokeDisplayDuration>>(
+        QT_TRANSLATE_NOOP("Inspector", "Display Duration"), {1, 5, 0.5}, seconds));
 }
 
 bool hasCamera(const EditProject&, bool isThere) {
@@ -267,32 +283,36 @@ bool hasCamera(const EditProject&, bool isThere) {
 }
 
 void addCameraShape(std::vector<Control>& all) {
-    all.push_back(slider<Camera<&CameraSettings::sizeFraction>>("Size", {0.1, 0.4, 0.02}, percent,
-                                                                hasCamera));
-    all.push_back(slider<Camera<&CameraSettings::cornerRadius>>("Corner Radius", {0, 420, 0},
-                                                                pixels, hasCamera));
-    all.push_back(slider<Camera<&CameraSettings::marginFraction>>("Margin", {0.01, 0.1, 0.01},
-                                                                  percent, hasCamera));
-    all.push_back(
-        slider<Camera<&CameraSettings::borderWidth>>("Border", {0, 8, 1}, pixels, hasCamera));
-    all.push_back(toggle<Camera<&CameraSettings::shadowEnabled>>("Shadow", hasCamera));
+    all.push_back(slider<Camera<&CameraSettings::sizeFraction>>(
+        QT_TRANSLATE_NOOP("Inspector", "Size"), {0.1, 0.4, 0.02}, percent, hasCamera));
+    all.push_back(slider<Camera<&CameraSettings::cornerRadius>>(
+        QT_TRANSLATE_NOOP("Inspector", "Corner Radius"), {0, 420, 0}, pixels, hasCamera));
+    all.push_back(slider<Camera<&CameraSettings::marginFraction>>(
+        QT_TRANSLATE_NOOP("Inspector", "Margin"), {0.01, 0.1, 0.01}, percent, hasCamera));
+    all.push_back(slider<Camera<&CameraSettings::borderWidth>>(
+        QT_TRANSLATE_NOOP("Inspector", "Border"), {0, 8, 1}, pixels, hasCamera));
+    all.push_back(toggle<Camera<&CameraSettings::shadowEnabled>>(
+        QT_TRANSLATE_NOOP("Inspector", "Shadow"), hasCamera));
 }
 
 void addCamera(std::vector<Control>& all) {
-    static constexpr std::array<std::string_view, 4> kCornerNames{"Top Left", "Top Right",
-                                                                  "Bottom Left", "Bottom Right"};
+    static constexpr std::array<std::string_view, 4> kCornerNames{
+        QT_TRANSLATE_NOOP("Inspector", "Top Left"), QT_TRANSLATE_NOOP("Inspector", "Top Right"),
+        QT_TRANSLATE_NOOP("Inspector", "Bottom Left"),
+        QT_TRANSLATE_NOOP("Inspector", "Bottom Right")};
     const Shown hasNone = [](const EditProject&, bool isThere) { return !isThere; };
-    all.push_back(titleSwitch<Camera<&CameraSettings::enabled>>("CAMERA", hasCamera));
-    Control plainTitle = title("CAMERA");
+    all.push_back(titleSwitch<Camera<&CameraSettings::enabled>>(
+        QT_TRANSLATE_NOOP("Inspector", "CAMERA"), hasCamera));
+    Control plainTitle = title(QT_TRANSLATE_NOOP("Inspector", "CAMERA"));
     plainTitle.isShown = hasNone;
     all.push_back(plainTitle);
     all.push_back({.kind = Kind::note,
-                   .label = "No camera recorded",
+                   .label = QT_TRANSLATE_NOOP("Inspector", "No camera recorded"),
                    .symbol = "video.slash",
                    .isShown = hasNone});
     all.push_back(
         {.kind = Kind::choice,
-         .label = "Position",
+         .label = QT_TRANSLATE_NOOP("Inspector", "Position"),
          .choices = labels(kCornerNames),
          .value = [](const EditProject& p) { return indexOf(kCorners, p.cameraSettings.position); },
          .setValue = [](EditProject& p,

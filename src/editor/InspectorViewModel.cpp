@@ -2,6 +2,7 @@
 
 #include "editor/ChoicePictures.h"
 
+#include <QCoreApplication>
 #include <QVariantMap>
 
 #include <algorithm>
@@ -19,6 +20,19 @@ constexpr std::array<const char*, 9> kKinds{"title",     "slider",     "choice",
 
 QString toQString(std::string_view text) {
     return QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()));
+}
+
+/// Choices that are called as they stand in files: told to the translators here.
+[[maybe_unused]] constexpr std::array kNames{
+    QT_TRANSLATE_NOOP("Inspector", "16:9"),  QT_TRANSLATE_NOOP("Inspector", "Auto"),
+    QT_TRANSLATE_NOOP("Inspector", "S"),     QT_TRANSLATE_NOOP("Inspector", "M"),
+    QT_TRANSLATE_NOOP("Inspector", "L"),     QT_TRANSLATE_NOOP("Inspector", "midnight"),
+    QT_TRANSLATE_NOOP("Inspector", "berry"), QT_TRANSLATE_NOOP("Inspector", "moss"),
+    QT_TRANSLATE_NOOP("Inspector", "peach"), QT_TRANSLATE_NOOP("Inspector", "steel"),
+    QT_TRANSLATE_NOOP("Inspector", "candy")};
+
+QString translated(std::string_view text) {
+    return QCoreApplication::translate("Inspector", std::string(text).c_str());
 }
 
 QString hex(double part) {
@@ -69,7 +83,7 @@ QVariant InspectorViewModel::data(const QModelIndex& index, int role) const {
     case KindRole:
         return QString(kKinds[static_cast<std::size_t>(shown.kind)]);
     case LabelRole:
-        return toQString(shown.label);
+        return translated(shown.label);
     case SymbolRole:
         return toQString(shown.symbol);
     case FromRole:
@@ -109,7 +123,7 @@ QString InspectorViewModel::text(const InspectorControl& shown) const {
 QVariantList InspectorViewModel::choices(const InspectorControl& shown) const {
     QVariantList list;
     for (std::size_t i = 0; i < shown.choices.size(); ++i) {
-        QVariantMap choice{{"text", toQString(shown.choices[i].label)},
+        QVariantMap choice{{"text", translated(shown.choices[i].label)},
                            {"symbol", toQString(shown.choices[i].symbol)}};
         if (auto picture = choicePicture(shown, i, m_editor.project().appearanceSettings)) {
             choice["picture"] = QVariant::fromValue(picture);

@@ -3,6 +3,7 @@
 #include "editor/EditorText.h"
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 
 namespace tavi {
@@ -16,6 +17,15 @@ constexpr double kSlowest = 2.0;
 double onTenths(double value, double from, double to) {
     return std::clamp(std::round(value / kTenth) / 10, from, to);
 }
+
+/// The names of RawValues<EasingType>.
+constexpr std::array kEasings{QT_TRANSLATE_NOOP("tavi::ZoomTabViewModel", "Linear"),
+                              QT_TRANSLATE_NOOP("tavi::ZoomTabViewModel", "Ease In"),
+                              QT_TRANSLATE_NOOP("tavi::ZoomTabViewModel", "Ease Out"),
+                              QT_TRANSLATE_NOOP("tavi::ZoomTabViewModel", "Ease In-Out"),
+                              QT_TRANSLATE_NOOP("tavi::ZoomTabViewModel", "Spring")};
+static_assert(std::ranges::equal(kEasings, RawValues<EasingType>::names, {},
+                                 [](const char* text) { return std::string_view(text); }));
 
 QString wholePixels(double value) {
     return QString::number(value, 'f', 0);
@@ -58,14 +68,13 @@ QString ZoomTabViewModel::intensityText() const {
 
 QString ZoomTabViewModel::resultText() const {
     const int count = m_editor.autoZoomViewModel().generatedCount();
-    return count >= 1 ? QString::number(count) + " keyframes generated" : QString();
+    return count >= 1 ? tr("%n keyframes generated", nullptr, count) : QString();
 }
 
 QString ZoomTabViewModel::title() const {
     const ZoomKeyframe* keyframe = selected();
-    return keyframe
-               ? "KEYFRAME " + QString::number(keyframe - m_editor.project().keyframes.data() + 1)
-               : QString();
+    return keyframe ? tr("KEYFRAME %1").arg(keyframe - m_editor.project().keyframes.data() + 1)
+                    : QString();
 }
 
 QString ZoomTabViewModel::startText() const {
@@ -106,8 +115,8 @@ void ZoomTabViewModel::setEasing(int index) {
 
 QStringList ZoomTabViewModel::easings() const {
     QStringList list;
-    for (const std::string_view name : RawValues<EasingType>::names) {
-        list.append(QString::fromUtf8(name.data(), static_cast<qsizetype>(name.size())));
+    for (const char* name : kEasings) {
+        list.append(tr(name));
     }
     return list;
 }

@@ -60,10 +60,10 @@ TEST(EditorText, timeIsMinutesSecondsAndThirtieths) {
 }
 
 TEST(EditorText, remainingTimeIsWholeSeconds) {
-    EXPECT_EQ(remainingText(5.9), "5s left");
-    EXPECT_EQ(remainingText(65), "1m 5s left");
-    EXPECT_EQ(remainingText(60), "1m 0s left");
-    EXPECT_EQ(remainingText(3700), "61m 40s left");
+    EXPECT_EQ(wholeMinutes(5.9), (WholeMinutes{0, 5}));
+    EXPECT_EQ(wholeMinutes(65), (WholeMinutes{1, 5}));
+    EXPECT_EQ(wholeMinutes(60), (WholeMinutes{1, 0}));
+    EXPECT_EQ(wholeMinutes(3700), (WholeMinutes{61, 40}));
 }
 
 } // namespace

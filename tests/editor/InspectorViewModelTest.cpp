@@ -1,11 +1,19 @@
 #include "editor/InspectorViewModel.h"
 
+#include "editor/EditorScreenViewModel.h"
 #include "editor/ExportSettingsViewModel.h"
+#include "editor/InspectorControls.h"
 #include "editor/ZoomTabViewModel.h"
 #include "support/OpenEditor.h"
 
+#include <QCoreApplication>
+#include <QFile>
 #include <QSignalSpy>
+#include <QTranslator>
+#include <QXmlStreamReader>
 #include <gmock/gmock.h>
+
+#include <set>
 
 namespace tavi {
 namespace {
@@ -199,6 +207,65 @@ TEST_F(Inspector, customRateIsTyped) {
     film->chooseFrameRate(0);
     EXPECT_EQ(editor->project().outputSettings.fps, 30);
     EXPECT_FALSE(film->isCustomFPS());
+}
+
+/// What the translators are asked for the inspector's table of controls.
+std::set<std::string> textsForTranslators() {
+    QFile file(TAVI_TEST_DATA "/../../translations/tavlin_de.ts");
+    EXPECT_TRUE(file.open(QIODevice::ReadOnly));
+    QXmlStreamReader xml(&file);
+    std::set<std::string> texts;
+    std::string context;
+    while (!xml.atEnd()) {
+        xml.readNextStartElement();
+        if (xml.isStartElement() && xml.name() == QLatin1String("name")) {
+            context = xml.readElementText().toStdString();
+        } else if (xml.isStartElement() && xml.name() == QLatin1String("source") &&
+                   context == "Inspector") {
+            texts.insert(xml.readElementText().toStdString());
+        }
+    }
+    return texts;
+}
+
+TEST(InspectorTexts, areAllToldToTheTranslators) {
+    const auto known = textsForTranslators();
+    EXPECT_THAT(known, testing::Not(testing::IsEmpty()));
+    for (const InspectorControl& control : inspectorControls()) {
+        EXPECT_TRUE(known.contains(std::string(control.label))) << control.label;
+        for (const InspectorControl::Choice& choice : control.choices) {
+            EXPECT_TRUE(known.contains(std::string(choice.label))) << choice.label;
+        }
+    }
+}
+
+class Backwards : public QTranslator {
+public:
+    bool isEmpty() const override { return false; }
+    QString translate(const char*, const char* text, const char*, int) const override {
+        QString reversed = QString::fromUtf8(text);
+        if (!reversed.contains(u'%')) { // what is filled in has to be found
+            std::reverse(reversed.begin(), reversed.end());
+        }
+        return reversed;
+    }
+};
+
+TEST_F(Inspector, isWrittenInTheUsersLanguage) {
+    Backwards translator;
+    QCoreApplication::installTranslator(&translator);
+    EXPECT_EQ(at(row("eziS dnuorgkcaB", "slider"), Role::TextRole), "3%");
+    const QVariantList choices = at(row("elytS", "choice"), Role::ChoicesRole).toList();
+    EXPECT_EQ(choices[1].toMap()["text"], "metsyS");
+    EXPECT_EQ(zoom->easings()[0], "raeniL");
+    EXPECT_EQ(film->frameRates()[2], "motsuC");
+    QCoreApplication::removeTranslator(&translator);
+}
+
+TEST(ExportText, remainingTimeIsWholeSeconds) {
+    EXPECT_EQ(EditorScreenViewModel::remainingText(5.9), "5s left");
+    EXPECT_EQ(EditorScreenViewModel::remainingText(65), "1m 5s left");
+    EXPECT_EQ(EditorScreenViewModel::remainingText(3700), "61m 40s left");
 }
 
 TEST_F(Inspector, reopenedTakeShowsWhetherItsSizeIsAPreset) {
