@@ -19,12 +19,14 @@ Grid {
         const next = Math.max(0, Math.min(choices.length - 1, currentIndex + by))
         if (next === currentIndex)
             return
-        chosen(next)
         pills.itemAt(next).forceActiveFocus(Qt.TabFocusReason)
+        chosen(next)
     }
 
     Keys.onLeftPressed: step(-1)
     Keys.onRightPressed: step(1)
+    Keys.onUpPressed: step(-1)
+    Keys.onDownPressed: step(1)
 
     Repeater {
         id: pills
@@ -39,7 +41,7 @@ Grid {
             chosen: index === grid.currentIndex
             leftPadding: 2
             rightPadding: 2
-            focusPolicy: chosen ? Qt.TabFocus : Qt.NoFocus
+            focusPolicy: chosen || activeFocus ? Qt.TabFocus : Qt.NoFocus
             onClicked: grid.chosen(index)
         }
     }

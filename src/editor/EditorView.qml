@@ -12,8 +12,9 @@ Rectangle {
 
     color: AppPalette.background
 
-    Keys.onPressed: event => event.accepted = screen.editor.handleKey(event.key, event.modifiers)
-
+    KeyMonitor {
+        editor: view.screen.editor
+    }
     EditorToolbar {
         id: toolbar
         width: parent.width

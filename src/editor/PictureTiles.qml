@@ -22,12 +22,14 @@ Grid {
         const next = Math.max(0, Math.min(choices.length - 1, currentIndex + by))
         if (next === currentIndex)
             return
-        chosen(next)
         tiles.itemAt(next).forceActiveFocus(Qt.TabFocusReason)
+        chosen(next)
     }
 
     Keys.onLeftPressed: step(-1)
     Keys.onRightPressed: step(1)
+    Keys.onUpPressed: step(-1)
+    Keys.onDownPressed: step(1)
 
     Repeater {
         id: tiles
@@ -41,7 +43,7 @@ Grid {
             pictureHeight: grid.pictureHeight
             labelled: grid.labelled
             chosen: index === grid.currentIndex
-            focusPolicy: chosen ? Qt.TabFocus : Qt.NoFocus
+            focusPolicy: chosen || activeFocus ? Qt.TabFocus : Qt.NoFocus
             onClicked: grid.chosen(index)
         }
     }

@@ -22,12 +22,14 @@ Row {
         const next = Math.max(0, Math.min(entries.length - 1, currentIndex + by))
         if (next === currentIndex)
             return
-        chosen(next)
         repeater.itemAt(next).forceActiveFocus(Qt.TabFocusReason)
+        chosen(next)
     }
 
     Keys.onLeftPressed: step(-1)
     Keys.onRightPressed: step(1)
+    Keys.onUpPressed: step(-1)
+    Keys.onDownPressed: step(1)
 
     Repeater {
         id: repeater
@@ -44,7 +46,7 @@ Row {
             height: tabs.height
             text: modelData.text
             cornerRadius: 4
-            focusPolicy: current ? Qt.TabFocus : Qt.NoFocus
+            focusPolicy: current || activeFocus ? Qt.TabFocus : Qt.NoFocus
             foreground: current ? AppPalette.accent
                       : hovered ? AppPalette.primaryText : AppPalette.secondaryText
             onClicked: tabs.chosen(index)

@@ -35,6 +35,8 @@ RowLayout {
 
     Keys.onLeftPressed: step(-1)
     Keys.onRightPressed: step(1)
+    Keys.onUpPressed: step(-1)
+    Keys.onDownPressed: step(1)
 
     Repeater {
         id: pills

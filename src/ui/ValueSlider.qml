@@ -15,6 +15,18 @@ T.Slider {
     hoverEnabled: true
     snapMode: T.Slider.SnapAlways
 
+    // Left and Right may belong to the screen.
+    Keys.onUpPressed: step(increase)
+    Keys.onDownPressed: step(decrease)
+
+    /// Without a step of its own it goes by tenths, which are too small for a long range.
+    function step(once) {
+        const times = stepSize > 0 ? 1 : Math.max(1, Math.round((to - from) / 10))
+        for (let i = 0; i < times; ++i)
+            once.call(slider)
+        moved()
+    }
+
     Accessible.role: Accessible.Slider
     Accessible.name: name
 
