@@ -1,5 +1,7 @@
 #include "editor/TimelineGestures.h"
 
+#include "editor/TimelineMoves.h"
+
 #include <algorithm>
 #include <cmath>
 #include <utility>
@@ -10,7 +12,6 @@ namespace {
 
 using Kind = TimelineHit::Kind;
 
-constexpr double kShortestKeyframe = 0.1; ///< Seconds that the drag of an edge leaves.
 constexpr double kLane = TimelineGeometry::kLowerLaneHeight;
 
 /// How far (points) the pointer has to go before a press is a drag. Below it, what
@@ -117,14 +118,10 @@ void TimelineGestures::dragEdge(const TimelineModel& model, double time) {
     if (!stored) {
         return;
     }
-    ZoomKeyframe keyframe = *stored;
-    if (m_hit.kind == Kind::leftEdge) {
-        keyframe.timestamp = std::max(std::min(time, keyframe.endTime - kShortestKeyframe), 0.0);
-    } else {
-        keyframe.endTime = std::max(std::min(time, model.geometry.duration),
-                                    keyframe.timestamp + kShortestKeyframe);
-    }
-    m_callbacks.onUpdateKeyframe(keyframe);
+    m_callbacks.onUpdateKeyframe(
+        m_hit.kind == Kind::leftEdge
+            ? TimelineMoves::withStart(*stored, time)
+            : TimelineMoves::withEnd(*stored, time, model.geometry.duration));
 }
 
 void TimelineGestures::dragPoint(const TimelineModel& model, Point place) {
@@ -132,11 +129,10 @@ void TimelineGestures::dragPoint(const TimelineModel& model, Point place) {
     if (!keyframe) {
         return;
     }
-    const double edge = TimelineMarks::edge(*keyframe);
-    const double time = std::max(std::min(model.geometry.time(place.x), keyframe->endTime - edge),
-                                 keyframe->timestamp + edge);
     m_callbacks.onUpdateZoomCurvePoint(
-        keyframe->id, {m_hit.point, time, TimelineGeometry::curveLevel(place.y, kLane)});
+        keyframe->id,
+        TimelineMoves::withinRamps(*keyframe, {m_hit.point, model.geometry.time(place.x),
+                                               TimelineGeometry::curveLevel(place.y, kLane)}));
 }
 
 void TimelineGestures::click(const TimelineModel& model, Point place) {
@@ -153,8 +149,7 @@ void TimelineGestures::addPoint(const TimelineModel& model, Point place) {
         return;
     }
     const double time = model.geometry.time(place.x);
-    const double edge = TimelineMarks::edge(*keyframe);
-    if (time >= keyframe->timestamp + edge && time <= keyframe->endTime - edge) {
+    if (TimelineMoves::isBetweenRamps(*keyframe, time)) {
         m_callbacks.onAddZoomCurvePoint(
             keyframe->id, {Uuid::make(), time, TimelineGeometry::curveLevel(place.y, kLane)});
     }

@@ -73,6 +73,15 @@ Rectangle {
         timeline: view.timeline
         part: TimelineLayer.Handles
     }
+    Repeater {
+        model: view.timeline.stops
+
+        TimelineStop {
+            stops: view.timeline.stops
+            trackLeft: view.padding
+            laneTops: [view.lanesTop, view.lanesTop + view.upperHeight]
+        }
+    }
     TimelinePointer {
         id: pointer
         anchors.fill: parent

@@ -15,7 +15,9 @@ TimelineLane laneOf(int lane) {
 TimelineViewModel::TimelineViewModel(EditorViewModel& editor, QObject* parent)
     : QObject(parent),
       m_editor(editor),
-      m_gestures(callbacks()) {
+      m_gestures(callbacks()),
+      m_stops(editor, [this] { return model(); }) {
+    connect(this, &TimelineViewModel::marksChanged, &m_stops, &TimelineStopsViewModel::refresh);
     for (const auto changed :
          {&EditorViewModel::projectChanged, &EditorViewModel::durationChanged,
           &EditorViewModel::videoSizeChanged, &EditorViewModel::selectedKeyframeIDChanged,
@@ -29,6 +31,7 @@ TimelineViewModel::TimelineViewModel(EditorViewModel& editor, QObject* parent)
             emit marksChanged(); // the pending cut ends at the playhead
         }
     });
+    m_stops.refresh();
 }
 
 TimelineGestures::Callbacks TimelineViewModel::callbacks() {

@@ -2,6 +2,7 @@
 
 #include "editor/EditorViewModel.h"
 #include "editor/TimelineGestures.h"
+#include "editor/TimelineStopsViewModel.h"
 
 #include <QObject>
 #include <QString>
@@ -19,6 +20,7 @@ class TimelineViewModel : public QObject {
     Q_PROPERTY(double trackWidth READ trackWidth WRITE setTrackWidth NOTIFY marksChanged)
     Q_PROPERTY(bool hasContent READ hasContent NOTIFY marksChanged)
     Q_PROPERTY(double playheadX READ playheadX NOTIFY playheadChanged)
+    Q_PROPERTY(tavi::TimelineStopsViewModel* stops READ stops CONSTANT)
 
 public:
     enum Pointer { Arrow, ResizeLeftRight, OpenHand };
@@ -32,6 +34,7 @@ public:
     double playheadX() const;
 
     TimelineModel model() const;
+    TimelineStopsViewModel* stops() { return &m_stops; }
     const EditorViewModel& editor() const { return m_editor; }
     const TimelineGestures& gestures() const { return m_gestures; }
 
@@ -59,6 +62,7 @@ private:
 
     EditorViewModel& m_editor;
     TimelineGestures m_gestures;
+    TimelineStopsViewModel m_stops;
     double m_trackWidth = 0;
     std::optional<Uuid> m_menuCut;
     TimelineHit m_menuHit;

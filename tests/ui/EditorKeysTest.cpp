@@ -1,0 +1,130 @@
+#include "Scene.h"
+#include "TestEditor.h"
+
+#include <QFileInfo>
+#include <QQmlContext>
+#include <QQuickItem>
+#include <QTest>
+#include <gtest/gtest.h>
+
+namespace tavi::test {
+namespace {
+
+/// The editor's screen with its keyframe 3 selected, in a window that gets keys.
+class EditorKeys : public testing::Test {
+protected:
+    static QString file() {
+        return sceneFiles().filter(QStringLiteral("/editor-keyframe.qml")).value(0);
+    }
+
+    EditorViewModel& editor() {
+        auto* test = m_scene.window()
+                         .rootContext()
+                         ->contextProperty(QStringLiteral("testEditor"))
+                         .value<TestEditor*>();
+        return *qobject_cast<EditorScreenViewModel*>(test->screen())->editor();
+    }
+
+    void key(Qt::Key key, Qt::KeyboardModifiers modifiers = {}) {
+        QTest::keyClick(&m_scene.window(), key, modifiers);
+        QCoreApplication::processEvents();
+    }
+
+    /// Goes on with Tab until the focused item suits.
+    template<typename Suits>
+    QQuickItem* tabTo(const Suits& suits) {
+        for (int i = 0; i < 100; ++i) {
+            key(Qt::Key_Tab);
+            QQuickItem* focus = m_scene.window().activeFocusItem();
+            if (focus && suits(*focus)) {
+                return focus;
+            }
+        }
+        ADD_FAILURE() << "Tab never came there";
+        return nullptr;
+    }
+
+    Scene m_scene{file()};
+};
+
+auto hasText(const char* text) {
+    return [=](const QQuickItem& item) { return item.property("text").toString() == text; };
+}
+auto isA(const char* type) {
+    return [=](const QQuickItem& item) { return item.inherits(type); };
+}
+
+TEST_F(EditorKeys, spacePlaysAlsoWhileAButtonHasTheFocus) {
+    ASSERT_TRUE(tabTo(hasText("Delete")));
+    key(Qt::Key_Space);
+    EXPECT_TRUE(editor().isPlaying());
+    EXPECT_EQ(editor().project().keyframes.size(), 4U);
+    key(Qt::Key_Return);
+    EXPECT_EQ(editor().project().keyframes.size(), 3U) << "Return is the button's";
+}
+
+TEST_F(EditorKeys, arrowsMoveThePlayheadAlsoWhileASliderHasTheFocus) {
+    QQuickItem* slider = tabTo(isA("QQuickSlider"));
+    ASSERT_TRUE(slider);
+    const double value = slider->property("value").toDouble();
+    const double before = editor().currentTime();
+    key(Qt::Key_Right, Qt::ShiftModifier);
+    EXPECT_DOUBLE_EQ(editor().currentTime(), before + 1);
+    EXPECT_EQ(slider->property("value").toDouble(), value);
+    key(Qt::Key_Up);
+    EXPECT_NE(slider->property("value").toDouble(), value) << "Up and Down are the slider's";
+    EXPECT_DOUBLE_EQ(editor().currentTime(), before + 1);
+}
+
+TEST_F(EditorKeys, choicesGoByUpAndDown) {
+    QQuickItem* chosen = tabTo(hasText("Ease In-Out"));
+    ASSERT_TRUE(chosen);
+    key(Qt::Key_Left);
+    EXPECT_EQ(editor().project().keyframes[2].easingType, EasingType::easeInOut);
+    key(Qt::Key_Up);
+    EXPECT_EQ(editor().project().keyframes[2].easingType, EasingType::easeOut);
+}
+
+TEST_F(EditorKeys, escapeEndsACutThenTheSelection) {
+    key(Qt::Key_B, Qt::ControlModifier);
+    ASSERT_TRUE(editor().isMarkingCut());
+    key(Qt::Key_Escape);
+    EXPECT_FALSE(editor().isMarkingCut());
+    EXPECT_TRUE(editor().selectedKeyframeID());
+    key(Qt::Key_Escape);
+    EXPECT_FALSE(editor().selectedKeyframeID());
+}
+
+TEST_F(EditorKeys, otherKeysAreNobodys) {
+    const EditProject before = editor().project();
+    for (const Qt::Key other : {Qt::Key_B, Qt::Key_A, Qt::Key_Up, Qt::Key_Delete}) {
+        key(other);
+    }
+    EXPECT_EQ(editor().project(), before);
+    EXPECT_FALSE(editor().isMarkingCut());
+}
+
+TEST_F(EditorKeys, timelineIsReachedAndEdited) {
+    const auto named = [](const char* start) {
+        return [=](const QQuickItem& item) {
+            return item.property("name").toString().startsWith(QLatin1String(start));
+        };
+    };
+    ASSERT_TRUE(tabTo(named("Keyframe 1")));
+    key(Qt::Key_Return);
+    ASSERT_EQ(editor().selectedKeyframeID(), editor().project().keyframes[0].id);
+    ASSERT_TRUE(tabTo(named("Start of keyframe 1")));
+    key(Qt::Key_Right, Qt::ShiftModifier);
+    key(Qt::Key_Return);
+    EXPECT_DOUBLE_EQ(editor().project().keyframes[0].timestamp, 4);
+    const double level = editor().project().keyframes[0].zoomCurve[0].zoomLevel;
+    ASSERT_TRUE(tabTo(named("Zoom of")));
+    key(Qt::Key_Up);
+    EXPECT_NEAR(editor().project().keyframes[0].zoomCurve[0].zoomLevel, level + 0.1, 1e-9);
+    key(Qt::Key_Delete);
+    EXPECT_EQ(editor().project().keyframes[0].zoomCurve.size(), 1U);
+    EXPECT_TRUE(named("Zoom of")(*m_scene.window().activeFocusItem())) << "the next one";
+}
+
+} // namespace
+} // namespace tavi::test
