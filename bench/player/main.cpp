@@ -156,7 +156,7 @@ int run(const std::string& what, const std::string& file, int count) {
         {"open", &Bench::open},   {"seek", &Bench::seek},         {"step", &Bench::step},
         {"scrub", &Bench::scrub}, {"together", &Bench::together}, {"rest", &Bench::rest}};
     const auto found = known.find(what);
-    if (found == known.end() || count <= 0) {
+    if (found == known.end() || count <= 0 || !std::filesystem::exists(file)) {
         fmt::print(stderr, "usage: player_bench open|seek|step|scrub|together|rest FILE [COUNT]\n");
         return 2;
     }

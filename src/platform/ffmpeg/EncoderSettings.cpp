@@ -24,9 +24,8 @@ constexpr std::array kH264{
     EncoderKind{"libx264", AV_PIX_FMT_YUV420P, AV_HWDEVICE_TYPE_NONE, false},
 };
 
-/// Between key frames, in seconds. Short enough that going to any picture decodes little before
-/// it; of what is recorded every picture is gone to while it is edited (docs/encoding.md).
-constexpr double kLiveKeyFrames = 0.5;
+/// Between key frames, in seconds, at most: a busy recording asks for more (KeyFrameSpacing).
+constexpr double kLiveKeyFrames = 1;
 constexpr double kFilmKeyFrames = 2;
 
 /// The peak over the average: room for a window that opens.
@@ -35,6 +34,10 @@ constexpr double kPeakFactor = 1.5;
 /// Finer steps than this can't be seen on a screen: an average rate that a
 /// still picture does not need is then left unused.
 constexpr int kFinestQuantizer = 12;
+
+/// libx265's rate factor of recordings: text stays crisp when it is zoomed into, and a standing
+/// screen costs next to nothing.
+constexpr std::int64_t kLiveQuality = 20;
 
 /// More threads than this only wait for each other within one picture.
 constexpr unsigned kMostPoolThreads = 16;
@@ -57,7 +60,8 @@ LookAhead lookAheadFor(const VideoSettings& settings) {
     return isLarge ? LookAhead{1, 2} : LookAhead{};
 }
 
-/// Live: one picture at a time, no look-ahead, the cheapest decisions. Films:
+/// Live: one picture at a time, no look-ahead, the cheapest decisions; the bit rate is a limit,
+/// which a screen seldom needs. Films:
 /// what gave text the most for its time (docs/encoding.md), the quickest preset
 /// for drafts; pictures overlap so that every core has work.
 void configureX265(AVCodecContext& context, Options& options, const VideoSettings& settings) {
@@ -66,6 +70,10 @@ void configureX265(AVCodecContext& context, Options& options, const VideoSetting
                     "qpmin={2}:aq-mode=0",
                     context.gop_size, poolThreads(), kFinestQuantizer);
     if (settings.realTime) {
+        context.bit_rate = 0; // Else it is an average to be used up.
+        context.rc_max_rate = settings.bitRate;
+        options.set("crf", kLiveQuality);
+        options.set("forced-idr", std::int64_t{1});
         parameters += ":bframes=0:early-skip=1:fast-intra=1:frame-threads=1:ref=1:rc-lookahead=0";
         options.set("preset", "ultrafast");
         options.set("tune", "zerolatency");
@@ -85,6 +93,7 @@ void configureX264(Options& options, const VideoSettings& settings) {
     if (settings.realTime) {
         options.set("tune", "zerolatency");
     }
+    options.set("forced-idr", std::int64_t{1});
     options.set("x264-params", "scenecut=0");
 }
 
@@ -99,6 +108,7 @@ void configureNvenc(Options& options, const VideoSettings& settings) {
 void configureQsv(Options& options, const VideoSettings& settings) {
     options.set("preset", settings.realTime ? "veryfast" : "medium");
     options.set("async_depth", std::int64_t{settings.realTime ? 1 : 4});
+    options.set("forced_idr", std::int64_t{1});
 }
 
 void configureVaapi(Options& options, const VideoSettings& settings) {

@@ -79,6 +79,9 @@ int VideoEncoder::openCodec(const VideoSettings& settings, int timescale) {
         }
     }
     const int code = avcodec_open2(m_codec.get(), codec, options.address());
+    if (settings.realTime) {
+        m_keyFrames.emplace(settings.width, settings.height);
+    }
     m_interval = timescale / std::max(settings.expectedFrameRate, 1);
     m_reordering = m_codec->max_b_frames > 0 ? std::max(m_codec->has_b_frames, kMostReordering) : 0;
     return code;
@@ -143,6 +146,8 @@ FrameHandle VideoEncoder::convert(const PixelBuffer& picture) {
 
 int VideoEncoder::encode(AVFrame& frame, std::int64_t ticks, const Sink& sink) {
     frame.pts = ticks;
+    frame.pict_type =
+        m_keyFrames && m_keyFrames->isDue() ? AV_PICTURE_TYPE_I : AV_PICTURE_TYPE_NONE;
     return m_device ? upload(frame, sink) : send(&frame, sink);
 }
 
@@ -187,6 +192,9 @@ int VideoEncoder::send(AVFrame* frame, const Sink& sink) {
         }
         if (code >= 0) {
             m_packet->dts = nextDecodingTime();
+            if (m_keyFrames) {
+                m_keyFrames->add(m_packet->size, (m_packet->flags & AV_PKT_FLAG_KEY) != 0);
+            }
             code = sink(*m_packet);
             av_packet_unref(m_packet.get());
         }

@@ -3,11 +3,13 @@
 #include "base/PixelBuffer.h"
 #include "base/Result.h"
 #include "platform/ffmpeg/EncoderSettings.h"
+#include "platform/ffmpeg/KeyFrameSpacing.h"
 #include "platform/ffmpeg/PixelConversion.h"
 
 #include <deque>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 
 namespace tavi {
@@ -58,10 +60,11 @@ private:
     BufferPoolHandle m_memory; ///< Of converted pictures.
     PacketHandle m_packet{av_packet_alloc()};
     PictureEncoding m_conversion;
-    std::int64_t m_interval = 1;      ///< Ticks from one picture to the next, nominally.
-    std::int64_t m_reordering = 0;    ///< Pictures that decoding is ahead by.
-    std::int64_t m_packets = 0;       ///< That came so far.
-    std::deque<std::int64_t> m_times; ///< Of pictures whose time no packet has taken yet.
+    std::optional<KeyFrameSpacing> m_keyFrames; ///< Of live pictures.
+    std::int64_t m_interval = 1;                ///< Ticks from one picture to the next, nominally.
+    std::int64_t m_reordering = 0;              ///< Pictures that decoding is ahead by.
+    std::int64_t m_packets = 0;                 ///< That came so far.
+    std::deque<std::int64_t> m_times;           ///< Of pictures whose time no packet has taken yet.
 };
 
 } // namespace tavi
