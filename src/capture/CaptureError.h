@@ -8,11 +8,14 @@ namespace tavi {
 struct CaptureError {
     enum class Kind {
         noWindowSystem,    ///< No display server answers.
+        noPortal,          ///< The Wayland desktop has no portal that lets a screen be recorded.
         missingExtension,  ///< The server lacks something that capture needs.
         unsupportedFormat, ///< The server's pixels are of a kind that isn't read.
         sourceGone,        ///< The chosen display or window is not there (any more).
         sourceClosed,      ///< The recorded window was closed during the take.
         connectionLost,    ///< The display server went away during the take.
+        castRefused,       ///< The desktop did not start its screen cast.
+        castEnded,         ///< The desktop, or its user there, ended the screen cast.
         writer,            ///< The file can't be made or written; `detail` is a whole sentence.
         camera,            ///< The camera can't be recorded; `detail` is a whole sentence.
     };

@@ -59,4 +59,12 @@ std::optional<PixelBuffer> cursorImageFromBytes(std::span<const std::uint8_t> by
     return image;
 }
 
+SystemCursor systemCursor(const PixelBuffer& image, int hotSpotX, int hotSpotY) {
+    SystemCursor cursor;
+    cursor.imageBytes = cursorImageBytes(image, hotSpotX, hotSpotY);
+    cursor.hotSpot = {static_cast<double>(hotSpotX), static_cast<double>(hotSpotY)};
+    cursor.size = {static_cast<double>(image.width()), static_cast<double>(image.height())};
+    return cursor;
+}
+
 } // namespace tavi

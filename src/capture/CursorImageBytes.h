@@ -1,6 +1,7 @@
 #pragma once
 
 #include "base/PixelBuffer.h"
+#include "capture/Pointer.h"
 
 #include <cstdint>
 #include <optional>
@@ -16,5 +17,8 @@ std::vector<std::uint8_t> cursorImageBytes(const PixelBuffer& image, int hotSpot
 
 /// The picture in `bytes`; absent when they aren't of that form.
 std::optional<PixelBuffer> cursorImageFromBytes(std::span<const std::uint8_t> bytes);
+
+/// A cursor of these pixels; premultiplied, the hot spot from the top left corner.
+SystemCursor systemCursor(const PixelBuffer& image, int hotSpotX, int hotSpotY);
 
 } // namespace tavi

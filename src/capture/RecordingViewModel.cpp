@@ -34,6 +34,7 @@ RecordingViewModel::RecordingViewModel(Ports ports, QObject* parent)
 
 RecordingViewModel::~RecordingViewModel() {
     m_alive.reset();
+    m_question.request_stop();
     // What is under way ends; its task finds nobody.
     m_loader.sync([] {});
     m_worker.sync([] {});
@@ -264,6 +265,61 @@ void RecordingViewModel::startCountdown(std::function<void()> onStarted) {
     const auto source = selectedSource();
     if (!source) {
         publish(m_isCountingDown, false, &RecordingViewModel::isCountingDownChanged);
+    } else if (m_ports.consent != nullptr) {
+        askThenCountDown(source->filter, std::move(onStarted));
+    } else {
+        countDown(std::move(onStarted));
+    }
+}
+
+QCoro::Task<> RecordingViewModel::askThenCountDown(ScreenFilter filter,
+                                                   std::function<void()> onStarted) {
+    const std::weak_ptr<Alive> alive = m_alive;
+    setFailure(std::nullopt);
+    const bool mayRecord = co_await askForConsent(std::move(filter));
+    if (alive.expired()) {
+        co_return;
+    }
+    if (mayRecord && m_isCountingDown) {
+        countDown(std::move(onStarted));
+        co_return;
+    }
+    releaseConsent();
+    publish(m_isCountingDown, false, &RecordingViewModel::isCountingDownChanged);
+}
+
+/// What goes wrong is told by failureText(); a refusal isn't.
+QCoro::Task<bool> RecordingViewModel::askForConsent(ScreenFilter filter) {
+    const std::weak_ptr<Alive> alive = m_alive;
+    const std::stop_source question;
+    m_question = question;
+    publish(m_isAsking, true, &RecordingViewModel::isAskingChanged);
+    auto asking = onQueue(m_worker, m_ports.take.tracking.main,
+                          [consent = m_ports.consent, filter, stop = question.get_token()] {
+                              return consent->ask(filter, stop);
+                          });
+    const auto answer = co_await asking;
+    if (alive.expired()) {
+        co_return false;
+    }
+    publish(m_isAsking, false, &RecordingViewModel::isAskingChanged);
+    if (!answer) {
+        setFailure(answer.error());
+        m_ports.messages << "Failed to start recording: " << failureText() << std::endl;
+    }
+    co_return answer&&* answer == Consent::given && !question.stop_requested();
+}
+
+void RecordingViewModel::releaseConsent() {
+    if (m_ports.consent != nullptr) {
+        m_ports.consent->release();
+    }
+}
+
+void RecordingViewModel::countDown(std::function<void()> onStarted) {
+    const auto source = selectedSource();
+    if (!source) {
+        publish(m_isCountingDown, false, &RecordingViewModel::isCountingDownChanged);
         return;
     }
     m_countdownOverlayService =
@@ -281,9 +337,11 @@ void RecordingViewModel::startCountdown(std::function<void()> onStarted) {
 }
 
 void RecordingViewModel::cancelCountdown() {
+    m_question.request_stop();
     if (m_countdownOverlayService) {
         m_countdownOverlayService->cancel();
         m_countdownOverlayService.reset();
+        releaseConsent();
         emit countdownValueChanged();
     }
     publish(m_isCountingDown, false, &RecordingViewModel::isCountingDownChanged);
@@ -311,13 +369,27 @@ QCoro::Task<> RecordingViewModel::startRecording() {
     const std::weak_ptr<Alive> alive = m_alive;
     publish(m_isStarting, true, &RecordingViewModel::isStartingChanged);
     setFailure(std::nullopt);
+    auto source = selectedSource();
+    if (source && m_ports.consent != nullptr) {
+        const bool mayRecord = co_await askForConsent(source->filter);
+        if (alive.expired()) {
+            co_return;
+        }
+        if (!mayRecord) {
+            releaseConsent();
+            publish(m_isStarting, false, &RecordingViewModel::isStartingChanged);
+            co_return;
+        }
+        source = selectedSource();
+    }
     m_recorder = std::make_unique<TakeRecorder>(m_ports.take);
     m_recorder->makeFolder(m_ports.library());
-    if (const auto source = selectedSource()) {
+    if (source) {
         co_await startTake(*source);
         if (alive.expired()) {
             co_return;
         }
+        releaseConsent();
     }
     publish(m_isStarting, false, &RecordingViewModel::isStartingChanged);
 }

@@ -3,6 +3,7 @@
 #include "capture/CaptureMode.h"
 #include "capture/CountdownOverlayService.h"
 #include "capture/Screenshots.h"
+#include "capture/SourceConsent.h"
 #include "capture/TakeRecorder.h"
 
 #include <QCoro/QCoroTask>
@@ -17,6 +18,7 @@
 #include <map>
 #include <memory>
 #include <optional>
+#include <stop_token>
 #include <string>
 #include <vector>
 
@@ -58,6 +60,7 @@ class RecordingViewModel : public QObject {
     Q_PROPERTY(bool isCameraAvailable READ isCameraAvailable NOTIFY availableCamerasChanged)
     Q_PROPERTY(bool isRecording READ isRecording NOTIFY isRecordingChanged)
     Q_PROPERTY(bool isCountingDown READ isCountingDown NOTIFY isCountingDownChanged)
+    Q_PROPERTY(bool isAsking READ isAsking NOTIFY isAskingChanged)
     Q_PROPERTY(bool isStarting READ isStarting NOTIFY isStartingChanged)
     Q_PROPERTY(bool isStopping READ isStopping NOTIFY isStoppingChanged)
     Q_PROPERTY(int countdownValue READ countdownValue NOTIFY countdownValueChanged)
@@ -80,6 +83,7 @@ public:
         /// The desktop entry by which the program's own windows are known; empty: by none.
         std::string applicationId;
         int countdownSeconds = CountdownOverlayService::kStartValue;
+        SourceConsent* consent = nullptr; ///< Null: nobody is asked before a take.
     };
 
     explicit RecordingViewModel(Ports ports, QObject* parent = nullptr);
@@ -115,8 +119,10 @@ public:
     /// The owner calls restartAudioWarmUp() afterwards.
     void setIsAudioEnabled(bool isEnabled);
 
-    bool isRecording() const { return m_isRecording; } ///< Also while stopping.
-    bool isCountingDown() const { return m_isCountingDown; }
+    bool isRecording() const { return m_isRecording; }       ///< Also while stopping.
+    bool isCountingDown() const { return m_isCountingDown; } ///< Also while asking before it.
+    /// The desktop asks its user what may be recorded, before the countdown or the start.
+    bool isAsking() const { return m_isAsking; }
     bool isStarting() const { return m_isStarting; }
     bool isStopping() const { return m_isStopping; }
 
@@ -156,10 +162,11 @@ public:
     QCoro::Task<> warmUpAudio();
 
     /// Counts down over the selected source and starts the take; then, if there is one, calls
-    /// `onStarted`. Nothing unless idle and the selected index is in the list.
+    /// `onStarted`. Nothing unless idle and the selected index is in the list. Where the desktop
+    /// asks its user first, a refusal ends it without a word.
     void startCountdown(std::function<void()> onStarted);
 
-    /// Ends a countdown.
+    /// Ends a countdown, and the desktop's question before it.
     Q_INVOKABLE void cancelCountdown();
 
     /// Starts the take at once. What goes wrong is told by failureText().
@@ -207,6 +214,7 @@ signals:
     void isAudioEnabledChanged();
     void isRecordingChanged();
     void isCountingDownChanged();
+    void isAskingChanged();
     void isStartingChanged();
     void isStoppingChanged();
     void countdownValueChanged();
@@ -236,6 +244,10 @@ private:
     std::optional<CaptureDevice> selectedMicrophone() const;
 
     std::optional<TakeSource> selectedSource() const;
+    QCoro::Task<> askThenCountDown(ScreenFilter filter, std::function<void()> onStarted);
+    QCoro::Task<bool> askForConsent(ScreenFilter filter);
+    void releaseConsent();
+    void countDown(std::function<void()> onStarted);
     void finishCountdown(std::function<void()> onStarted);
     QCoro::Task<> startThenCall(std::function<void()> onStarted);
     QCoro::Task<> startTake(TakeSource source);
@@ -265,6 +277,7 @@ private:
     bool m_isAudioEnabled = true;
     bool m_isRecording = false;
     bool m_isCountingDown = false;
+    bool m_isAsking = false;
     bool m_isStarting = false;
     bool m_isStopping = false;
     double m_elapsedTime = 0;
@@ -283,6 +296,8 @@ private:
     int m_lentWarmUp = 0;      ///< Which request the lent warm-up came from.
     std::unique_ptr<Timers::Timer> m_timer;
     std::vector<std::function<void(bool)>> m_stopWaiters;
+
+    std::stop_source m_question; ///< Of the desktop, to end it.
 
     SerialQueue m_loader{"com.tavi.sources"};
     SerialQueue m_worker{"com.tavi.take"};

@@ -1,5 +1,6 @@
 #include "cli/RecordCommand.h"
 
+#include "app/program/ScreenChoice.h"
 #include "capture/HelperPath.h"
 #include "capture/PosixHelperLauncher.h"
 #include "capture/RecorderLock.h"
@@ -11,11 +12,6 @@
 #include "platform/pipewire/PipeWireSessions.h"
 #include "platform/qt/QtExecutor.h"
 #include "platform/qt/QtTimers.h"
-#include "platform/x11/X11Pointer.h"
-#include "platform/x11/X11PointerMonitors.h"
-#include "platform/x11/X11ScreenStreams.h"
-#include "platform/x11/X11ShareableContent.h"
-#include "platform/x11/X11SourceFrames.h"
 #include "project/RecordingFolder.h"
 #include "render/YuvConverter.h"
 
@@ -35,15 +31,13 @@ using cli::TakeOptions;
 /// Asks the system for devices only when some are wanted.
 int recordWith(const TakeOptions& options, CaptureDevices* devices, CaptureSessions& sessions,
                Executor& main, cli::StopSignals& stopSignals) {
-    auto monitors = X11PointerMonitors::open();
-    auto pointer = X11Pointer::open();
-    if (!monitors || !pointer) {
-        return cli::failed((monitors ? pointer.error() : monitors.error()).description());
+    const auto colours = std::make_shared<YuvConverter>();
+    const auto screen = openScreenSystem(main, colours);
+    const auto pointer = screen->pointer();
+    if (!pointer) {
+        return cli::failed(pointer.error().description());
     }
-    X11ShareableContent content;
-    X11ScreenStreams streams;
-    X11SourceFrames frames;
-    FfmpegMediaLibrary media(std::make_shared<YuvConverter>());
+    FfmpegMediaLibrary media(colours);
     FfmpegImageFiles imageFiles;
     PosixHelperLauncher launcher;
     SystemClock clock;
@@ -51,21 +45,24 @@ int recordWith(const TakeOptions& options, CaptureDevices* devices, CaptureSessi
     cli::StatusLine line;
     cli::TerminalPanels panels(line);
     std::ostringstream messages; // the runner tells the same, where errors belong
-    RecordingViewModel model({.content = content,
-                              .screenshots = nullptr,
-                              .devices = devices,
-                              .take = {streams,
-                                       media,
-                                       imageFiles,
-                                       {**monitors, **pointer, **pointer, launcher, clock, main,
-                                        nullptr, helperExecutablePath(runningExecutableFolder())},
-                                       &sessions},
-                              .overlay = {panels, frames, timers},
-                              .library = recordingsDirectory,
-                              .messages = messages,
-                              .applicationId = "",
-                              .countdownSeconds = std::max(options.countdown, 1)});
-    return cli::TakeRunner({model, content, devices, timers, stopSignals, line}, options).run();
+    RecordingViewModel model(
+        {.content = screen->content(),
+         .screenshots = nullptr,
+         .devices = devices,
+         .take = {screen->streams(),
+                  media,
+                  imageFiles,
+                  {pointer->monitors, pointer->location, pointer->images, launcher, clock, main,
+                   nullptr, helperExecutablePath(runningExecutableFolder())},
+                  &sessions},
+         .overlay = {panels, screen->frames(), timers},
+         .library = recordingsDirectory,
+         .messages = messages,
+         .applicationId = "",
+         .countdownSeconds = std::max(options.countdown, 1),
+         .consent = screen->consent()});
+    return cli::TakeRunner({model, screen->content(), devices, timers, stopSignals, line}, options)
+        .run();
 }
 
 int record(const TakeOptions& options) {

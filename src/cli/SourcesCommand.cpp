@@ -1,10 +1,10 @@
 #include "cli/SourcesCommand.h"
 
+#include "app/program/ScreenChoice.h"
 #include "capture/OfferedWindows.h"
 #include "cli/Output.h"
 #include "platform/pipewire/PipeWireDevices.h"
 #include "platform/qt/QtExecutor.h"
-#include "platform/x11/X11ShareableContent.h"
 #include "project/JsonWriter.h"
 
 #include <CLI/CLI.hpp>
@@ -114,8 +114,9 @@ void printTable(const ShareableContent& content, const Devices& devices) {
 }
 
 int listSources(bool asJson) {
-    X11ShareableContent source;
-    auto content = source.content();
+    QtExecutor main; // nothing is waited for
+    const auto screen = openScreenSystem(main, nullptr);
+    auto content = screen->content().content();
     if (!content) {
         return cli::failed(content.error().description());
     }

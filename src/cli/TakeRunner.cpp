@@ -155,6 +155,7 @@ TakeRunner::Problem TakeRunner::warmUp() {
 
 void TakeRunner::start() {
     if (m_options.countdown == 0) {
+        m_ports.stopSignals.whenTheyCome([this] { m_ports.model.cancelCountdown(); });
         QCoro::waitFor(m_ports.model.startRecording());
     } else {
         countDown();
@@ -214,8 +215,11 @@ int TakeRunner::finish() {
         return 0;
     }
     failed("The recording ended early. " + failure->description());
-    // A window that is closed is one way to end its take.
-    return failure->kind == CaptureError::Kind::sourceClosed ? 0 : 1;
+    // A window that is closed is one way to end its take, and so is the desktop's own "stop".
+    return failure->kind == CaptureError::Kind::sourceClosed ||
+                   failure->kind == CaptureError::Kind::castEnded
+               ? 0
+               : 1;
 }
 
 } // namespace tavi::cli

@@ -1,5 +1,6 @@
 #include "app/program/LiveSystem.h"
 
+#include "app/program/ScreenChoice.h"
 #include "capture/HelperPath.h"
 #include "capture/TakeRecovery.h"
 #include "platform/x11/X11Compositor.h"
@@ -62,8 +63,9 @@ LiveSystem::LiveSystem(QQmlEngine& engine)
       m_statusItems(recordingIcon),
       m_panels(engine, [] { return isX11Composited(); }),
       m_defaults(SettingsDefaults::standardFile()),
-      m_permission(m_content),
       m_colours(std::make_shared<YuvConverter>()),
+      m_screen(openScreenSystem(m_main, m_colours)),
+      m_permission(m_screen->content()),
       m_media(m_colours),
       m_images(m_colours),
       m_players(m_main, m_colours, m_sound),
@@ -75,7 +77,7 @@ LiveSystem::LiveSystem(QQmlEngine& engine)
 
 TaviAppPorts LiveSystem::ports() {
     return {{m_permission,
-             m_content,
+             m_screen->content(),
              m_windows,
              m_workspace,
              {m_statusItems, m_clock, m_timers},
@@ -96,42 +98,31 @@ TaviAppPorts LiveSystem::ports() {
             {}};
 }
 
-bool LiveSystem::openPointer() {
-    if (m_pointer && m_monitors) {
-        return true;
-    }
-    auto pointer = X11Pointer::open();
-    auto monitors = X11PointerMonitors::open();
-    if (!pointer || !monitors) {
-        std::cerr << (pointer ? monitors.error() : pointer.error()).description() << "\n";
-        return false;
-    }
-    m_pointer = std::move(*pointer);
-    m_monitors = std::move(*monitors);
-    return true;
-}
-
 std::unique_ptr<RecordingViewModel> LiveSystem::makeRecording() {
-    if (!openPointer()) {
+    const auto pointer = m_screen->pointer();
+    if (!pointer) {
+        std::cerr << pointer.error().description() << "\n";
         return nullptr;
     }
     if (!m_devices) {
         m_devices = std::make_unique<PipeWireDevices>(m_main);
     }
     return std::make_unique<RecordingViewModel>(RecordingViewModel::Ports{
-        m_content,
-        &m_screenshots,
+        m_screen->content(),
+        m_screen->screenshots(),
         m_devices.get(),
-        {m_streams,
+        {m_screen->streams(),
          m_media,
          m_imageFiles,
-         {*m_monitors, *m_pointer, *m_pointer, m_launcher, m_clock, m_main, &m_inputMonitoring,
-          helperExecutablePath(runningExecutableFolder())},
+         {pointer->monitors, pointer->location, pointer->images, m_launcher, m_clock, m_main,
+          &m_inputMonitoring, helperExecutablePath(runningExecutableFolder())},
          &m_sessions},
-        {m_panels, m_frames, m_timers},
+        {m_panels, m_screen->frames(), m_timers},
         [] { return recordingsDirectory(); },
         std::cout,
-        "tavlin"});
+        "tavlin",
+        CountdownOverlayService::kStartValue,
+        m_screen->consent()});
 }
 
 std::unique_ptr<EditorScreenViewModel> LiveSystem::makeEditor(const std::filesystem::path& folder) {

@@ -3,6 +3,7 @@
 #include "app/TaviApp.h"
 #include "base/QueueExecutor.h"
 #include "capture/PosixHelperLauncher.h"
+#include "capture/ScreenSystem.h"
 #include "platform/desktop/CountdownPanels.h"
 #include "platform/desktop/DesktopSavePanel.h"
 #include "platform/desktop/DesktopScreenPermission.h"
@@ -21,12 +22,6 @@
 #include "platform/pipewire/PipeWireSoundOutputs.h"
 #include "platform/qt/QtExecutor.h"
 #include "platform/qt/QtTimers.h"
-#include "platform/x11/X11Pointer.h"
-#include "platform/x11/X11PointerMonitors.h"
-#include "platform/x11/X11ScreenStreams.h"
-#include "platform/x11/X11Screenshots.h"
-#include "platform/x11/X11ShareableContent.h"
-#include "platform/x11/X11SourceFrames.h"
 
 #include <filesystem>
 #include <memory>
@@ -47,7 +42,6 @@ public:
 private:
     std::unique_ptr<RecordingViewModel> makeRecording();
     std::unique_ptr<EditorScreenViewModel> makeEditor(const std::filesystem::path& folder);
-    bool openPointer();
 
     std::filesystem::path m_packageFolder;
     PackageConfiguration m_package;
@@ -63,15 +57,10 @@ private:
     HttpDownloads m_downloads;
     OpenSslSignatures m_signatures;
 
-    X11ShareableContent m_content;
-    DesktopScreenPermission m_permission;
-    X11Screenshots m_screenshots;
-    X11ScreenStreams m_streams;
-    X11SourceFrames m_frames;
-    std::unique_ptr<X11Pointer> m_pointer;          ///< Opened for the first recording screen.
-    std::unique_ptr<X11PointerMonitors> m_monitors; ///< Likewise.
-
     std::shared_ptr<const ColorConverter> m_colours;
+    std::unique_ptr<ScreenSystem> m_screen;
+    DesktopScreenPermission m_permission;
+
     FfmpegMediaLibrary m_media;
     FfmpegImageFiles m_imageFiles;
     FfmpegImageGenerator m_images;

@@ -2,7 +2,7 @@
 
 #include "media/AssetWriter.h"
 #include "platform/ffmpeg/MovieFile.h"
-#include "platform/ffmpeg/PixelBufferPool.h"
+#include "media/PixelBufferPool.h"
 #include "platform/ffmpeg/VideoEncoder.h"
 #include "platform/ffmpeg/WriterState.h"
 

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "media/AssetReader.h"
-#include "platform/ffmpeg/PixelBufferPool.h"
+#include "media/PixelBufferPool.h"
 #include "platform/ffmpeg/PixelConversion.h"
 #include "platform/ffmpeg/VideoDecoder.h"
 

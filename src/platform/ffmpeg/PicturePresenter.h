@@ -4,7 +4,7 @@
 #include "media/ColorConversion.h"
 #include "platform/ffmpeg/DisplayRotation.h"
 #include "platform/ffmpeg/PictureLoader.h"
-#include "platform/ffmpeg/PixelBufferPool.h"
+#include "media/PixelBufferPool.h"
 #include "platform/ffmpeg/PixelConversion.h"
 
 namespace tavi {

@@ -6,6 +6,8 @@
 #include <spa/utils/json.h>
 #include <spa/utils/result.h>
 #include <string_view>
+#include <unistd.h>
+#include <utility>
 
 namespace tavi {
 
@@ -129,7 +131,10 @@ struct PipeWireGraph::Callbacks {
                                                   .property = metadata};
 };
 
-PipeWireGraph::PipeWireGraph(const char* threadName, Observer& observer) : m_observer(observer) {
+PipeWireGraph::PipeWireGraph(const char* threadName, Observer& observer, int remote)
+    : m_observer(observer),
+      m_isLent(remote >= 0),
+      m_remote(remote) {
     static std::once_flag once;
     std::call_once(once, [] { pw_init(nullptr, nullptr); });
     m_loop = pw_thread_loop_new(threadName, nullptr);
@@ -144,6 +149,9 @@ PipeWireGraph::~PipeWireGraph() {
     pw_loop_destroy_source(loop(), m_timer);
     if (m_context != nullptr) {
         pw_context_destroy(m_context);
+    }
+    if (m_remote >= 0) {
+        close(m_remote);
     }
     pw_thread_loop_destroy(m_loop);
 }
@@ -236,9 +244,7 @@ void PipeWireGraph::openCore() {
     if (m_context == nullptr) {
         return;
     }
-    m_core = pw_context_connect(
-        m_context, pw_properties_new(PW_KEY_APP_NAME, "Tavlin", PW_KEY_APP_ID, "tavlin", nullptr),
-        0);
+    m_core = newCore();
     if (m_core == nullptr) {
         return;
     }
@@ -247,6 +253,16 @@ void PipeWireGraph::openCore() {
     pw_registry_add_listener(m_registry, &m_registryHook, &Callbacks::kRegistry, this);
     m_readySteps = 0;
     m_readySync = sync();
+}
+
+pw_core* PipeWireGraph::newCore() {
+    if (m_isLent && m_remote < 0) {
+        return nullptr;
+    }
+    auto* properties =
+        pw_properties_new(PW_KEY_APP_NAME, "Tavlin", PW_KEY_APP_ID, "tavlin", nullptr);
+    return m_isLent ? pw_context_connect_fd(m_context, std::exchange(m_remote, -1), properties, 0)
+                    : pw_context_connect(m_context, properties, 0);
 }
 
 void PipeWireGraph::closeCore() {
@@ -271,6 +287,9 @@ void PipeWireGraph::closeCore() {
 }
 
 void PipeWireGraph::retryLater() {
+    if (m_isLent) {
+        return;
+    }
     timespec later{kRetrySeconds, 0};
     pw_loop_update_timer(loop(), m_timer, &later, nullptr, false);
 }

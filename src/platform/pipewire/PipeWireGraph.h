@@ -62,8 +62,12 @@ public:
     /// How long a daemon may take to answer.
     static constexpr std::chrono::milliseconds kPatience{1500};
 
+    static constexpr int kOwnConnection = -1;
+
     /// `threadName` is cut to 15 bytes. Nothing runs yet. `observer` outlives the graph or stop().
-    PipeWireGraph(const char* threadName, Observer& observer);
+    /// `remote` is a connection that somebody opened for the graph, which takes the descriptor
+    /// over; once it is lost it is lost for good.
+    PipeWireGraph(const char* threadName, Observer& observer, int remote = kOwnConnection);
     ~PipeWireGraph();
     PipeWireGraph(const PipeWireGraph&) = delete;
     PipeWireGraph& operator=(const PipeWireGraph&) = delete;
@@ -114,6 +118,7 @@ private:
 
     void runWork();
     void openCore();
+    pw_core* newCore();
     void closeCore();
     void retryLater();
     void globalAdded(std::uint32_t id, const char* type, const spa_dict& properties);
@@ -125,6 +130,8 @@ private:
     pw_context* m_context = nullptr;
     spa_source* m_timer = nullptr; ///< To let go of a dead connection, then to try another one.
     bool m_isRunning = false;      ///< Of the controlling thread.
+    const bool m_isLent;           ///< Uses the connection of somebody else.
+    int m_remote;                  ///< That connection, until it was used.
 
     spa_source* m_workEvent = nullptr; ///< Wakes the thread for work.
     std::mutex m_workMutex;

@@ -1,5 +1,6 @@
 #include "platform/x11/DesktopArrow.h"
 
+#include "capture/CursorImageBytes.h"
 #include "platform/x11/XcursorTheme.h"
 
 #include <algorithm>
@@ -50,6 +51,12 @@ PixelBufferPtr desktopArrow(int height) {
     const auto arrow = themeArrow(choice, xcursorFolders());
     const PixelRect area = arrow ? drawnArea(arrow->image) : PixelRect{};
     return area.width > 0 && area.height > 0 ? cutOut(arrow->image, area) : nullptr;
+}
+
+std::optional<SystemCursor> desktopArrowCursor() {
+    const auto arrow = themeArrow(xcursorChoice(), xcursorFolders());
+    return arrow ? std::optional(systemCursor(arrow->image, arrow->hotSpotX, arrow->hotSpotY))
+                 : std::nullopt;
 }
 
 } // namespace tavi

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "capture/PictureEdges.h"
 #include "platform/x11/FramePool.h"
 
 namespace tavi {
@@ -49,9 +50,5 @@ private:
     xcb_connection_t* m_connection;
     SharedImage m_scratch;
 };
-
-/// Continues the last column and row of the `width` x `height` pixels at the
-/// top left to the picture's edges.
-void repeatEdges(PixelBuffer& picture, int width, int height);
 
 } // namespace tavi

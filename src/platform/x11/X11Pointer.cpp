@@ -9,18 +9,6 @@
 
 namespace tavi {
 
-namespace {
-
-SystemCursor systemCursor(const PixelBuffer& image, int hotSpotX, int hotSpotY) {
-    SystemCursor cursor;
-    cursor.imageBytes = cursorImageBytes(image, hotSpotX, hotSpotY);
-    cursor.hotSpot = {static_cast<double>(hotSpotX), static_cast<double>(hotSpotY)};
-    cursor.size = {static_cast<double>(image.width()), static_cast<double>(image.height())};
-    return cursor;
-}
-
-} // namespace
-
 Result<std::unique_ptr<X11Pointer>, CaptureError> X11Pointer::open(const std::string& displayName) {
     auto x = XConnection::open(displayName);
     if (!x) {

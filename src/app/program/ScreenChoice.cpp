@@ -1,0 +1,24 @@
+#include "app/program/ScreenChoice.h"
+
+#include "platform/portal/PortalScreenSystem.h"
+#include "platform/portal/RestoreTokens.h"
+#include "platform/portal/WaylandSession.h"
+#include "platform/x11/DesktopArrow.h"
+#include "platform/x11/X11ScreenSystem.h"
+
+#include <utility>
+
+namespace tavi {
+
+std::unique_ptr<ScreenSystem> openScreenSystem(Executor& main,
+                                               std::shared_ptr<const ColorConverter> colours) {
+    if (isWaylandSession()) {
+        if (auto portal = PortalScreenSystem::open(
+                {main, std::move(colours), desktopArrowCursor, restoreTokenFile()})) {
+            return portal;
+        }
+    }
+    return std::make_unique<X11ScreenSystem>();
+}
+
+} // namespace tavi
