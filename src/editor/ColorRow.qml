@@ -30,6 +30,7 @@ Item {
     TextLabel {
         anchors.verticalCenter: parent.verticalCenter
         text: row.label
+        Accessible.ignored: true
         size: 11
         color: AppPalette.secondaryText
     }
@@ -41,7 +42,7 @@ Item {
         tone: row.value
         hint: row.label
         Accessible.role: Accessible.Button
-        Accessible.checkable: false
+        markable: false
         onClicked: {
             row.take()
             picker.open()

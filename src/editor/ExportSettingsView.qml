@@ -13,7 +13,7 @@ Column {
         width: parent.width
         label: qsTr("Resolution")
 
-        ChoiceRow {
+        ChoiceFlow {
             width: parent.width
             name: qsTr("Resolution")
             choices: view.settings.resolutions.map(text => ({ text: text }))
@@ -50,7 +50,7 @@ Column {
         width: parent.width
         label: qsTr("Frame Rate")
 
-        ChoiceRow {
+        ChoiceFlow {
             width: parent.width
             name: qsTr("Frame Rate")
             choices: view.settings.frameRates.map(text => ({ text: text }))

@@ -163,16 +163,21 @@ void addFrame(std::vector<Control>& all) {
         QT_TRANSLATE_NOOP("Inspector", "Background Size"), {0, 0.3, 0.01}, percent));
 }
 
+/// In the order of BackgroundStyle; what has no picture of its own has a symbol.
+Choices styleChoices() {
+    return {{QT_TRANSLATE_NOOP("Inspector", "Black"), {}},
+            {QT_TRANSLATE_NOOP("Inspector", "White"), {}},
+            {QT_TRANSLATE_NOOP("Inspector", "Custom"), {}},
+            {QT_TRANSLATE_NOOP("Inspector", "Gradient"), {}},
+            {QT_TRANSLATE_NOOP("Inspector", "Blur"), "aqi.medium"},
+            {QT_TRANSLATE_NOOP("Inspector", "Aurora"), {}}};
+}
+
 void addBackground(std::vector<Control>& all) {
-    static constexpr std::array<std::string_view, 6> kStyles{
-        QT_TRANSLATE_NOOP("Inspector", "Black"),  QT_TRANSLATE_NOOP("Inspector", "White"),
-        QT_TRANSLATE_NOOP("Inspector", "Custom"), QT_TRANSLATE_NOOP("Inspector", "Gradient"),
-        QT_TRANSLATE_NOOP("Inspector", "Blur"),   QT_TRANSLATE_NOOP("Inspector", "Aurora")};
-    static_assert(kStyles.size() == RawValues<BackgroundStyle>::names.size());
     all.push_back(title(QT_TRANSLATE_NOOP("Inspector", "APPEARANCE")));
     all.push_back({.kind = Kind::tiles,
                    .label = QT_TRANSLATE_NOOP("Inspector", "Background"),
-                   .choices = labels(kStyles),
+                   .choices = styleChoices(),
                    .value = Look<&AppearanceSettings::backgroundStyle>::get,
                    .setValue = [](EditProject& project, double index) {
                        project.appearanceSettings.backgroundStyle = enumOf<BackgroundStyle>(index);

@@ -40,7 +40,7 @@ Column {
         ChoiceFlow {
             width: parent.width
             name: qsTr("Animation")
-            choices: view.zoom.easings
+            choices: view.zoom.easings.map(text => ({ text: text }))
             currentIndex: view.zoom.easing
             onChosen: index => view.zoom.easing = index
         }

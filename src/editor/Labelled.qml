@@ -9,6 +9,7 @@ Column {
 
     TextLabel {
         text: parent.label
+        Accessible.ignored: true
         size: 11
         color: AppPalette.secondaryText
     }

@@ -14,9 +14,9 @@ ButtonBase {
     text: labelled ? choice.text : ""
     implicitHeight: pictureHeight + (labelled ? 18 : 0)
 
+    markable: true
+    marked: chosen
     Accessible.role: Accessible.RadioButton
-    Accessible.checkable: true
-    Accessible.checked: chosen
 
     background: Item {}
     contentItem: Item {
@@ -30,8 +30,8 @@ ButtonBase {
         }
         Icon {
             anchors.centerIn: picture
-            visible: tile.choice.text === "Blur"
-            name: "aqi.medium"
+            visible: name !== ""
+            name: tile.choice.symbol ?? ""
             size: 16
             color: AppPalette.at(AppPalette.white, 0.15)
         }
@@ -48,6 +48,7 @@ ButtonBase {
             anchors.bottom: parent.bottom
             anchors.horizontalCenter: parent.horizontalCenter
             text: tile.text
+            Accessible.ignored: true
             size: 10
             weight: Font.Medium
             color: tile.chosen ? AppPalette.accent

@@ -51,6 +51,8 @@ Row {
                       : hovered ? AppPalette.primaryText : AppPalette.secondaryText
             onClicked: tabs.chosen(index)
 
+            markable: true
+            marked: current
             Accessible.role: Accessible.PageTab
             Accessible.selectable: true
             Accessible.selected: current
@@ -70,6 +72,7 @@ Row {
                     TextLabel {
                         anchors.horizontalCenter: parent.horizontalCenter
                         text: tab.text
+                        Accessible.ignored: true
                         size: 9
                         weight: Font.Medium
                         color: tab.foreground

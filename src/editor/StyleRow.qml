@@ -86,7 +86,7 @@ Item {
         Labelled {
             label: row.label
 
-            ChoiceRow {
+            ChoiceFlow {
                 width: parent.width
                 name: row.label
                 choices: row.choices

@@ -15,6 +15,9 @@ T.AbstractButton {
     property int textWeight: Font.Medium
     property real cornerRadius: Theme.smallRadius
     property color foreground: AppPalette.primaryText
+    /// For assistive technology: whether it can be chosen, and is.
+    property bool markable: false
+    property bool marked: false
 
     /// What a click does.
     function press() {
@@ -29,6 +32,17 @@ T.AbstractButton {
     opacity: enabled ? 1 : 0.5
 
     Accessible.role: Accessible.Button
+    Accessible.checkable: markable
+    Accessible.checked: marked
+    // When assistive technology comes, Qt 6.4 makes a plain button of it again.
+    Accessible.onCheckableChanged: {
+        if (Accessible.checkable !== markable)
+            Accessible.checkable = Qt.binding(() => markable)
+    }
+    Accessible.onCheckedChanged: {
+        if (Accessible.checked !== marked)
+            Accessible.checked = Qt.binding(() => marked)
+    }
     Accessible.name: text !== "" ? text : hint
     Accessible.description: text !== "" ? hint : ""
     Accessible.onPressAction: press()
@@ -59,6 +73,7 @@ T.AbstractButton {
                 size: button.textSize
                 weight: button.textWeight
                 color: button.foreground
+                Accessible.ignored: true
             }
         }
     }

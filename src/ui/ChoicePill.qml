@@ -16,9 +16,9 @@ ButtonBase {
     foreground: chosen ? AppPalette.accent
               : hovered ? AppPalette.primaryText : AppPalette.secondaryText
 
+    markable: true
+    marked: chosen
     Accessible.role: Accessible.RadioButton
-    Accessible.checkable: true
-    Accessible.checked: chosen
 
     background: Rectangle {
         radius: button.cornerRadius

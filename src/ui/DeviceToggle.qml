@@ -13,9 +13,9 @@ ButtonBase {
     cornerRadius: Theme.largeRadius
     foreground: on ? AppPalette.primaryText : AppPalette.danger
 
+    markable: true
+    marked: on
     Accessible.role: Accessible.CheckBox
-    Accessible.checkable: true
-    Accessible.checked: on
 
     background: Rectangle {
         radius: button.cornerRadius

@@ -31,6 +31,7 @@ T.MenuItem {
             x: 30
             anchors.verticalCenter: parent.verticalCenter
             text: row.text
+            Accessible.ignored: true
             size: 12
             color: row.foreground
         }

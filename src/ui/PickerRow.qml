@@ -10,9 +10,9 @@ ButtonBase {
     implicitWidth: 220
     implicitHeight: 28
 
+    markable: true
+    marked: chosen
     Accessible.role: Accessible.RadioButton
-    Accessible.checkable: true
-    Accessible.checked: chosen
 
     contentItem: Item {
         Icon {

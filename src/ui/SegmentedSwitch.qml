@@ -82,6 +82,8 @@ Rectangle {
                 focusPolicy: current || activeFocus ? Qt.TabFocus : Qt.NoFocus
                 onClicked: control.choose(index)
 
+                markable: true
+                marked: current
                 Accessible.role: Accessible.PageTab
                 Accessible.selectable: true
                 Accessible.selected: current

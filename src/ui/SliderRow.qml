@@ -20,12 +20,14 @@ Item {
         id: title
         anchors.left: parent.left
         text: row.label
+        Accessible.ignored: true
         size: 11
         color: AppPalette.secondaryText
     }
     TextLabel {
         anchors.right: parent.right
         text: row.valueText
+        Accessible.ignored: true
         size: 11
         tabular: true
     }

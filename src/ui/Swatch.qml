@@ -12,9 +12,9 @@ ButtonBase {
     implicitWidth: 44
     implicitHeight: 28
 
+    markable: true
+    marked: chosen
     Accessible.role: Accessible.RadioButton
-    Accessible.checkable: true
-    Accessible.checked: chosen
 
     contentItem: Item {}
     background: Rectangle {

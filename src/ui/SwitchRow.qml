@@ -15,6 +15,7 @@ Item {
     TextLabel {
         anchors.verticalCenter: parent.verticalCenter
         text: row.label
+        Accessible.ignored: true
         size: 11
         color: AppPalette.secondaryText
     }

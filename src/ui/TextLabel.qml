@@ -18,4 +18,9 @@ Text {
     elide: userText ? Text.ElideRight : Text.ElideNone
     textFormat: Text.PlainText
     verticalAlignment: Text.AlignVCenter
+
+    // What only says how a control is called is ignored where it stands.
+    Accessible.role: Accessible.StaticText
+    Accessible.name: text
+    Accessible.ignored: text === ""
 }

@@ -31,7 +31,7 @@ QRectF windowFor(const QQuickItem& item) {
     return area;
 }
 
-/// Texts in lists that scroll may lie beyond the edge.
+/// Texts in lists that scroll may lie below the edge.
 bool scrolls(const QQuickItem& item) {
     for (const QQuickItem* parent = item.parentItem(); parent; parent = parent->parentItem())
         if (parent->inherits("QQuickFlickable")) {
@@ -48,9 +48,10 @@ QString cutOff(const QQuickItem& item) {
         painted.height() > item.height() + 0.5) {
         return QStringLiteral("is cut");
     }
-    if (!scrolls(item) && !windowFor(item)
-                               .adjusted(-1, -1, 1, 1)
-                               .contains(item.mapRectToScene(item.boundingRect()))) {
+    const QRectF window = windowFor(item).adjusted(-1, -1, 1, 1);
+    const QRectF place = item.mapRectToScene(item.boundingRect());
+    const bool isBeside = place.left() < window.left() || place.right() > window.right();
+    if (isBeside || (!scrolls(item) && !window.contains(place))) {
         return QStringLiteral("leaves the window");
     }
     return {};

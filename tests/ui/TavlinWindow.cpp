@@ -60,7 +60,7 @@ void end(QProcess& process) {
 
 } // namespace
 
-TavlinWindow::TavlinWindow() {
+TavlinWindow::TavlinWindow(const std::string& screen) : m_server(screen) {
     std::filesystem::create_directories(m_folder / "run");
     std::filesystem::permissions(m_folder / "run", std::filesystem::perms::owner_all);
     const QProcessEnvironment environment = environmentFor(m_folder, m_server.name());
@@ -99,8 +99,14 @@ void TavlinWindow::addTake(const std::string& name, int age) {
     writeFile(folder / "metadata.json", json.str());
 }
 
-void TavlinWindow::start() {
-    m_program.start(QStringLiteral(TAVI_BINARY_DIR "/tavlin"), {});
+void TavlinWindow::setVariable(const QString& name, const QString& value) {
+    QProcessEnvironment environment = m_program.processEnvironment();
+    environment.insert(name, value);
+    m_program.setProcessEnvironment(environment);
+}
+
+void TavlinWindow::start(const QStringList& arguments) {
+    m_program.start(QStringLiteral(TAVI_BINARY_DIR "/tavlin"), arguments);
     ASSERT_TRUE(m_program.waitForStarted(kPatience));
     ASSERT_TRUE(eventually([this] {
         m_window = output(QStringLiteral("xdotool"),
@@ -146,10 +152,23 @@ bool TavlinWindow::shows(QPoint place, const QColor& colour) {
     return now.rect().contains(place) && isClose(now.pixelColor(place), colour);
 }
 
+QStringList TavlinWindow::moveTo(QPoint place) const {
+    return {QStringLiteral("mousemove"), QStringLiteral("--window"),
+            QString::fromStdString(m_window), QString::number(place.x()),
+            QString::number(place.y())};
+}
+
+void TavlinWindow::drag(const std::vector<QPoint>& places) {
+    const QString xdotool = QStringLiteral("xdotool");
+    output(xdotool, moveTo(places.front()) << QStringLiteral("mousedown") << QStringLiteral("1"));
+    for (const QPoint place : places) {
+        output(xdotool, moveTo(place));
+    }
+    output(xdotool, {QStringLiteral("mouseup"), QStringLiteral("1")});
+}
+
 void TavlinWindow::click(QPoint place, int button, const std::string& modifier) {
-    QStringList command{QStringLiteral("mousemove"), QStringLiteral("--window"),
-                        QString::fromStdString(m_window), QString::number(place.x()),
-                        QString::number(place.y())};
+    QStringList command = moveTo(place);
     const QString key = QString::fromStdString(modifier);
     if (!modifier.empty()) {
         command << QStringLiteral("keydown") << key;

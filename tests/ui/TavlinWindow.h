@@ -11,6 +11,7 @@
 #include <filesystem>
 #include <functional>
 #include <string>
+#include <vector>
 
 namespace tavi::test {
 
@@ -20,7 +21,7 @@ namespace tavi::test {
 /// Everything lies in a folder of its own and ends with the object.
 class TavlinWindow {
 public:
-    TavlinWindow();
+    explicit TavlinWindow(const std::string& screen = "1280x800x24");
     ~TavlinWindow();
 
     std::filesystem::path library() const { return m_folder / "Documents" / "Tavlin"; }
@@ -29,7 +30,7 @@ public:
     void addTake(const std::string& name, int age);
 
     /// Starts the program and waits for its window.
-    void start();
+    void start(const QStringList& arguments = {});
 
     QSize size();
     void resize(QSize size);
@@ -41,6 +42,8 @@ public:
 
     /// Clicks a button of the mouse at a place of the window.
     void click(QPoint place, int button = 1, const std::string& modifier = "");
+    /// Moves with the left button down from one place to the next.
+    void drag(const std::vector<QPoint>& places);
     /// Presses keys, one after the other.
     template<typename... Keys>
     void press(const Keys&... keys) {
@@ -58,12 +61,19 @@ public:
     /// Processor time that the program took until now.
     double processorSeconds();
 
-private:
+protected:
+    /// What a program that is run in the window's surroundings prints.
     std::string output(const QString& program, const QStringList& arguments);
+    /// For the program, before it is started.
+    void setVariable(const QString& name, const QString& value);
+    const TemporaryFolder& folder() const { return m_folder; }
+
+private:
+    QStringList moveTo(QPoint place) const;
     void pressKey(const std::string& key);
 
     TemporaryFolder m_folder;
-    XTestServer m_server{"1280x800x24"};
+    XTestServer m_server;
     QProcess m_manager;
     QProcess m_program;
     std::string m_window; ///< Number of the window in the X server.

@@ -95,7 +95,9 @@ QObject* TestEditor::screen() {
         EditorPorts{m_players, m_media, [](const auto&) { return nullptr; }, m_clock, m_main,
                     *m_background, m_timers, m_library.path()},
         std::make_unique<ExportViewModel>(ExportViewModel::Ports{nullptr, m_clock, panel, viewer}));
-    m_players.made.at("video.mov")->picture = videoPicture();
+    for (const auto& [name, player] : m_players.made) {
+        player->picture = videoPicture();
+    }
     moveTo(5);
     return m_screen.get();
 }
