@@ -25,7 +25,7 @@ constexpr std::array kH264{
 };
 
 /// Between key frames, in seconds, at most: a busy recording asks for more (KeyFrameSpacing).
-constexpr double kLiveKeyFrames = 1;
+constexpr double kLiveKeyFrames = 0.5;
 constexpr double kFilmKeyFrames = 2;
 
 /// The peak over the average: room for a window that opens.
@@ -74,7 +74,9 @@ void configureX265(AVCodecContext& context, Options& options, const VideoSetting
         context.rc_max_rate = settings.bitRate;
         options.set("crf", kLiveQuality);
         options.set("forced-idr", std::int64_t{1});
-        parameters += ":bframes=0:early-skip=1:fast-intra=1:frame-threads=1:ref=1:rc-lookahead=0";
+        // qcomp: the same quality in every picture, also right after a key frame.
+        parameters +=
+            ":qcomp=1.0:bframes=0:early-skip=1:fast-intra=1:frame-threads=1:ref=1:rc-lookahead=0";
         options.set("preset", "ultrafast");
         options.set("tune", "zerolatency");
     } else {

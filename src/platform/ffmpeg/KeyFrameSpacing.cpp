@@ -10,8 +10,8 @@ namespace {
 /// decoder takes 10 ms for a megabit and 1.5 ms for a picture of 1920x1080 without any.
 constexpr double kBitsPerPixel = 0.07;
 
-/// What may follow a key frame, in bits for each pixel: 100 ms of one core at 1920x1080.
-constexpr double kMostBitsPerPixel = 5;
+/// What may follow a key frame, in bits for each pixel: 50 ms of one core at 1920x1080.
+constexpr double kMostBitsPerPixel = 2.3;
 
 /// Key frames take less than half of the bits of what lies between them.
 constexpr double kKeyFramesShare = 2;

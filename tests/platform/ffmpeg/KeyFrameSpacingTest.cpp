@@ -59,9 +59,9 @@ TEST(KeyFrameSpacing, nothingIsDueAtFirst) {
 }
 
 TEST(KeyFrameSpacing, aBusyScreenGetsThemCloser) {
-    EXPECT_NEAR(picturesUntilDue(30'000), 27, 1);
-    EXPECT_NEAR(picturesUntilDue(3'000), 62, 1);
-    EXPECT_NEAR(picturesUntilDue(0), 72, 1);
+    EXPECT_NEAR(picturesUntilDue(30'000), 12, 1);
+    EXPECT_NEAR(picturesUntilDue(3'000), 28, 1);
+    EXPECT_NEAR(picturesUntilDue(0), 33, 1);
 }
 
 TEST(KeyFrameSpacing, aKeyFrameStartsAnew) {
