@@ -60,19 +60,30 @@ QString clientPath(const QString& kind, QString client, const QString& token) {
 
 } // namespace
 
+/// A bus that starts no programs of its own accord.
 TestBus::TestBus() {
     const std::string address = "unix:path=" + socket().string();
     setenv(kBus, address.c_str(), 1);
+    const auto configuration = socket().parent_path() / "bus.conf";
+    writeFile(configuration, "<busconfig><type>session</type><listen>" + address +
+                                 "</listen><auth>EXTERNAL</auth><policy context=\"default\">"
+                                 "<allow send_destination=\"*\" eavesdrop=\"true\"/>"
+                                 "<allow eavesdrop=\"true\"/><allow own=\"*\"/>"
+                                 "</policy></busconfig>");
     m_pid = fork();
     if (m_pid == 0) {
         prctl(PR_SET_PDEATHSIG, SIGKILL);
-        const std::string argument = "--address=" + address;
-        execlp("dbus-daemon", "dbus-daemon", "--session", "--nofork", "--nopidfile",
-               argument.c_str(), nullptr);
+        const std::string argument = "--config-file=" + configuration.string();
+        execlp("dbus-daemon", "dbus-daemon", argument.c_str(), "--nofork", "--nopidfile", nullptr);
         _exit(127);
     }
-    EXPECT_TRUE(waitFor([this] { return std::filesystem::exists(socket()); }))
-        << "dbus-daemon does not start";
+    const QString probe = QStringLiteral("probe-of-the-bus");
+    EXPECT_TRUE(waitFor([&] {
+        const auto bus = QDBusConnection::connectToBus(QString::fromStdString(address), probe);
+        const bool isConnected = bus.isConnected();
+        QDBusConnection::disconnectFromBus(probe);
+        return isConnected;
+    })) << "dbus-daemon does not start";
 }
 
 TestBus::~TestBus() {
