@@ -199,10 +199,36 @@ ApplicationWindow* AppViewModel::windowToMiniaturize() {
     return windows.empty() ? nullptr : windows.front();
 }
 
-void AppViewModel::beginRecording(RecordingViewModel& viewModel) {
-    if (ApplicationWindow* window = windowToMiniaturize()) {
+void AppViewModel::miniaturizeWindow() {
+    if (ApplicationWindow* window = m_isWindowAway ? nullptr : windowToMiniaturize()) {
         window->miniaturize();
+        m_isWindowAway = true;
     }
+}
+
+void AppViewModel::bringWindowBack() {
+    m_isWindowAway = false;
+    const auto windows = m_ports.windows.windows();
+    const auto hidden = std::find_if(windows.begin(), windows.end(),
+                                     [](const auto* window) { return window->isMiniaturized(); });
+    if (hidden != windows.end()) {
+        (*hidden)->deminiaturize();
+    }
+    m_ports.windows.activateIgnoringOtherApps();
+}
+
+void AppViewModel::recordingStartChanged(const RecordingViewModel& viewModel) {
+    if (viewModel.isStarting()) {
+        if (viewModel.captureMode() == CaptureMode::display) {
+            miniaturizeWindow();
+        }
+    } else if (m_isWindowAway && !viewModel.isRecording()) {
+        bringWindowBack();
+    }
+}
+
+void AppViewModel::beginRecording(RecordingViewModel& viewModel) {
+    miniaturizeWindow();
     m_statusBarService = std::make_unique<RecordingStatusBarService>(m_ports.statusBar);
     m_statusBarService->start(m_ports.clock.now(), [self = QPointer(this), &main = m_ports.main,
                                                     recording = QPointer(&viewModel)] {
@@ -229,13 +255,7 @@ void AppViewModel::finishRecording(const std::optional<std::filesystem::path>& u
         m_statusBarService->stop();
     }
     m_statusBarService.reset();
-    const auto windows = m_ports.windows.windows();
-    const auto hidden = std::find_if(windows.begin(), windows.end(),
-                                     [](const auto* window) { return window->isMiniaturized(); });
-    if (hidden != windows.end()) {
-        (*hidden)->deminiaturize();
-    }
-    m_ports.windows.activateIgnoringOtherApps();
+    bringWindowBack();
     if (url) {
         setCurrentMode(AppMode::editing(*url));
     } else {

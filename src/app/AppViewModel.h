@@ -97,8 +97,12 @@ public:
     Result<void, RecordingFileError> renameRecording(const RecordingItem& item,
                                                      const std::string& newName);
 
-    /// Capture has started: miniaturizes the window and shows the status item, whose click ends
-    /// the take of `viewModel`.
+    /// A start of a take has begun or is over. While a display's take starts, the window is
+    /// miniaturized, so that no picture shows it; it comes back when there is no take then.
+    void recordingStartChanged(const RecordingViewModel& viewModel);
+
+    /// Capture has started: miniaturizes the window, unless it is already, and shows the status
+    /// item, whose click ends the take of `viewModel`.
     void beginRecording(RecordingViewModel& viewModel);
 
     /// Capture has ended: brings the window back and goes to the take, or home without one.
@@ -154,6 +158,8 @@ private:
     void setCurrentMode(AppMode mode);
     void goHome();
     ApplicationWindow* windowToMiniaturize();
+    void miniaturizeWindow();
+    void bringWindowBack();
     void stopFromStatusItem(QPointer<RecordingViewModel> viewModel);
 
     AppPorts m_ports;
@@ -163,6 +169,7 @@ private:
     bool m_showSettings = false;
     std::string m_notice;
     std::unique_ptr<RecordingStatusBarService> m_statusBarService;
+    bool m_isWindowAway = false; ///< Miniaturized for a take.
     std::unique_ptr<Timers::Timer> m_splash;
     QPointer<RecordingViewModel> m_recording;
     std::optional<std::filesystem::path> m_takeToOpen; ///< Once the splash is over.

@@ -77,6 +77,8 @@ void TaviApp::openRecordingScreen() {
     m_appViewModel.setRecordingViewModel(model);
     new OneRecorder(*model, m_lockFolder,
                     [this](const std::string& reason) { m_appViewModel.setNotice(reason); });
+    connect(model, &RecordingViewModel::isStartingChanged, this,
+            [this, model] { m_appViewModel.recordingStartChanged(*model); });
     connect(model, &RecordingViewModel::recordingStarted, this,
             [this, model] { m_appViewModel.beginRecording(*model); });
     connect(model, &RecordingViewModel::recordingStopped, this, [this](const QString& folder) {

@@ -34,9 +34,13 @@ bool isOffered(const Window& window) {
 
 } // namespace
 
-std::vector<Window> offeredWindows(std::span<const Window> windows) {
+std::vector<Window> offeredWindows(std::span<const Window> windows, const std::string& ownId) {
     std::vector<Window> offered;
-    std::copy_if(windows.begin(), windows.end(), std::back_inserter(offered), isOffered);
+    std::copy_if(windows.begin(), windows.end(), std::back_inserter(offered),
+                 [&](const Window& window) {
+                     const bool isOwn = !ownId.empty() && window.applicationId == ownId;
+                     return !isOwn && isOffered(window);
+                 });
     return offered;
 }
 

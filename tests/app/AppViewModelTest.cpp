@@ -291,6 +291,45 @@ TEST_F(HandOver, aTakeMiniaturizesTheKeyWindowAndShowsItsTime) {
     EXPECT_EQ(statusItems.titles.back(), " 01:01");
 }
 
+TEST_F(HandOver, theWindowIsAwayBeforeADisplaysFirstPicture) {
+    windows.key = windows.add("main");
+    launchRecording();
+    load();
+    QObject::connect(model.get(), &RecordingViewModel::isStartingChanged,
+                     [this] { app->recordingStartChanged(*model); });
+    startTake();
+    EXPECT_THAT(windowCalls(), ElementsAre("miniaturize main"));
+    app->beginRecording(*model);
+    EXPECT_THAT(windowCalls(), ElementsAre("miniaturize main")) << "once";
+    app->finishRecording(std::nullopt);
+    EXPECT_THAT(windowCalls(), ElementsAre("miniaturize main", "deminiaturize main", "activate"));
+}
+
+TEST_F(HandOver, aStartThatFailsBringsTheWindowBack) {
+    windows.key = windows.add("main");
+    launchRecording();
+    load();
+    screen.startError = CaptureError{CaptureError::Kind::connectionLost, ""};
+    QObject::connect(model.get(), &RecordingViewModel::isStartingChanged,
+                     [this] { app->recordingStartChanged(*model); });
+    run(model->startRecording());
+    EXPECT_THAT(windowCalls(), ElementsAre("miniaturize main", "deminiaturize main", "activate"));
+    EXPECT_EQ(mode(), "recording");
+}
+
+TEST_F(HandOver, aTakeOfAWindowLeavesTheOwnOneUntilItRuns) {
+    windows.key = windows.add("main");
+    launchRecording();
+    load();
+    model->setCaptureMode(CaptureMode::window);
+    QObject::connect(model.get(), &RecordingViewModel::isStartingChanged,
+                     [this] { app->recordingStartChanged(*model); });
+    run(model->startRecording());
+    EXPECT_THAT(windowCalls(), IsEmpty());
+    app->beginRecording(*model);
+    EXPECT_THAT(windowCalls(), ElementsAre("miniaturize main"));
+}
+
 TEST_F(HandOver, withoutAKeyWindowTheFirstIsTaken) {
     windows.add("first");
     windows.add("second");

@@ -62,5 +62,14 @@ TEST(OfferedWindowsList, keepsItsOrder) {
     EXPECT_EQ(offered[2].id, 3U);
 }
 
+TEST(OfferedWindowsList, leavesTheProgramsOwnWindowsOut) {
+    std::vector<Window> windows(2, ordinary());
+    windows[1].applicationId = "tavlin";
+    EXPECT_EQ(offeredWindows(windows, "tavlin").size(), 1U);
+    EXPECT_EQ(offeredWindows(windows).size(), 2U);
+    windows[0].applicationId.clear();
+    EXPECT_EQ(offeredWindows(windows, "").size(), 2U) << "no name is nobody's";
+}
+
 } // namespace
 } // namespace tavi
