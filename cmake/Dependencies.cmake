@@ -11,6 +11,8 @@ pkg_check_modules(FFMPEG REQUIRED IMPORTED_TARGET libavformat>=59 libavcodec>=59
 pkg_check_modules(XCB REQUIRED IMPORTED_TARGET xcb xcb-shm xcb-randr xcb-xfixes xcb-composite xcb-damage xcb-xinput xcb-ewmh)
 pkg_check_modules(XKB REQUIRED IMPORTED_TARGET xkbcommon xkbcommon-x11 xcb-xkb)
 pkg_check_modules(LIBINPUT REQUIRED IMPORTED_TARGET libinput>=1.22 libudev)
+pkg_check_modules(WAYLAND REQUIRED IMPORTED_TARGET wayland-client>=1.20)
+pkg_get_variable(WAYLAND_PROTOCOLS wayland-protocols pkgdatadir)
 pkg_check_modules(PIPEWIRE REQUIRED IMPORTED_TARGET libpipewire-0.3>=0.3.65)
 pkg_check_modules(TURBOJPEG REQUIRED IMPORTED_TARGET libturbojpeg>=2.1)
 pkg_check_modules(PANGO REQUIRED IMPORTED_TARGET pangocairo cairo)

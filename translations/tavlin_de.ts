@@ -113,6 +113,10 @@
         <source>Cancel</source>
         <translation>Abbrechen</translation>
     </message>
+    <message>
+        <source>Choose in the desktop&apos;s dialog</source>
+        <translation>Wählen Sie im Dialog der Arbeitsumgebung</translation>
+    </message>
 </context>
 <context>
     <name>CutButtons</name>
@@ -553,6 +557,10 @@
     <message>
         <source>Open Settings</source>
         <translation>Einstellungen öffnen</translation>
+    </message>
+    <message>
+        <source>Until then a take has no clicks, no scrolling and no keys. To allow it: %1, then log out and in again. Every program that you run can then read what you type, passwords included.</source>
+        <translation>Bis dahin enthält eine Aufnahme keine Klicks, kein Scrollen und keine Tasten. So erlauben Sie es: %1, danach ab- und wieder anmelden. Jedes Programm, das Sie starten, kann dann mitlesen, was Sie tippen, auch Passwörter.</translation>
     </message>
 </context>
 <context>
@@ -1056,6 +1064,18 @@ Bitte erteilen Sie sie in den Systemeinstellungen.</translation>
     <message>
         <source>Unknown</source>
         <translation>Unbekannt</translation>
+    </message>
+    <message>
+        <source>A recording is running</source>
+        <translation>Eine Aufnahme läuft</translation>
+    </message>
+    <message>
+        <source>This desktop doesn&apos;t tell where the pointer is: the film will show no pointer, and nothing to zoom to can be found.</source>
+        <translation>Diese Arbeitsumgebung verrät nicht, wo der Mauszeiger ist: Der Film zeigt keinen, und es lässt sich nichts zum Heranzoomen finden.</translation>
+    </message>
+    <message>
+        <source>This desktop paints the pointer into the picture: the editor can&apos;t move, restyle or hide it, and nothing to zoom to can be found.</source>
+        <translation>Diese Arbeitsumgebung malt den Mauszeiger ins Bild: Der Editor kann ihn nicht bewegen, umgestalten oder ausblenden, und es lässt sich nichts zum Heranzoomen finden.</translation>
     </message>
 </context>
 <context>

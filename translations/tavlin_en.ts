@@ -113,6 +113,10 @@
         <source>Cancel</source>
         <translation type="unfinished"></translation>
     </message>
+    <message>
+        <source>Choose in the desktop&apos;s dialog</source>
+        <translation type="unfinished"></translation>
+    </message>
 </context>
 <context>
     <name>CutButtons</name>
@@ -552,6 +556,10 @@
     </message>
     <message>
         <source>Open Settings</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Until then a take has no clicks, no scrolling and no keys. To allow it: %1, then log out and in again. Every program that you run can then read what you type, passwords included.</source>
         <translation type="unfinished"></translation>
     </message>
 </context>
@@ -1053,6 +1061,18 @@ Please grant permission in System Settings.</source>
     </message>
     <message>
         <source>Unknown</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>A recording is running</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>This desktop doesn&apos;t tell where the pointer is: the film will show no pointer, and nothing to zoom to can be found.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>This desktop paints the pointer into the picture: the editor can&apos;t move, restyle or hide it, and nothing to zoom to can be found.</source>
         <translation type="unfinished"></translation>
     </message>
 </context>

@@ -13,7 +13,8 @@ FocusScope {
 
         TextLabel {
             anchors.horizontalCenter: parent.horizontalCenter
-            text: qsTr("Starting in %1").arg(body.viewModel.countdownValue)
+            text: body.viewModel.isAsking ? qsTr("Choose in the desktop's dialog")
+                                          : qsTr("Starting in %1").arg(body.viewModel.countdownValue)
             size: 28
             weight: Font.Medium
             tabular: true

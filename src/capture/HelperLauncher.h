@@ -29,6 +29,12 @@ struct HelperCommand {
     bool operator==(const HelperCommand&) const = default;
 };
 
+/// What the key helper of a take is told.
+inline std::vector<std::string> helperArguments(bool isPointerWanted) {
+    return isPointerWanted ? std::vector<std::string>{kHelperPointerOption}
+                           : std::vector<std::string>();
+}
+
 /// A helper program that runs and whose standard output is being read.
 ///
 /// The destructor stops it: no chunk arrives after it, the pipe is closed, and

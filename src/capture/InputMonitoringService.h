@@ -5,6 +5,7 @@
 #include "capture/HelperLauncher.h"
 
 #include <QObject>
+#include <QString>
 
 #include <functional>
 #include <memory>
@@ -26,6 +27,7 @@ namespace tavi {
 class InputMonitoringService : public QObject, public KeyPermission {
     Q_OBJECT
     Q_PROPERTY(bool isGranted READ isGranted NOTIFY isGrantedChanged)
+    Q_PROPERTY(QString accessCommand READ accessCommand CONSTANT)
 
 public:
     static constexpr double kPollInterval = 1.5; ///< Seconds between two looks at the probe.
@@ -43,12 +45,16 @@ public:
         std::function<bool(pid_t)> isAlive;
         /// Opens a link, kSettingsUrl, in this desktop's own way.
         std::function<void(const std::string& url)> openUrl;
+        /// What gives the user the right, where one is needed and no page of settings gives it;
+        /// empty elsewhere.
+        std::string accessCommand = {};
     };
 
     explicit InputMonitoringService(Ports ports, QObject* parent = nullptr);
     ~InputMonitoringService() override;
 
     bool isGranted() const { return m_isGranted; }
+    QString accessCommand() const { return QString::fromStdString(m_ports.accessCommand); }
 
     /// Of the probe; 0 when none runs.
     pid_t helperPID() const { return m_helper ? m_helper->pid() : 0; }

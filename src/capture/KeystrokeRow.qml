@@ -1,36 +1,51 @@
 import QtQuick
 import Tavi.Ui
 
-/// Whether keys can be captured, while that is news.
-Row {
+/// Whether keys can be captured, while that is news; and how, where it takes a command.
+Column {
     id: row
 
     required property QtObject inputMonitoring
     required property bool showPermissionGranted
 
     visible: !inputMonitoring.isGranted || showPermissionGranted
-    spacing: 8
+    spacing: 4
 
-    Icon {
-        anchors.verticalCenter: parent.verticalCenter
-        name: "keyboard"
-        size: 11
-        color: row.inputMonitoring.isGranted ? AppPalette.success : AppPalette.secondaryText
+    Row {
+        anchors.horizontalCenter: parent.horizontalCenter
+        spacing: 8
+
+        Icon {
+            anchors.verticalCenter: parent.verticalCenter
+            name: "keyboard"
+            size: 11
+            color: row.inputMonitoring.isGranted ? AppPalette.success : AppPalette.secondaryText
+        }
+        TextLabel {
+            anchors.verticalCenter: parent.verticalCenter
+            text: row.inputMonitoring.isGranted ? qsTr("Keystroke capture enabled")
+                                                : qsTr("Enable Input Monitoring to capture keystrokes")
+            size: 11
+            color: AppPalette.secondaryText
+        }
+        PlainButton {
+            anchors.verticalCenter: parent.verticalCenter
+            visible: !row.inputMonitoring.isGranted
+            textSize: 11
+            topPadding: 3
+            bottomPadding: 3
+            text: qsTr("Open Settings")
+            onClicked: row.inputMonitoring.openInputMonitoringSettings()
+        }
     }
     TextLabel {
-        anchors.verticalCenter: parent.verticalCenter
-        text: row.inputMonitoring.isGranted ? qsTr("Keystroke capture enabled")
-                                            : qsTr("Enable Input Monitoring to capture keystrokes")
+        anchors.horizontalCenter: parent.horizontalCenter
+        width: Math.min(implicitWidth, row.width)
+        visible: !row.inputMonitoring.isGranted && row.inputMonitoring.accessCommand !== ""
+        text: qsTr("Until then a take has no clicks, no scrolling and no keys. To allow it: %1, then log out and in again. Every program that you run can then read what you type, passwords included.").arg(row.inputMonitoring.accessCommand)
         size: 11
         color: AppPalette.secondaryText
-    }
-    PlainButton {
-        anchors.verticalCenter: parent.verticalCenter
-        visible: !row.inputMonitoring.isGranted
-        textSize: 11
-        topPadding: 3
-        bottomPadding: 3
-        text: qsTr("Open Settings")
-        onClicked: row.inputMonitoring.openInputMonitoringSettings()
+        wrapMode: Text.Wrap
+        horizontalAlignment: Text.AlignHCenter
     }
 }

@@ -65,6 +65,20 @@ QVariantMap RecordingViewModel::displayPictures() const {
     return pictures(m_displayThumbnails);
 }
 
+QString RecordingViewModel::pointerWarning() const {
+    switch (m_ports.cursorMode) {
+    case CursorMode::metadata:
+        return {};
+    case CursorMode::hidden:
+        return tr("This desktop doesn't tell where the pointer is: the film will show no pointer, "
+                  "and nothing to zoom to can be found.");
+    case CursorMode::embedded:
+        return tr("This desktop paints the pointer into the picture: the editor can't move, "
+                  "restyle or hide it, and nothing to zoom to can be found.");
+    }
+    return {};
+}
+
 QString RecordingViewModel::captureModeName() const {
     const std::string_view name = rawValue(m_captureMode);
     return QString::fromUtf8(name.data(), static_cast<qsizetype>(name.size()));

@@ -108,7 +108,7 @@ QCoro::Task<> RecordingViewModel::loadSources() {
     setFailure(std::nullopt);
     m_availableDisplays = std::move(content->displays);
     emit availableDisplaysChanged();
-    m_availableWindows = offeredWindows(content->windows);
+    m_availableWindows = offeredWindows(content->windows, m_ports.applicationId);
     emit availableWindowsChanged();
     co_await loadThumbnails();
     if (alive.expired()) {
@@ -420,6 +420,9 @@ QCoro::Task<> RecordingViewModel::startTake(TakeSource source) {
         co_return;
     }
     m_recorder->startTracking();
+    if (m_ports.wakeLocks != nullptr) {
+        m_wakeLock = m_ports.wakeLocks->acquire(tr("A recording is running").toStdString());
+    }
     publish(m_isRecording, true, &RecordingViewModel::isRecordingChanged);
     m_timer = m_ports.overlay.timers.repeat(TakeRecorder::kTickInterval, [this] { watchTake(); });
 }
@@ -509,6 +512,7 @@ QCoro::Task<Folder> RecordingViewModel::stopRecording() {
 void RecordingViewModel::reset() {
     setFailure(m_recorder->failure());
     m_recorder.reset();
+    m_wakeLock.reset();
     publish(m_interruptionText, {}, &RecordingViewModel::interruptionTextChanged);
     publish(m_isRecording, false, &RecordingViewModel::isRecordingChanged);
     publish(m_elapsedTime, 0.0, &RecordingViewModel::elapsedTimeChanged);

@@ -2,9 +2,11 @@
 
 #include "capture/CaptureMode.h"
 #include "capture/CountdownOverlayService.h"
+#include "capture/CursorMode.h"
 #include "capture/Screenshots.h"
 #include "capture/SourceConsent.h"
 #include "capture/TakeRecorder.h"
+#include "capture/WakeLock.h"
 
 #include <QCoro/QCoroTask>
 #include <QObject>
@@ -65,6 +67,7 @@ class RecordingViewModel : public QObject {
     Q_PROPERTY(bool isStopping READ isStopping NOTIFY isStoppingChanged)
     Q_PROPERTY(int countdownValue READ countdownValue NOTIFY countdownValueChanged)
     Q_PROPERTY(double elapsedTime READ elapsedTime NOTIFY elapsedTimeChanged)
+    Q_PROPERTY(QString pointerWarning READ pointerWarning CONSTANT)
     Q_PROPERTY(QString failureText READ failureString NOTIFY failureTextChanged)
     Q_PROPERTY(QString interruptionText READ interruptionString NOTIFY interruptionTextChanged)
 
@@ -84,6 +87,9 @@ public:
         std::string applicationId;
         int countdownSeconds = CountdownOverlayService::kStartValue;
         SourceConsent* consent = nullptr; ///< Null: nobody is asked before a take.
+        WakeLocks* wakeLocks = nullptr;   ///< Null: the desktop may fall asleep during a take.
+        /// What this desktop lets a take know of the pointer.
+        CursorMode cursorMode = CursorMode::metadata;
     };
 
     explicit RecordingViewModel(Ports ports, QObject* parent = nullptr);
@@ -193,6 +199,8 @@ public:
     /// Index, as text, to PixelBufferPtr.
     QVariantMap windowPictures() const;
     QVariantMap displayPictures() const;
+    /// What a take on this desktop can't do with the pointer; empty where it can do everything.
+    QString pointerWarning() const;
     QString captureModeName() const; ///< The raw value.
     void setCaptureModeName(const QString& name);
     QString failureString() const { return QString::fromStdString(failureText()); }
@@ -292,8 +300,9 @@ private:
     bool m_isWarmUpWanted = false;                               ///< Asked for since.
     int m_warmUpRequests = 0;
     std::unique_ptr<TakeRecorder> m_recorder;
-    TakeDevices m_takeDevices; ///< Lent to the recorder while it starts.
-    int m_lentWarmUp = 0;      ///< Which request the lent warm-up came from.
+    std::unique_ptr<WakeLock> m_wakeLock; ///< While a take runs.
+    TakeDevices m_takeDevices;            ///< Lent to the recorder while it starts.
+    int m_lentWarmUp = 0;                 ///< Which request the lent warm-up came from.
     std::unique_ptr<Timers::Timer> m_timer;
     std::vector<std::function<void(bool)>> m_stopWaiters;
 

@@ -38,6 +38,10 @@ public:
     virtual Result<Pointer, CaptureError> pointer() = 0;
 
     virtual CursorMode cursorMode() const = 0;
+
+    /// Whether the pointer's monitors tell of buttons and wheels. Where they don't, the key
+    /// helper does (kHelperPointerOption).
+    virtual bool seesClicks() const = 0;
 };
 
 } // namespace tavi

@@ -64,6 +64,17 @@ FocusScope {
             wrapMode: Text.Wrap
             horizontalAlignment: Text.AlignHCenter
         }
+        TextLabel {
+            Layout.alignment: Qt.AlignHCenter
+            Layout.maximumWidth: body.width - 2 * Theme.margin
+            Layout.topMargin: 6
+            visible: text !== ""
+            text: body.viewModel.pointerWarning
+            size: 11
+            color: AppPalette.secondaryText
+            wrapMode: Text.Wrap
+            horizontalAlignment: Text.AlignHCenter
+        }
         RecordToolbar {
             Layout.alignment: Qt.AlignHCenter
             Layout.topMargin: 14
@@ -73,6 +84,9 @@ FocusScope {
         KeystrokeRow {
             id: keystrokes
             Layout.alignment: Qt.AlignHCenter
+            Layout.fillWidth: true
+            Layout.leftMargin: Theme.margin
+            Layout.rightMargin: Theme.margin
             Layout.bottomMargin: 16
             inputMonitoring: body.inputMonitoring
             showPermissionGranted: body.showPermissionGranted

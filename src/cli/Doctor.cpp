@@ -1,8 +1,9 @@
 #include "cli/Doctor.h"
 
-#include "capture/HelperPath.h"
+#include "app/program/ScreenChoice.h"
+#include "cli/DesktopExamination.h"
 #include "platform/ffmpeg/EncoderChoice.h"
-#include "platform/x11/X11ShareableContent.h"
+#include "platform/qt/QtExecutor.h"
 #include "project/RecordingFolder.h"
 
 #include <fmt/format.h>
@@ -16,37 +17,32 @@ namespace {
 constexpr std::uintmax_t kLittleSpace = std::uintmax_t{1} << 30; // a few minutes of a busy screen
 
 Finding examineScreen() {
-    Finding finding{"screen", false, {}, {}};
-    const auto content = X11ShareableContent().content();
+    QtExecutor main; // nothing is waited for
+    Finding finding{"displays", false, {}, "Nothing can be recorded", {}};
+    const auto content = openScreenSystem(main, nullptr)->content().content();
     if (!content) {
         finding.detail = content.error().description();
-        finding.fix = "Run it inside an X11 session, or set DISPLAY to one";
+        finding.fix = "See \"session\"";
         return finding;
     }
-    finding.works = !content->displays.empty();
     for (const auto& display : content->displays) {
         finding.detail += fmt::format("{}{} {}x{}", finding.detail.empty() ? "" : ", ",
                                       display.name, display.width, display.height);
     }
-    if (!finding.works) {
-        finding.detail = "The X server has no monitor";
-        finding.fix = "Switch a monitor on, for example with xrandr --auto";
+    if (content->displays.empty()) {
+        finding.detail = "There is no display";
+        finding.fix = "Switch a display on in the desktop's settings";
+        return finding;
     }
+    finding.works = true;
+    finding.cost.clear();
     return finding;
 }
 
-Finding examineKeyHelper() {
-    const auto path = helperExecutablePath(runningExecutableFolder());
-    if (path && access(path->c_str(), X_OK) == 0) {
-        return {"keys", true, *path, {}};
-    }
-    return {"keys", false, "The key helper TaviKeys is missing; takes have no key presses",
-            "Install the program again"};
-}
-
 /// One finding for a kind of encoding: the encoder in use, and why not a better one.
-Finding examineEncoder(const std::string& name, const VideoSettings& settings) {
-    Finding finding{name, false, {}, {}};
+Finding examineEncoder(const std::string& name, const VideoSettings& settings,
+                       const std::string& cost) {
+    Finding finding{name, false, {}, {}, {}};
     for (const EncoderTrial& trial : EncoderChoice::shared().report(settings)) {
         if (trial.works && !finding.works) {
             finding.works = true;
@@ -56,6 +52,7 @@ Finding examineEncoder(const std::string& name, const VideoSettings& settings) {
         }
     }
     if (!finding.works) {
+        finding.cost = cost;
         finding.fix = "Install FFmpeg with libx265 (Debian: libavcodec-extra or libavcodec59)";
     }
     return finding;
@@ -75,6 +72,7 @@ Finding examineLibrary() {
     const auto folder = nearestExisting(library);
     if (access(folder.c_str(), W_OK) != 0) {
         return {"library", false, "The folder can't be written: " + folder.string(),
+                "No take can be saved",
                 "Make it writable, or set TAVI_DOCUMENTS_DIR to another place"};
     }
     std::error_code error;
@@ -83,6 +81,7 @@ Finding examineLibrary() {
     return {"library", enough,
             fmt::format("{}, {:.1f} GB free", library.string(),
                         static_cast<double>(space.available) / 1e9),
+            enough ? "" : "A long take may end early",
             enough ? "" : "Free some space: a take grows by up to 150 MB a minute"};
 }
 
@@ -97,8 +96,12 @@ std::vector<Finding> examineMachine() {
     VideoSettings film = live;
     film.bitRate = 10'000'000;
     film.realTime = false;
-    return {examineScreen(), examineKeyHelper(), examineEncoder("recording encoder", live),
-            examineEncoder("export encoder", film), examineLibrary()};
+    auto all = findings(examineDesktop());
+    all.push_back(examineScreen());
+    all.push_back(examineEncoder("recording encoder", live, "Nothing can be recorded"));
+    all.push_back(examineEncoder("export encoder", film, "No film can be made"));
+    all.push_back(examineLibrary());
+    return all;
 }
 
 } // namespace tavi::cli

@@ -4,19 +4,20 @@
 #include "capture/HelperPath.h"
 #include "capture/PosixHelperLauncher.h"
 #include "capture/RecorderLock.h"
+#include "cli/CoreApplication.h"
 #include "cli/Output.h"
 #include "cli/TakeRunner.h"
 #include "platform/ffmpeg/FfmpegImageFiles.h"
 #include "platform/ffmpeg/FfmpegMediaLibrary.h"
 #include "platform/pipewire/PipeWireDevices.h"
 #include "platform/pipewire/PipeWireSessions.h"
+#include "platform/portal/DesktopWakeLocks.h"
 #include "platform/qt/QtExecutor.h"
 #include "platform/qt/QtTimers.h"
 #include "project/RecordingFolder.h"
 #include "render/YuvConverter.h"
 
 #include <CLI/CLI.hpp>
-#include <QCoreApplication>
 
 #include <algorithm>
 #include <memory>
@@ -42,6 +43,7 @@ int recordWith(const TakeOptions& options, CaptureDevices* devices, CaptureSessi
     PosixHelperLauncher launcher;
     SystemClock clock;
     QtTimers timers;
+    DesktopWakeLocks wakeLocks;
     cli::StatusLine line;
     cli::TerminalPanels panels(line);
     std::ostringstream messages; // the runner tells the same, where errors belong
@@ -53,14 +55,17 @@ int recordWith(const TakeOptions& options, CaptureDevices* devices, CaptureSessi
                   media,
                   imageFiles,
                   {pointer->monitors, pointer->location, pointer->images, launcher, clock, main,
-                   nullptr, helperExecutablePath(runningExecutableFolder())},
+                   nullptr, helperExecutablePath(runningExecutableFolder()),
+                   helperArguments(!screen->seesClicks())},
                   &sessions},
          .overlay = {panels, screen->frames(), timers},
          .library = recordingsDirectory,
          .messages = messages,
          .applicationId = "",
          .countdownSeconds = std::max(options.countdown, 1),
-         .consent = screen->consent()});
+         .consent = screen->consent(),
+         .wakeLocks = &wakeLocks,
+         .cursorMode = screen->cursorMode()});
     return cli::TakeRunner({model, screen->content(), devices, timers, stopSignals, line}, options)
         .run();
 }
@@ -75,10 +80,7 @@ int record(const TakeOptions& options) {
     if (!lock) {
         return cli::failed(lock.error().description());
     }
-    int argumentCount = 1;
-    char name[] = "tavi";
-    char* arguments[] = {name, nullptr};
-    const QCoreApplication application(argumentCount, arguments);
+    const cli::CoreApplication application;
     QtExecutor main;
     PipeWireSessions sessions;
     if (options.devices.isEmpty()) {

@@ -2,6 +2,7 @@
 
 #include "app/program/ScreenChoice.h"
 #include "capture/OfferedWindows.h"
+#include "cli/CoreApplication.h"
 #include "cli/Output.h"
 #include "platform/pipewire/PipeWireDevices.h"
 #include "platform/qt/QtExecutor.h"
@@ -114,6 +115,7 @@ void printTable(const ShareableContent& content, const Devices& devices) {
 }
 
 int listSources(bool asJson) {
+    const cli::CoreApplication application;
     QtExecutor main; // nothing is waited for
     const auto screen = openScreenSystem(main, nullptr);
     auto content = screen->content().content();

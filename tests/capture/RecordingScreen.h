@@ -11,6 +11,7 @@
 #include "fakes/FakeScreen.h"
 #include "fakes/FakeSources.h"
 #include "fakes/FakeTimers.h"
+#include "fakes/FakeWakeLocks.h"
 #include "platform/qt/QtExecutor.h"
 #include "project/RecordingMetadataJson.h"
 #include "support/RunLoop.h"
@@ -52,7 +53,10 @@ protected:
             {panels, frames, timers},
             [this] { return library.path(); },
             messages,
-            "tavlin"});
+            "tavlin",
+            CountdownOverlayService::kStartValue,
+            nullptr,
+            &wakeLocks});
     }
 
     /// Runs a task to its end.
@@ -120,6 +124,7 @@ protected:
     FakeOverlayPanels panels{&log};
     FakeSourceFrames frames;
     FakeTimers timers;
+    FakeWakeLocks wakeLocks;
     FakeClock clock;
     QtExecutor main;
     std::ostringstream messages;

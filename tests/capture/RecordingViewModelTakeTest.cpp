@@ -262,6 +262,27 @@ TEST_F(RecordingTake, firstFrameThatNeverComesGivesTheDateOfTheStopAndNoDuration
     EXPECT_EQ(metadata.duration, 0);
 }
 
+TEST_F(RecordingTake, keepsTheSessionAwakeFromItsStartToItsEnd) {
+    load();
+    EXPECT_EQ(wakeLocks.acquired, 0);
+    startTake();
+    EXPECT_EQ(wakeLocks.held, 1);
+    EXPECT_EQ(wakeLocks.lastReason, "A recording is running");
+    stop();
+    EXPECT_EQ(wakeLocks.held, 0);
+    startTake();
+    model.reset();
+    EXPECT_EQ(wakeLocks.acquired, 2);
+    EXPECT_EQ(wakeLocks.held, 0) << "of a model that is gone";
+}
+
+TEST_F(RecordingTake, thatCannotStartKeepsNobodyAwake) {
+    load();
+    screen.startError = CaptureError{CaptureError::Kind::connectionLost, ""};
+    run(model->startRecording());
+    EXPECT_EQ(wakeLocks.acquired, 0);
+}
+
 TEST_F(RecordingTake, stopWithoutATakeDoesNothing) {
     newCalls();
     EXPECT_EQ(run(model->stopRecording()), std::nullopt);

@@ -2,6 +2,7 @@
 
 #include "app/program/ScreenChoice.h"
 #include "capture/HelperPath.h"
+#include "capture/InputAccess.h"
 #include "capture/TakeRecovery.h"
 #include "platform/x11/X11Compositor.h"
 #include "project/RecordingFolder.h"
@@ -9,6 +10,7 @@
 #include "ui/Icon.h"
 
 #include <QColor>
+#include <QGuiApplication>
 #include <QPixmap>
 #include <QStandardPaths>
 
@@ -44,6 +46,11 @@ QIcon recordingIcon(const std::string& symbolName) {
     return icon;
 }
 
+/// Wayland's compositors always are; what runs below one has an X server too.
+bool isSeeThrough() {
+    return QGuiApplication::platformName() == QLatin1String("wayland") || isX11Composited();
+}
+
 /// Shows finished films in the desktop's file manager.
 class WorkspaceViewer final : public FileViewer {
 public:
@@ -61,7 +68,7 @@ LiveSystem::LiveSystem(QQmlEngine& engine)
       m_package(readPackageConfiguration(m_packageFolder)),
       m_workspace(m_packageFolder / "help"),
       m_statusItems(recordingIcon),
-      m_panels(engine, [] { return isX11Composited(); }),
+      m_panels(engine, &m_surfaces, isSeeThrough),
       m_defaults(SettingsDefaults::standardFile()),
       m_colours(std::make_shared<YuvConverter>()),
       m_screen(openScreenSystem(m_main, m_colours)),
@@ -73,7 +80,8 @@ LiveSystem::LiveSystem(QQmlEngine& engine)
       m_inputMonitoring({m_launcher, m_timers, m_main,
                          [] { return helperExecutablePath(runningExecutableFolder()); },
                          processExists,
-                         [this](const std::string& url) { m_workspace.openUrl(url); }}) {}
+                         [this](const std::string& url) { m_workspace.openUrl(url); },
+                         m_screen->seesClicks() ? std::string() : inputAccessAdvice().command}) {}
 
 TaviAppPorts LiveSystem::ports() {
     return {{m_permission,
@@ -115,14 +123,17 @@ std::unique_ptr<RecordingViewModel> LiveSystem::makeRecording() {
          m_media,
          m_imageFiles,
          {pointer->monitors, pointer->location, pointer->images, m_launcher, m_clock, m_main,
-          &m_inputMonitoring, helperExecutablePath(runningExecutableFolder())},
+          &m_inputMonitoring, helperExecutablePath(runningExecutableFolder()),
+          helperArguments(!m_screen->seesClicks())},
          &m_sessions},
         {m_panels, m_screen->frames(), m_timers},
         [] { return recordingsDirectory(); },
         std::cout,
         "tavlin",
         CountdownOverlayService::kStartValue,
-        m_screen->consent()});
+        m_screen->consent(),
+        &m_wakeLocks,
+        m_screen->cursorMode()});
 }
 
 std::unique_ptr<EditorScreenViewModel> LiveSystem::makeEditor(const std::filesystem::path& folder) {

@@ -20,8 +20,10 @@
 #include "platform/pipewire/PipeWireDevices.h"
 #include "platform/pipewire/PipeWireSessions.h"
 #include "platform/pipewire/PipeWireSoundOutputs.h"
+#include "platform/portal/DesktopWakeLocks.h"
 #include "platform/qt/QtExecutor.h"
 #include "platform/qt/QtTimers.h"
+#include "platform/wayland/LayerSurfaces.h"
 
 #include <filesystem>
 #include <memory>
@@ -52,8 +54,10 @@ private:
     DesktopWorkspace m_workspace;
     QtApplicationWindows m_windows;
     TrayStatusItems m_statusItems;
+    LayerSurfaces m_surfaces;
     CountdownPanels m_panels;
     SettingsDefaults m_defaults;
+    DesktopWakeLocks m_wakeLocks;
     HttpDownloads m_downloads;
     OpenSslSignatures m_signatures;
 

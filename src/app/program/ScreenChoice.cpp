@@ -3,6 +3,7 @@
 #include "platform/portal/PortalScreenSystem.h"
 #include "platform/portal/RestoreTokens.h"
 #include "platform/portal/WaylandSession.h"
+#include "platform/wayland/WaylandOutputs.h"
 #include "platform/x11/DesktopArrow.h"
 #include "platform/x11/X11ScreenSystem.h"
 
@@ -13,8 +14,8 @@ namespace tavi {
 std::unique_ptr<ScreenSystem> openScreenSystem(Executor& main,
                                                std::shared_ptr<const ColorConverter> colours) {
     if (isWaylandSession()) {
-        if (auto portal = PortalScreenSystem::open(
-                {main, std::move(colours), desktopArrowCursor, restoreTokenFile()})) {
+        if (auto portal = PortalScreenSystem::open({main, std::move(colours), desktopArrowCursor,
+                                                    restoreTokenFile(), waylandDisplays})) {
             return portal;
         }
     }

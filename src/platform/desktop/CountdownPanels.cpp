@@ -1,12 +1,11 @@
 #include "platform/desktop/CountdownPanels.h"
 
+#include "platform/desktop/CountdownView.h"
 #include "platform/desktop/ScreenGeometry.h"
+#include "platform/desktop/SurfacePanel.h"
 
 #include <QBitmap>
 #include <QPainter>
-#include <QPainterPath>
-#include <QQmlComponent>
-#include <QQmlEngine>
 #include <QQuickItem>
 #include <QQuickWindow>
 
@@ -69,12 +68,8 @@ public:
 
 private:
     void addView(QQmlEngine& engine, int value) {
-        QQmlComponent component(
-            &engine, QUrl(QStringLiteral("qrc:/qt/qml/Tavi/Capture/CountdownOverlayView.qml")));
-        m_view.reset(qobject_cast<QQuickItem*>(
-            component.createWithInitialProperties({{QStringLiteral("value"), value}})));
+        m_view = makeCountdownView(engine, value);
         if (!m_view) {
-            qWarning("The countdown can't be shown: %s", qPrintable(component.errorString()));
             return;
         }
         m_view->setParentItem(m_window.contentItem());
@@ -92,11 +87,18 @@ private:
 
 } // namespace
 
-CountdownPanels::CountdownPanels(QQmlEngine& engine, std::function<bool()> isSeeThrough)
+CountdownPanels::CountdownPanels(QQmlEngine& engine, OverlaySurfaces* surfaces,
+                                 std::function<bool()> isSeeThrough)
     : m_engine(engine),
+      m_surfaces(surfaces),
       m_isSeeThrough(std::move(isSeeThrough)) {}
 
 std::unique_ptr<OverlayPanel> CountdownPanels::makePanel(const Rect& frame, int value) {
+    if (m_surfaces != nullptr) {
+        if (auto panel = SurfacePanel::make(m_engine, *m_surfaces, frame, value)) {
+            return panel;
+        }
+    }
     return std::make_unique<Panel>(m_engine, m_isSeeThrough(), frame, value);
 }
 

@@ -19,7 +19,10 @@ Result<ShareableContent, CaptureError> PortalContent::content() {
     }
     const Rect usual{0, 0, kUsualWidth, kUsualHeight};
     ShareableContent content;
-    if (facts->canShow(ScreenCastFacts::monitor)) {
+    if (facts->canShow(ScreenCastFacts::monitor) && m_displays) {
+        content.displays = m_displays();
+    }
+    if (facts->canShow(ScreenCastFacts::monitor) && content.displays.empty()) {
         content.displays.push_back({kChosenDisplay, "chosen in the desktop's dialog", kUsualWidth,
                                     kUsualHeight, usual, true});
     }

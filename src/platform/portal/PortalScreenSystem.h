@@ -21,6 +21,7 @@ public:
         std::shared_ptr<const ColorConverter> colours;
         PortalPointer::Arrow arrow;
         std::filesystem::path tokenFile; ///< See RestoreTokens.
+        PortalContent::Displays displays = {};
     };
 
     /// Null where no ScreenCast portal answers on the session bus. Blocks for some seconds at most.
@@ -35,6 +36,7 @@ public:
         return Pointer{m_pointer, m_pointer, m_pointer};
     }
     CursorMode cursorMode() const override { return m_facts.cursorMode(); }
+    bool seesClicks() const override { return false; }
 
     const ScreenCastFacts& facts() const { return m_facts; }
 

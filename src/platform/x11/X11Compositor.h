@@ -8,4 +8,7 @@ namespace tavi {
 /// Any thread.
 bool isX11Composited(const std::string& displayName = {});
 
+/// True when a panel has a tray of the older kind, whose items are windows. Any thread.
+bool hasX11Tray(const std::string& displayName = {});
+
 } // namespace tavi

@@ -23,6 +23,7 @@ public:
     SourceConsent* consent() override { return nullptr; }
     Result<Pointer, CaptureError> pointer() override;
     CursorMode cursorMode() const override { return CursorMode::metadata; }
+    bool seesClicks() const override { return true; }
 
 private:
     X11ShareableContent m_content;

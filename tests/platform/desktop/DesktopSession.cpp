@@ -1,8 +1,6 @@
 #include "platform/desktop/DesktopSession.h"
 
 #include <QCoreApplication>
-#include <QDBusMessage>
-#include <QElapsedTimer>
 #include <gtest/gtest.h>
 
 #include <utility>
@@ -27,53 +25,6 @@ void end(QProcess& process) {
 }
 
 } // namespace
-
-bool waitPatiently(const std::function<bool()>& condition) {
-    constexpr int kPatience = 60'000; // milliseconds
-    QElapsedTimer timer;
-    timer.start();
-    while (!condition()) {
-        if (timer.elapsed() > kPatience) {
-            return false;
-        }
-        QCoreApplication::processEvents(QEventLoop::AllEvents | QEventLoop::WaitForMoreEvents, 100);
-    }
-    return true;
-}
-
-FakeDesktopService::FakeDesktopService(QDBusConnection bus, const QString& name,
-                                       const QString& path, QString introspection, Answer answer)
-    : m_bus(std::move(bus)),
-      m_name(name),
-      m_path(path),
-      m_introspection(std::move(introspection)),
-      m_answer(std::move(answer)) {
-    EXPECT_TRUE(m_bus.registerVirtualObject(path, this));
-    EXPECT_TRUE(m_bus.registerService(name));
-}
-
-FakeDesktopService::~FakeDesktopService() {
-    m_bus.unregisterService(m_name);
-    m_bus.unregisterObject(m_path);
-}
-
-bool FakeDesktopService::handleMessage(const QDBusMessage& message, const QDBusConnection& bus) {
-    if (message.interface() == QLatin1String("org.freedesktop.DBus.Introspectable")) {
-        return false; // answered by introspect()
-    }
-    m_calls.push_back(message);
-    bus.send(message.createReply(m_answer(message)));
-    return true;
-}
-
-QDBusMessage FakeDesktopService::lastCall(const QString& method) const {
-    for (auto call = m_calls.rbegin(); call != m_calls.rend(); ++call) {
-        if (call->member() == method) {
-            return *call;
-        }
-    }
-    return {};
-}
 
 DesktopSession::DesktopSession() {
     const QString address =

@@ -1,10 +1,10 @@
 #pragma once
 
 #include "platform/x11/XTestServer.h"
+#include "support/PrivateBus.h"
 #include "support/TemporaryFolder.h"
 
 #include <QDBusConnection>
-#include <QDBusVirtualObject>
 #include <QProcess>
 
 #include <functional>
@@ -13,31 +13,6 @@
 #include <vector>
 
 namespace tavi::test {
-
-/// A service of a desktop, on the session's bus: notes the calls and answers them.
-class FakeDesktopService final : public QDBusVirtualObject {
-public:
-    using Answer = std::function<QVariantList(const QDBusMessage&)>;
-
-    /// `introspection` tells the interfaces at `path`.
-    FakeDesktopService(QDBusConnection bus, const QString& name, const QString& path,
-                       QString introspection, Answer answer);
-    ~FakeDesktopService() override;
-
-    QString introspect(const QString&) const override { return m_introspection; }
-    bool handleMessage(const QDBusMessage& message, const QDBusConnection& bus) override;
-
-    /// The last call of a method; of no type where none came.
-    QDBusMessage lastCall(const QString& method) const;
-
-private:
-    QDBusConnection m_bus;
-    QString m_name;
-    QString m_path;
-    QString m_introspection;
-    Answer m_answer;
-    std::vector<QDBusMessage> m_calls;
-};
 
 /// A desktop of its own: an X server with a window manager, a session bus and private folders, and
 /// the application in it.
@@ -78,8 +53,5 @@ private:
     QProcess m_application;
     QDBusConnection m_bus{QString()};
 };
-
-/// Runs the main loop until `condition` holds; false after a minute without.
-bool waitPatiently(const std::function<bool()>& condition);
 
 } // namespace tavi::test

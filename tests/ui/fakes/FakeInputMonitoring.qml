@@ -2,6 +2,7 @@ import QtQuick
 
 QtObject {
     property bool isGranted: false
+    property string accessCommand: ""
     property var calls: []
 
     function startProbe() {

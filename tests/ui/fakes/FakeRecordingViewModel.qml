@@ -17,10 +17,12 @@ QtObject {
     readonly property bool isCameraAvailable: availableCameras.length > 0
     property bool isRecording: false
     property bool isCountingDown: false
+    property bool isAsking: false
     property bool isStarting: false
     property bool isStopping: false
     property int countdownValue: 0
     property double elapsedTime: 0
+    property string pointerWarning: ""
     property string failureText: ""
     property string interruptionText: ""
     property var calls: []

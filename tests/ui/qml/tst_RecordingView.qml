@@ -45,7 +45,8 @@ Item {
             take.selectedWindowIndex = 0
             take.selectedMicrophoneIndex = 0
             take.selectedCameraIndex = 0
-            take.isRecording = take.isCountingDown = false
+            take.isRecording = take.isCountingDown = take.isAsking = false
+            take.pointerWarning = monitoring.accessCommand = ""
             take.elapsedTime = 0
             settings.defaultCameraEnabled = false
             settings.defaultAudioEnabled = true
@@ -205,6 +206,25 @@ Item {
             verify(text("Enable Input Monitoring to capture keystrokes") !== null)
             mouseClick(named("Open Settings"))
             verify(monitoring.calls.includes("openInputMonitoringSettings"))
+        }
+        function test_theCommandThatAllowsKeysIsToldWithItsRisk() {
+            monitoring.accessCommand = "sudo usermod -aG input \"$USER\""
+            const told = text("Until then a take has no clicks, no scrolling and no keys. To allow it: sudo usermod -aG input \"$USER\", then log out and in again. Every program that you run can then read what you type, passwords included.")
+            verify(told !== null)
+            monitoring.isGranted = true
+            verify(!told.visible)
+        }
+        function test_whatADesktopKeepsOfThePointerIsToldBeforeTheTake() {
+            take.pointerWarning = "This desktop paints the pointer into the picture."
+            verify(text("This desktop paints the pointer into the picture.") !== null)
+        }
+        function test_theDesktopsQuestionIsToldWhileItIsOpen() {
+            take.isCountingDown = true
+            take.isAsking = true
+            verify(text("Choose in the desktop's dialog") !== null)
+            take.isAsking = false
+            take.countdownValue = 4
+            compare(text("Choose in the desktop's dialog"), null)
         }
         function test_theKeystrokeRowTellsTheGrantAndGoes() {
             monitoring.isGranted = true
