@@ -8,7 +8,7 @@ find_package(Qt6 6.4 REQUIRED COMPONENTS Core DBus Gui LinguistTools Network Qml
 find_package(QCoro6 0.8 REQUIRED COMPONENTS Coro)
 
 pkg_check_modules(FFMPEG REQUIRED IMPORTED_TARGET libavformat>=59 libavcodec>=59 libavutil>=57 libswscale>=6 libswresample>=4)
-pkg_check_modules(XCB REQUIRED IMPORTED_TARGET xcb xcb-shm xcb-randr xcb-xfixes xcb-composite xcb-damage xcb-xinput xcb-ewmh)
+pkg_check_modules(XCB REQUIRED IMPORTED_TARGET xcb xcb-shm xcb-shape xcb-randr xcb-xfixes xcb-composite xcb-damage xcb-xinput xcb-ewmh)
 pkg_check_modules(XKB REQUIRED IMPORTED_TARGET xkbcommon xkbcommon-x11 xcb-xkb)
 pkg_check_modules(LIBINPUT REQUIRED IMPORTED_TARGET libinput>=1.22 libudev)
 pkg_check_modules(WAYLAND REQUIRED IMPORTED_TARGET wayland-client>=1.20)

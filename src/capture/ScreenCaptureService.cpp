@@ -33,7 +33,9 @@ ScreenCaptureService::startCapture(const ScreenFilter& filter, int width, int he
                                    const ScreenCaptureOptions& options) {
     width = roundedUpToEven(width);
     height = roundedUpToEven(height);
-    auto started = startWriter(width, height, outputURL, options);
+    ScreenCaptureOptions possible = options;
+    possible.alpha = options.alpha && m_streams.hasAlpha(filter);
+    auto started = startWriter(width, height, outputURL, possible);
     if (started) {
         started = startStream(filter, width, height);
     }
@@ -69,7 +71,8 @@ Result<void, CaptureError> ScreenCaptureService::addInputs(AssetWriter& writer, 
                                              .height = height,
                                              .bitRate = kAverageBitRate,
                                              .expectedFrameRate = kExpectedFrameRate,
-                                             .realTime = true});
+                                             .realTime = true,
+                                             .hasAlpha = options.alpha});
     if (!video) {
         return fail(writerError(video.error()));
     }

@@ -16,8 +16,8 @@ namespace tavi {
 
 /// What a take's video is to hold besides opaque pictures.
 struct ScreenCaptureOptions {
-    /// The source has transparent parts (a window). They are recorded opaque all the same: no
-    /// codec of the writer takes alpha.
+    /// The source may have transparent parts (a window). Where it has, the video has a track of
+    /// their alpha.
     bool alpha = false;
     /// A track of sound; absent: none. It is always a live one.
     std::optional<AudioSettings> audioSettings;

@@ -80,6 +80,10 @@ class ScreenStreams {
 public:
     virtual ~ScreenStreams() = default;
 
+    /// Whether pictures of the source have an alpha channel: it is a window with transparent
+    /// parts. Asked before its stream is made.
+    virtual bool hasAlpha(const ScreenFilter&) { return false; }
+
     virtual Result<std::unique_ptr<ScreenStream>, CaptureError>
     makeStream(const ScreenFilter& filter, const ScreenStreamConfiguration& configuration) = 0;
 };

@@ -33,6 +33,8 @@ struct VideoSettings {
     /// True for a film to look at once: the encoder's quickest way, which needs more
     /// bits for the same picture.
     bool isDraft = false;
+    /// True to keep the pictures' alpha, in a second track that players don't show by themselves.
+    bool hasAlpha = false;
 };
 
 /// What one track of sound (AAC) is to be.
@@ -53,7 +55,8 @@ class VideoWriterInput {
 public:
     virtual ~VideoWriterInput() = default;
 
-    /// True while the queue has room. False also after a failure: nothing more is taken.
+    /// True while the queue has room; for a live source also only while what is in it will be
+    /// encoded soon. False also after a failure: nothing more is taken.
     virtual bool isReadyForMoreMediaData() const = 0;
 
     /// Queues one picture of the track's size; returns at once. False (and the

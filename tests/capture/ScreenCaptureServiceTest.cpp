@@ -117,11 +117,27 @@ TEST_F(ScreenCaptureServiceTest, failedStreamTakesTheSoundsWayBack) {
     EXPECT_EQ(service.audioWriterInput(), nullptr);
 }
 
-TEST_F(ScreenCaptureServiceTest, sourceWithAlphaIsRecordedOpaque) {
-    ASSERT_TRUE(service.startCapture(ScreenFilter{7}, 64, 64, "/takes/video.mov", {.alpha = true}));
+struct AlphaCase {
+    bool isWanted;
+    bool isThere;
+    bool isRecorded;
+};
+
+class ScreenCaptureServiceAlpha : public ScreenCaptureServiceTest,
+                                  public testing::WithParamInterface<AlphaCase> {};
+
+TEST_P(ScreenCaptureServiceAlpha, isRecordedWhereItIsWantedAndThere) {
+    screen.givesAlpha = GetParam().isThere;
+    ASSERT_TRUE(service.startCapture(ScreenFilter::window(7), 64, 64, "/takes/video.mov",
+                                     {.alpha = GetParam().isWanted}));
+    EXPECT_EQ(media.lastSettings.hasAlpha, GetParam().isRecorded);
     EXPECT_EQ(media.lastSettings.codec, VideoCodec::hevc);
     EXPECT_THAT(media.calls(), ElementsAre("makeWriter", "addVideoInput", "startWriting"));
 }
+
+INSTANTIATE_TEST_SUITE_P(Sources, ScreenCaptureServiceAlpha,
+                         testing::Values(AlphaCase{true, true, true}, AlphaCase{true, false, false},
+                                         AlphaCase{false, true, false}));
 
 TEST_F(ScreenCaptureServiceTest, frameThatComesWhileTheStreamStartsCounts) {
     screen.sendsFirstPictureAtStart = true;

@@ -14,6 +14,8 @@ class FakeScreenStreams final : public ScreenStreams {
 public:
     explicit FakeScreenStreams(CallLog* log = nullptr) : m_log(log != nullptr ? *log : m_ownLog) {}
 
+    bool hasAlpha(const ScreenFilter&) override { return givesAlpha; }
+
     Result<std::unique_ptr<ScreenStream>, CaptureError>
     makeStream(const ScreenFilter& filter, const ScreenStreamConfiguration& config) override {
         m_log.note("makeStream");
@@ -57,6 +59,7 @@ public:
     std::optional<CaptureError> startError;
     std::optional<CaptureError> stopError;
     std::optional<CaptureError> failure;
+    bool givesAlpha = false;
     bool sendsFirstPictureAtStart = false;
     /// Runs inside stopCapture(), before it returns.
     std::function<void()> whileStopping;

@@ -85,7 +85,7 @@ const EncoderTrial& EncoderChoice::trial(const EncoderKind& kind, const VideoSet
 
 Result<std::unique_ptr<VideoEncoder>, MediaError>
 EncoderChoice::open(const VideoSettings& settings, int timescale,
-                    const std::shared_ptr<const ColorConverter>& colours) {
+                    const std::shared_ptr<const ColorConverter>& colours, PictureContent content) {
     std::string reason = "none is known";
     for (const EncoderKind& kind : encoderKinds(settings.codec)) {
         const EncoderTrial& tried = trial(kind, settings);
@@ -93,7 +93,7 @@ EncoderChoice::open(const VideoSettings& settings, int timescale,
             reason = tried.name + ": " + tried.reason;
             continue;
         }
-        auto encoder = VideoEncoder::open(kind, settings, timescale, colours);
+        auto encoder = VideoEncoder::open(kind, settings, timescale, colours, content);
         if (encoder) {
             return std::move(*encoder);
         }

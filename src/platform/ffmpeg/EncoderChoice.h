@@ -36,7 +36,8 @@ public:
     /// Errors: noEncoder, with the reason of the last one tried.
     Result<std::unique_ptr<VideoEncoder>, MediaError>
     open(const VideoSettings& settings, int timescale,
-         const std::shared_ptr<const ColorConverter>& colours);
+         const std::shared_ptr<const ColorConverter>& colours,
+         PictureContent content = PictureContent::colours);
 
     /// The result of every encoder that is known for the codec, in the order of
     /// preference, each of them tried.

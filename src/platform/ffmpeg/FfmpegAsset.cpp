@@ -1,5 +1,6 @@
 #include "platform/ffmpeg/FfmpegAsset.h"
 
+#include "platform/ffmpeg/AlphaPlane.h"
 #include "platform/ffmpeg/FfmpegErrors.h"
 #include "platform/ffmpeg/MovieHeader.h"
 
@@ -11,6 +12,7 @@ extern "C" {
 #include <cerrno>
 #include <cstring>
 #include <unistd.h>
+#include <utility>
 
 namespace tavi {
 
@@ -51,11 +53,6 @@ std::string refusalReason(const fs::path& path, int code) {
         return "it has no index: it was cut short or is still being written";
     }
     return code == AVERROR(EINVAL) ? "its format is not supported" : ffmpegReason(code);
-}
-
-bool isPicture(const AVStream& stream) {
-    return stream.codecpar->codec_type == AVMEDIA_TYPE_VIDEO &&
-           !(stream.disposition & AV_DISPOSITION_ATTACHED_PIC);
 }
 
 bool isIncomplete(const AVFormatContext& input) {
@@ -137,8 +134,12 @@ Asset describeAsset(const fs::path& path, const AVFormatContext& input) {
     if (asset.duration.value == 0) {
         asset.duration = durationFromTracks(input);
     }
+    const auto alpha = alphaTrackOf(input);
     for (unsigned i = 0; i < input.nb_streams; ++i) {
         const AVCodecParameters& codec = *input.streams[i]->codecpar;
+        if (std::cmp_equal(i, alpha.value_or(-1))) {
+            continue; // Part of the pictures of another.
+        }
         if (isPicture(*input.streams[i])) {
             const Size size{static_cast<double>(codec.width), static_cast<double>(codec.height)};
             asset.videoTracks.push_back({static_cast<int>(i), size, trackEnd(*input.streams[i])});

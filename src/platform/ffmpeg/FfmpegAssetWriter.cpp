@@ -8,6 +8,13 @@
 
 namespace tavi {
 
+namespace {
+
+/// Alpha is plain for the most part; of the bits of the colours it needs one in so many.
+constexpr int kAlphaShare = 4;
+
+} // namespace
+
 FfmpegAssetWriter::FfmpegAssetWriter(std::filesystem::path path, FileType type,
                                      EncoderChoice& encoders,
                                      std::shared_ptr<const ColorConverter> colours)
@@ -24,7 +31,23 @@ FfmpegAssetWriter::~FfmpegAssetWriter() {
 Result<VideoWriterInput*, MediaError>
 FfmpegAssetWriter::addVideoInput(const VideoSettings& settings) {
     assert(status() == AssetWriterStatus::unknown);
-    auto encoder = m_encoders.open(settings, m_timescale, m_colours);
+    const auto colours = addTrack(settings, PictureContent::colours);
+    if (!colours || !settings.hasAlpha) {
+        return colours;
+    }
+    VideoSettings alphaSettings = settings;
+    alphaSettings.bitRate /= kAlphaShare;
+    const auto alpha = addTrack(alphaSettings, PictureContent::alpha);
+    if (!alpha) {
+        return fail(alpha.error());
+    }
+    m_pairs.push_back(std::make_unique<AlphaVideoInput>(**colours, **alpha));
+    return m_pairs.back().get();
+}
+
+Result<FfmpegVideoInput*, MediaError> FfmpegAssetWriter::addTrack(const VideoSettings& settings,
+                                                                  PictureContent content) {
+    auto encoder = m_encoders.open(settings, m_timescale, m_colours, content);
     if (!encoder) {
         return fail(mediaError(encoder.error().kind, m_path, encoder.error().reason));
     }

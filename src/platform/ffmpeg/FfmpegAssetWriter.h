@@ -1,6 +1,7 @@
 #pragma once
 
 #include "media/AssetWriter.h"
+#include "platform/ffmpeg/AlphaVideoInput.h"
 #include "platform/ffmpeg/EncoderChoice.h"
 #include "platform/ffmpeg/FfmpegAudioInput.h"
 #include "platform/ffmpeg/FfmpegVideoInput.h"
@@ -33,6 +34,8 @@ public:
     std::string encoderName() const override;
 
 private:
+    Result<FfmpegVideoInput*, MediaError> addTrack(const VideoSettings& settings,
+                                                   PictureContent content);
     Result<void, MediaError> completeFile();
     std::optional<double> picturesEnd() const;
     void drainInputs();
@@ -44,7 +47,8 @@ private:
     WriterState m_state;
     MovieFile m_file;
     std::vector<std::unique_ptr<FfmpegVideoInput>>
-        m_inputs; ///< Their threads use all of the above.
+        m_inputs;                                          ///< Their threads use all of the above.
+    std::vector<std::unique_ptr<AlphaVideoInput>> m_pairs; ///< Of inputs in m_inputs.
     std::vector<std::unique_ptr<FfmpegAudioInput>> m_sounds; ///< The same; they ask m_inputs.
     std::optional<MediaTime> m_sessionStart;
     std::optional<MediaTime> m_sessionEnd;

@@ -1,5 +1,6 @@
 #include "platform/ffmpeg/FfmpegVideoInput.h"
 
+#include "platform/ffmpeg/AlphaPlane.h"
 #include "platform/ffmpeg/FfmpegErrors.h"
 
 #include <algorithm>
@@ -17,13 +18,16 @@ constexpr std::size_t kQueueBytes = std::size_t{96} << 20;
 constexpr std::size_t kShortestQueue = 3;
 constexpr std::size_t kLongestQueue = 12;
 
-/// What a live source may have waiting for the encoder, in time that its encoding will take at
-/// the pace of late: whoever stops a take waits for that. On a busy machine
-/// pictures are dropped sooner.
-constexpr std::chrono::milliseconds kLongestQueueTime{300};
+/// What a live source may have inside the encoder and in front of it, in time that its encoding
+/// will take at the pace of late: whoever stops a take waits for that. On a
+/// busy machine pictures are dropped sooner.
+constexpr std::chrono::milliseconds kLongestQueueTime{400};
 
 /// How much of the pace is that of the last picture.
 constexpr int kPaceShare = 4;
+
+/// Until the pace is known.
+constexpr std::chrono::milliseconds kFirstPace{100};
 
 /// Offline there is nothing to sit out: enough that the two sides overlap.
 constexpr std::size_t kOfflineQueue = 3;
@@ -36,6 +40,10 @@ constexpr std::chrono::milliseconds kFlushCheck{200};
 
 /// Pictures that callers draw into: the next one, and one that others still look at.
 constexpr std::size_t kMostKept = 2;
+
+const char* trackName(const VideoEncoder& encoder) {
+    return encoder.content() == PictureContent::alpha ? kAlphaTrackName : nullptr;
+}
 
 std::size_t queueCapacity(const VideoSettings& settings) {
     if (!settings.realTime) {
@@ -57,31 +65,37 @@ FfmpegVideoInput::FfmpegVideoInput(const VideoSettings& settings,
       m_timescale(timescale),
       m_state(state),
       m_target(std::move(target)),
-      m_track(file.addTrack(m_encoder->context(), settings.expectedFrameRate)),
+      m_track(
+          file.addTrack(m_encoder->context(), settings.expectedFrameRate, trackName(*m_encoder))),
       m_capacity(queueCapacity(settings)),
-      m_pool(settings.width, settings.height, kMostKept) {}
+      m_pool(settings.width, settings.height, kMostKept),
+      m_pictureTime(kFirstPace) {}
 
 FfmpegVideoInput::~FfmpegVideoInput() {
     stop();
 }
 
-/// Pictures that may wait now.
-std::size_t FfmpegVideoInput::capacity() const {
-    if (!m_settings.realTime || m_pictureTime.count() <= 0) {
-        return m_capacity;
+/// Whether what waits and one more picture are encoded soon enough; an encoder that has nothing to
+/// do always gets one.
+bool FfmpegVideoInput::isInTime() const {
+    if (!m_settings.realTime || (m_queue.empty() && !m_encodingSince)) {
+        return true;
     }
-    const auto inTime =
-        static_cast<std::size_t>(Clock::duration(kLongestQueueTime) / m_pictureTime);
-    return std::clamp<std::size_t>(inTime, 1, m_capacity);
+    Clock::duration pace = m_pictureTime;
+    if (m_encodingSince) { // The one inside may take longer than any before it.
+        pace = std::max(pace, Clock::now() - *m_encodingSince);
+    }
+    const auto pictures = static_cast<int>(m_queue.size()) + (m_encodingSince ? 2 : 1);
+    return pace * pictures <= Clock::duration(kLongestQueueTime);
 }
 
 bool FfmpegVideoInput::hasRoom() const {
-    return m_state.isWriting() && !m_isFinished && m_queue.size() < capacity();
+    return m_state.isWriting() && !m_isFinished && m_queue.size() < m_capacity;
 }
 
 bool FfmpegVideoInput::isReadyForMoreMediaData() const {
     const std::lock_guard lock(m_mutex);
-    return hasRoom();
+    return hasRoom() && isInTime();
 }
 
 bool FfmpegVideoInput::takesPictureAt(MediaTime time) const {
@@ -98,12 +112,29 @@ bool FfmpegVideoInput::append(PixelBufferPtr image, MediaTime time) {
     if (!isOfSize || !takesPictureAt(time)) {
         return false;
     }
-    m_last = m_encoder->convert(*image);
-    if (!m_last) {
+    FrameHandle picture = m_encoder->convert(*image);
+    if (!picture) {
         checkEncode(AVERROR(ENOMEM));
         return false;
     }
+    if (lastsOn(picture, time)) {
+        return true;
+    }
+    m_last = std::move(picture);
     return enqueueLast(time);
+}
+
+/// Whether the alpha is what it was: then the track needs no picture, and the encoder is not
+/// troubled.
+bool FfmpegVideoInput::lastsOn(const FrameHandle& picture, MediaTime time) {
+    if (m_encoder->content() != PictureContent::alpha || !m_last ||
+        !isSameAlpha(*m_last, *picture)) {
+        return false;
+    }
+    const std::lock_guard lock(m_mutex);
+    m_lastTime = time;
+    m_lastAppend = Clock::now();
+    return true;
 }
 
 bool FfmpegVideoInput::appendRepeat(MediaTime time) {
@@ -195,15 +226,15 @@ bool FfmpegVideoInput::waitForPicture(Picture& picture) {
     }
     picture = std::move(m_queue.front());
     m_queue.pop_front();
+    m_encodingSince = Clock::now();
     return true;
 }
 
 void FfmpegVideoInput::encode(Picture& picture, const VideoEncoder::Sink& sink) {
-    const Clock::time_point before = Clock::now();
     checkEncode(m_encoder->encode(*picture.frame, picture.ticks, sink));
-    const Clock::duration took = Clock::now() - before;
     const std::lock_guard lock(m_mutex);
-    m_pictureTime += (took - m_pictureTime) / kPaceShare;
+    m_pictureTime += (Clock::now() - *m_encodingSince - m_pictureTime) / kPaceShare;
+    m_encodingSince.reset();
 }
 
 void FfmpegVideoInput::run() {

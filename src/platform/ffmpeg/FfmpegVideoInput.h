@@ -10,6 +10,7 @@
 #include <condition_variable>
 #include <deque>
 #include <mutex>
+#include <optional>
 #include <thread>
 
 namespace tavi {
@@ -57,9 +58,10 @@ private:
         std::int64_t ticks = 0;
     };
 
-    std::size_t capacity() const;
+    bool isInTime() const;
     bool hasRoom() const;
     bool takesPictureAt(MediaTime time) const;
+    bool lastsOn(const FrameHandle& picture, MediaTime time);
     bool enqueueLast(MediaTime time);
     void run();
     bool waitForPicture(Picture& picture);
@@ -86,7 +88,8 @@ private:
     std::optional<MediaTime> m_lastTime;
     std::int64_t m_lastTicks = -1;
     Clock::time_point m_lastAppend = Clock::now();
-    Clock::duration m_pictureTime{0}; ///< That encoding one takes, lately.
+    Clock::duration m_pictureTime; ///< That encoding one takes, lately.
+    std::optional<Clock::time_point> m_encodingSince;
     bool m_isFinished = false;
     bool m_isStopped = false;
     std::thread m_thread;

@@ -67,8 +67,11 @@ AVStream& MovieFile::newStream(const AVCodecContext& encoder, int timescale) {
     return *stream;
 }
 
-int MovieFile::addTrack(const AVCodecContext& encoder, int frameRate) {
+int MovieFile::addTrack(const AVCodecContext& encoder, int frameRate, const char* name) {
     AVStream& stream = newStream(encoder, timescale(m_type));
+    if (name) {
+        av_dict_set(&stream.metadata, "handler_name", name, 0);
+    }
     stream.avg_frame_rate = {frameRate, 1};
     stream.sample_aspect_ratio = encoder.sample_aspect_ratio;
     Track track;

@@ -40,8 +40,9 @@ public:
     static int timescale(FileType type);
 
     /// Adds a track of what `encoder` makes; its pictures come at most `frameRate`
-    /// times a second. Returns the track's index. Before open().
-    int addTrack(const AVCodecContext& encoder, int frameRate);
+    /// times a second. A track with a name of its own is not shown by itself. Returns the track's
+    /// index. Before open().
+    int addTrack(const AVCodecContext& encoder, int frameRate, const char* name = nullptr);
 
     /// Adds a track of the sound that `encoder` makes, whose packets are in ticks
     /// of its sample rate and begin `initial_padding` before 0. Before open().

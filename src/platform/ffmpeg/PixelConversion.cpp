@@ -1,5 +1,7 @@
 #include "platform/ffmpeg/PixelConversion.h"
 
+#include "platform/ffmpeg/AlphaPlane.h"
+
 extern "C" {
 #include <libavutil/opt.h>
 #include <libavutil/pixdesc.h>
@@ -116,7 +118,7 @@ bool isFullRange(const AVFrame& frame) {
     return frame.color_range == AVCOL_RANGE_JPEG || plainFormat(frame.format) != frame.format;
 }
 
-/// Video is shown opaque, whatever the file says about alpha.
+/// Video of others is shown opaque, whatever the file says about alpha.
 void makeOpaque(PixelBuffer& picture) {
     for (int y = 0; y < picture.height(); ++y) {
         std::uint8_t* row = picture.row(y);
@@ -162,7 +164,8 @@ std::optional<View> viewOf(const AVFrame& frame) {
     const AVPixelFormat format = plainFormat(frame.format);
     const auto matrix = knownMatrix(frame);
     const auto siting = knownSiting(frame.chroma_location);
-    if ((format != AV_PIX_FMT_YUV420P && format != AV_PIX_FMT_NV12) || !matrix || !siting) {
+    const bool isPlanar = format == AV_PIX_FMT_YUV420P || format == AV_PIX_FMT_YUVA420P;
+    if ((!isPlanar && format != AV_PIX_FMT_NV12) || !matrix || !siting) {
         return std::nullopt;
     }
     View view;
@@ -201,6 +204,9 @@ bool PictureDecoding::convert(const AVFrame& from, PixelBuffer& to) {
         return scale(from, to);
     }
     m_colours->toBgra(*view, to);
+    if (hasJoinedAlpha(from)) {
+        takeAlpha(from, to);
+    }
     return true;
 }
 
@@ -215,7 +221,9 @@ bool PictureDecoding::scale(const AVFrame& from, PixelBuffer& to) {
     if (rows != to.height()) {
         return false;
     }
-    if (hasAlpha(from.format)) {
+    if (hasJoinedAlpha(from)) {
+        settleAlpha(to);
+    } else if (hasAlpha(from.format)) {
         makeOpaque(to);
     }
     return true;

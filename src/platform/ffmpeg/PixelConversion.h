@@ -10,7 +10,8 @@
 
 namespace tavi {
 
-/// Turns decoded pictures into opaque BGRA: 4:2:0 of 8 bits (planar and NV12, BT.601
+/// Turns decoded pictures into BGRA, opaque but for those with alpha of ours
+/// (hasJoinedAlpha()): 4:2:0 of 8 bits (planar and NV12, BT.601
 /// and BT.709) in their own size by a ColorConverter, everything else by the scaling
 /// library.
 ///

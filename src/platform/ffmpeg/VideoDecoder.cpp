@@ -1,5 +1,7 @@
 #include "platform/ffmpeg/VideoDecoder.h"
 
+#include "platform/ffmpeg/AlphaFollower.h"
+#include "platform/ffmpeg/AlphaPlane.h"
 #include "platform/ffmpeg/FfmpegAsset.h"
 
 #include <algorithm>
@@ -25,6 +27,9 @@ int threadCount() {
 
 } // namespace
 
+VideoDecoder::VideoDecoder() = default;
+VideoDecoder::~VideoDecoder() = default;
+
 Result<std::unique_ptr<VideoDecoder>, MediaError>
 VideoDecoder::open(const std::filesystem::path& path, int track) {
     std::unique_ptr<VideoDecoder> decoder(new VideoDecoder());
@@ -32,10 +37,17 @@ VideoDecoder::open(const std::filesystem::path& path, int track) {
         !opened) {
         return fail(std::move(opened.error()));
     }
+    const auto alpha = alphaTrackOf(decoder->input());
+    if (alpha && firstPictureTrack(decoder->input()) == track) {
+        decoder->m_alpha = AlphaFollower::open(path, *alpha);
+    }
     return decoder;
 }
 
 void VideoDecoder::seek(MediaTime time) {
+    if (m_alpha) {
+        m_alpha->jump();
+    }
     const AVRational base = stream().time_base;
     const MediaTime origin = streamTime(
         stream().start_time == AV_NOPTS_VALUE ? 0 : std::min<std::int64_t>(stream().start_time, 0),
@@ -85,6 +97,10 @@ AVFrame* VideoDecoder::decodeNext() {
     while (m_track.decode(*m_frame)) {
         if (m_frame->best_effort_timestamp != AV_NOPTS_VALUE) {
             m_time = streamTime(m_frame->best_effort_timestamp, stream().time_base);
+            const AVFrame* alpha = m_alpha ? m_alpha->at(m_time) : nullptr;
+            if (alpha) {
+                joinAlpha(*m_frame, *alpha);
+            }
             return m_frame.get();
         }
     }

@@ -11,7 +11,10 @@
 
 namespace tavi {
 
-/// The pictures of one track of a file in order of presentation, from any time on.
+class AlphaFollower;
+
+/// The pictures of one track of a file in order of presentation, from any time on. Those
+/// of a track with alpha have it (see hasJoinedAlpha()).
 ///
 /// Thread: one at a time; decodes on several threads of its own.
 class VideoDecoder {
@@ -20,6 +23,8 @@ public:
     /// Errors: notFound, notMedia, noVideoTrack, cannotDecode.
     static Result<std::unique_ptr<VideoDecoder>, MediaError> open(const std::filesystem::path& path,
                                                                   int track);
+
+    ~VideoDecoder();
 
     /// Goes to a key frame from which every picture from `time` on can be
     /// decoded: the first one given is at or before `time`, unless the track
@@ -53,12 +58,13 @@ public:
     const AVFormatContext& input() const { return m_track.input(); }
 
 private:
-    VideoDecoder() = default;
+    VideoDecoder();
 
     AVFrame* decodeNext();
     std::int64_t ticksOf(MediaTime time) const;
 
     TrackDecoder m_track;
+    std::unique_ptr<AlphaFollower> m_alpha; ///< Null without.
     FrameHandle m_frame{av_frame_alloc()};
     MediaTime m_time;
     bool m_isPeeked = false; ///< m_frame was decoded by seek() and not yet given.

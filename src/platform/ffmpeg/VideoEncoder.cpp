@@ -1,5 +1,6 @@
 #include "platform/ffmpeg/VideoEncoder.h"
 
+#include "platform/ffmpeg/AlphaPlane.h"
 #include "platform/ffmpeg/FfmpegErrors.h"
 
 extern "C" {
@@ -43,13 +44,15 @@ bool needsRenderNode(const EncoderKind& kind) {
 
 } // namespace
 
-VideoEncoder::VideoEncoder(const EncoderKind& kind, std::shared_ptr<const ColorConverter> colours)
+VideoEncoder::VideoEncoder(const EncoderKind& kind, std::shared_ptr<const ColorConverter> colours,
+                           PictureContent content)
     : m_kind(kind),
+      m_content(content),
       m_conversion(std::move(colours)) {}
 
 Result<std::unique_ptr<VideoEncoder>, std::string>
 VideoEncoder::open(const EncoderKind& kind, const VideoSettings& settings, int timescale,
-                   std::shared_ptr<const ColorConverter> colours) {
+                   std::shared_ptr<const ColorConverter> colours, PictureContent content) {
     silenceFfmpegLog();
     if (settings.width <= 0 || settings.height <= 0 || settings.width % 2 != 0 ||
         settings.height % 2 != 0) {
@@ -61,7 +64,7 @@ VideoEncoder::open(const EncoderKind& kind, const VideoSettings& settings, int t
     if (needsRenderNode(kind) && renderNode().empty()) {
         return fail(std::string("no graphics device in /dev/dri"));
     }
-    std::unique_ptr<VideoEncoder> encoder(new VideoEncoder(kind, std::move(colours)));
+    std::unique_ptr<VideoEncoder> encoder(new VideoEncoder(kind, std::move(colours), content));
     if (const int code = encoder->openCodec(settings, timescale); code < 0) {
         return fail(ffmpegReason(code));
     }
@@ -73,6 +76,9 @@ int VideoEncoder::openCodec(const VideoSettings& settings, int timescale) {
     m_codec.reset(avcodec_alloc_context3(codec));
     Options options;
     configureEncoder(*m_codec, options, m_kind, settings, timescale);
+    if (m_content == PictureContent::alpha) {
+        m_codec->color_range = AVCOL_RANGE_JPEG;
+    }
     if (m_kind.device != AV_HWDEVICE_TYPE_NONE) {
         if (const int code = openDevice(); code < 0) {
             return code;
@@ -141,6 +147,10 @@ FrameHandle VideoEncoder::makeFrame() {
 
 FrameHandle VideoEncoder::convert(const PixelBuffer& picture) {
     FrameHandle frame = makeFrame();
+    if (frame && m_content == PictureContent::alpha) {
+        fillAlphaPicture(picture, *frame);
+        return frame;
+    }
     return frame && m_conversion.convert(picture, *frame) ? std::move(frame) : nullptr;
 }
 

@@ -14,6 +14,12 @@
 
 namespace tavi {
 
+/// What of a picture an encoder is given.
+enum class PictureContent {
+    colours, ///< As if over black.
+    alpha,   ///< As the brightness of a picture without colour, full range.
+};
+
 /// One encoder at work: BGRA pictures in, packets out, in two steps that two threads
 /// may share.
 ///
@@ -28,7 +34,8 @@ public:
     /// PictureEncoding.
     static Result<std::unique_ptr<VideoEncoder>, std::string>
     open(const EncoderKind& kind, const VideoSettings& settings, int timescale,
-         std::shared_ptr<const ColorConverter> colours);
+         std::shared_ptr<const ColorConverter> colours,
+         PictureContent content = PictureContent::colours);
 
     /// A picture as the encoder takes it, in recycled memory; null where the library
     /// has no way to convert it or no memory.
@@ -41,11 +48,13 @@ public:
     /// Gives the sink the packets that are still inside. Nothing can be encoded after it.
     int drain(const Sink& sink);
 
+    PictureContent content() const { return m_content; }
     const AVCodecContext& context() const { return *m_codec; }
     std::string name() const { return m_codec->codec->name; }
 
 private:
-    VideoEncoder(const EncoderKind& kind, std::shared_ptr<const ColorConverter> colours);
+    VideoEncoder(const EncoderKind& kind, std::shared_ptr<const ColorConverter> colours,
+                 PictureContent content);
 
     int openCodec(const VideoSettings& settings, int timescale);
     int openDevice();
@@ -55,6 +64,7 @@ private:
     int upload(const AVFrame& frame, const Sink& sink);
 
     EncoderKind m_kind;
+    PictureContent m_content;
     BufferHandle m_device;
     CodecHandle m_codec;
     BufferPoolHandle m_memory; ///< Of converted pictures.

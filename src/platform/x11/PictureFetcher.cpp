@@ -90,10 +90,17 @@ void PictureFetcher::copyFromScratch(std::size_t offset, const PixelRect& area,
     const auto* from = reinterpret_cast<const std::uint32_t*>(m_scratch.bytes().data() + offset);
     for (int y = 0; y < area.height; ++y) {
         auto* to = reinterpret_cast<std::uint32_t*>(picture.row(area.y + y)) + area.x;
-        if (fourthByte == FourthByte::alpha) {
+        switch (fourthByte) {
+        case FourthByte::alpha:
             std::transform(from, from + area.width, to, bounded);
-        } else {
+            break;
+        case FourthByte::opaque:
+            std::transform(from, from + area.width, to,
+                           [](std::uint32_t pixel) { return pixel | 0xFF000000U; });
+            break;
+        case FourthByte::unused:
             std::memcpy(to, from, static_cast<std::size_t>(area.width) * kPixel);
+            break;
         }
         from += area.width;
     }

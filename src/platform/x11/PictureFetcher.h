@@ -9,6 +9,7 @@ namespace tavi {
 enum class FourthByte {
     unused, ///< Anything.
     alpha,  ///< The colours are multiplied by it.
+    opaque, ///< Anything, and pictures are to have 255 there.
 };
 
 /// Brings pictures up to date from a drawable. What is about as wide as the picture the server

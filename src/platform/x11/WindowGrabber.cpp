@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <chrono>
 #include <poll.h>
+#include <utility>
 
 namespace tavi {
 
@@ -35,13 +36,13 @@ Result<void, CaptureError> requireComposite(const XConnection& x) {
 }
 
 /// What a window is when a stream of it begins.
-struct Shape {
+struct Geometry {
     int width = 0;
     int height = 0;
     int depth = 0;
 };
 
-Result<Shape, CaptureError> shapeOf(const XConnection& x, xcb_window_t window) {
+Result<Geometry, CaptureError> geometryOf(const XConnection& x, xcb_window_t window) {
     xcb_connection_t* c = x.get();
     const auto attributesCookie = xcb_get_window_attributes(c, window);
     const auto geometryCookie = xcb_get_geometry(c, window);
@@ -56,9 +57,16 @@ Result<Shape, CaptureError> shapeOf(const XConnection& x, xcb_window_t window) {
         return fail(gone("the window is minimized"));
     }
     const auto format = requirePixelFormat(x, attributes->visual, geometry->depth);
-    return format ? Result<Shape, CaptureError>(
-                        Shape{geometry->width, geometry->height, geometry->depth})
+    return format ? Result<Geometry, CaptureError>(
+                        Geometry{geometry->width, geometry->height, geometry->depth})
                   : fail(format.error());
+}
+
+FourthByte fourthByteOf(int depth, const WindowShape& shape) {
+    if (depth == 32) {
+        return FourthByte::alpha;
+    }
+    return shape.isShaped() ? FourthByte::opaque : FourthByte::unused;
 }
 
 /// Has the server keep the window's picture by itself, and tell what happens to the window.
@@ -85,12 +93,12 @@ WindowGrabber::open(const std::string& displayName, std::uint32_t windowId, int 
     if (const auto composite = requireComposite(*x); !composite) {
         return fail(composite.error());
     }
-    const auto shape = shapeOf(*x, windowId);
-    if (!shape) {
-        return fail(shape.error());
+    const auto geometry = geometryOf(*x, windowId);
+    if (!geometry) {
+        return fail(geometry.error());
     }
-    width = width > 0 ? width : shape->width;
-    height = height > 0 ? height : shape->height;
+    width = width > 0 ? width : geometry->width;
+    height = height > 0 ? height : geometry->height;
     auto frames = FramePool::make(*x, width, height);
     auto fetcher = PictureFetcher::make(*x, width, height);
     auto damage = DamageWatch::open(*x, windowId);
@@ -100,21 +108,32 @@ WindowGrabber::open(const std::string& displayName, std::uint32_t windowId, int 
     if (const auto redirected = redirect(*x, windowId); !redirected) {
         return fail(redirected.error());
     }
-    std::unique_ptr<WindowGrabber> grabber(
-        new WindowGrabber(std::move(*x), windowId, std::move(*fetcher), *damage, std::move(*frames),
-                          shape->depth == 32 ? FourthByte::alpha : FourthByte::unused));
+    std::unique_ptr<WindowGrabber> grabber(new WindowGrabber(std::move(*x), windowId,
+                                                             std::move(*fetcher), *damage,
+                                                             std::move(*frames), geometry->depth));
     grabber->awaitRepaint();
     return grabber;
 }
 
 WindowGrabber::WindowGrabber(XConnection x, xcb_window_t window, PictureFetcher fetcher,
-                             DamageWatch damage, FramePool frames, FourthByte fourthByte)
+                             DamageWatch damage, FramePool frames, int depth)
     : m_x(std::move(x)),
       m_window(window),
+      m_shape(m_x, window),
       m_fetcher(std::move(fetcher)),
       m_damage(damage),
       m_frames(std::move(frames)) {
-    m_source.fourthByte = fourthByte;
+    m_source.fourthByte = fourthByteOf(depth, m_shape);
+}
+
+bool WindowGrabber::hasAlpha(const std::string& displayName, std::uint32_t windowId) {
+    const auto x = XConnection::open(displayName);
+    if (!x) {
+        return false;
+    }
+    const auto geometry = geometryOf(*x, windowId);
+    return geometry &&
+           fourthByteOf(geometry->depth, WindowShape(*x, windowId)) != FourthByte::unused;
 }
 
 /// The server never had a picture of what was covered: it asked the program to
@@ -151,7 +170,12 @@ void WindowGrabber::handleEvent(const xcb_generic_event_t& event) {
         m_hasNews = true;
         break;
     default:
-        m_hasNews = m_damage.note(event) || m_hasNews;
+        if (m_shape.note(event)) {
+            m_hasNewShape = true;
+            m_hasNews = true;
+        } else {
+            m_hasNews = m_damage.note(event) || m_hasNews;
+        }
     }
 }
 
@@ -165,9 +189,7 @@ std::optional<CaptureError> WindowGrabber::failure() const {
 
 PixelBufferPtr WindowGrabber::grab() {
     m_hasNews = false;
-    const bool isNew = m_mustTakePixmap && takePixmap();
-    const PixelRegion changes =
-        isNew ? m_damage.takeAll(m_frames.wholePicture()) : m_damage.take(m_source.content);
+    const PixelRegion changes = takeChanges();
     m_frames.markStale(changes);
     const auto frame = changes.isEmpty() ? nullptr : m_frames.freeFrame(m_x);
     if (!frame || !m_fetcher.fetch(m_source, frame->stale, *frame)) {
@@ -175,8 +197,19 @@ PixelBufferPtr WindowGrabber::grab() {
         return nullptr;
     }
     frame->stale.clear();
+    if (hasAlpha()) {
+        m_shape.cut(frame->image, m_source.content);
+    }
     repeatEdges(frame->image, m_source.content.width, m_source.content.height);
     return FramePool::publish(frame);
+}
+
+/// Where the picture is no longer what it was.
+PixelRegion WindowGrabber::takeChanges() {
+    const bool hasNewMemory = m_mustTakePixmap && takePixmap();
+    const bool hasNewShape = std::exchange(m_hasNewShape, false);
+    return hasNewMemory || hasNewShape ? m_damage.takeAll(m_frames.wholePicture())
+                                       : m_damage.take(m_source.content);
 }
 
 /// Takes hold of the memory that the window has now. False, and what was held

@@ -121,6 +121,10 @@ openGrabber(const std::string& displayName, const ScreenFilter& filter,
 
 } // namespace
 
+bool X11ScreenStreams::hasAlpha(const ScreenFilter& filter) {
+    return filter.windowId != 0 && WindowGrabber::hasAlpha(m_displayName, filter.windowId);
+}
+
 Result<std::unique_ptr<ScreenStream>, CaptureError>
 X11ScreenStreams::makeStream(const ScreenFilter& filter,
                              const ScreenStreamConfiguration& configuration) {

@@ -17,6 +17,8 @@ public:
     explicit X11ScreenStreams(std::string displayName = {})
         : m_displayName(std::move(displayName)) {}
 
+    bool hasAlpha(const ScreenFilter& filter) override;
+
     Result<std::unique_ptr<ScreenStream>, CaptureError>
     makeStream(const ScreenFilter& filter, const ScreenStreamConfiguration& configuration) override;
 

@@ -362,7 +362,8 @@ TEST(FfmpegAssetWriter, aSlowEncoderIsGivenLittleToWaitForAtTheEnd) {
         ASSERT_TRUE(writing.append(picture, {n, 60}));
     }
     int taken = 0;
-    while (writing.input->append(picture, {n + taken, 60})) {
+    while (writing.input->isReadyForMoreMediaData()) {
+        ASSERT_TRUE(writing.input->append(picture, {n + taken, 60}));
         ++taken;
     }
     EXPECT_LT(taken, kInMemory - 1);

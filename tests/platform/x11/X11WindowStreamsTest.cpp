@@ -2,6 +2,7 @@
 #include "platform/x11/WatchedStream.h"
 
 #include <gmock/gmock.h>
+#include <xcb/shape.h>
 
 #include <array>
 #include <chrono>
@@ -30,15 +31,7 @@ protected:
     }
 
     void paint(xcb_window_t target, int x, int y, int width, int height, std::uint32_t pixel) {
-        xcb_connection_t* c = painter.connection();
-        const xcb_gcontext_t gc = xcb_generate_id(c);
-        xcb_create_gc(c, gc, target, XCB_GC_FOREGROUND, &pixel);
-        const xcb_rectangle_t area{static_cast<std::int16_t>(x), static_cast<std::int16_t>(y),
-                                   static_cast<std::uint16_t>(width),
-                                   static_cast<std::uint16_t>(height)};
-        xcb_poly_fill_rectangle(c, target, gc, 1, &area);
-        xcb_free_gc(c, gc);
-        painter.sync();
+        painter.paint(target, x, y, width, height, pixel);
     }
 
     void configure(xcb_window_t target, std::uint16_t mask,
@@ -52,6 +45,14 @@ protected:
     }
     void resize(xcb_window_t target, std::uint32_t width, std::uint32_t height) {
         configure(target, XCB_CONFIG_WINDOW_WIDTH | XCB_CONFIG_WINDOW_HEIGHT, {width, height});
+    }
+
+    /// Gives the window an outline.
+    void shape(const std::vector<xcb_rectangle_t>& pieces) {
+        xcb_shape_rectangles(painter.connection(), XCB_SHAPE_SO_SET, XCB_SHAPE_SK_BOUNDING,
+                             XCB_CLIP_ORDERING_UNSORTED, window, 0, 0,
+                             static_cast<std::uint32_t>(pieces.size()), pieces.data());
+        painter.sync();
     }
 
     XTestServer server;
@@ -270,6 +271,46 @@ TEST_F(X11WindowStreamsTest, windowWithAlphaGivesPremultipliedPixels) {
     paint(clear, 0, 0, 8, 8, 0x20FF10FF);
     EXPECT_TRUE(watched.showsPixel(7, 7, 0x20201020)) << "no colour above its alpha";
     EXPECT_EQ(pixelAt(*watched.last(), 8, 8), 0x40102030U);
+}
+
+TEST_F(X11WindowStreamsTest, alphaIsToldBeforeTheStreamIsMade) {
+    X11ScreenStreams streams(server.name());
+    EXPECT_FALSE(streams.hasAlpha(ScreenFilter::window(window)));
+    EXPECT_FALSE(streams.hasAlpha(ScreenFilter::display(1)));
+    EXPECT_FALSE(streams.hasAlpha(ScreenFilter::window(4711)));
+    const xcb_window_t clear = painter.addAlphaWindow(300, 300, 64, 64, 0x40102030);
+    EXPECT_TRUE(streams.hasAlpha(ScreenFilter::window(clear)));
+    shape({{0, 0, 200, 150}});
+    EXPECT_FALSE(streams.hasAlpha(ScreenFilter::window(window))) << "a rectangle after all";
+    shape({{0, 0, 200, 149}});
+    EXPECT_TRUE(streams.hasAlpha(ScreenFilter::window(window)));
+}
+
+TEST_F(X11WindowStreamsTest, whatAShapedWindowDoesNotShowIsTransparent) {
+    shape({{50, 0, 100, 150}, {0, 60, 200, 20}});
+    const WindowWatch watched(server, window, 200, 150);
+    ASSERT_TRUE(watched.showsPixel(100, 0, 0xFF3070B0));
+    EXPECT_EQ(pixelAt(*watched.last(), 49, 59), 0U);
+    EXPECT_EQ(pixelAt(*watched.last(), 0, 60), 0xFF3070B0U);
+    EXPECT_EQ(pixelAt(*watched.last(), 199, 79), 0xFF3070B0U);
+    EXPECT_EQ(pixelAt(*watched.last(), 199, 80), 0U);
+    EXPECT_EQ(pixelAt(*watched.last(), 50, 149), 0xFF3070B0U);
+    paint(window, 0, 0, 200, 150, 0xA0B0C0);
+    ASSERT_TRUE(watched.showsPixel(100, 0, 0xFFA0B0C0));
+    EXPECT_EQ(pixelAt(*watched.last(), 10, 10), 0U);
+}
+
+TEST_F(X11WindowStreamsTest, shapeMayChange) {
+    shape({{50, 0, 100, 150}});
+    const WindowWatch watched(server, window, 200, 150);
+    ASSERT_TRUE(watched.showsPixel(0, 0, 0));
+    shape({{0, 0, 30, 30}, {100, 100, 100, 50}});
+    ASSERT_TRUE(watched.showsPixel(60, 60, 0));
+    EXPECT_EQ(pixelAt(*watched.last(), 0, 0), 0xFF3070B0U);
+    xcb_shape_mask(painter.connection(), XCB_SHAPE_SO_SET, XCB_SHAPE_SK_BOUNDING, window, 0, 0,
+                   XCB_PIXMAP_NONE);
+    painter.sync();
+    ASSERT_TRUE(watched.showsPixel(60, 60, 0xFF3070B0)) << "a rectangle from now on";
 }
 
 TEST_F(X11WindowStreamsTest, neverFasterThanSixtyASecondAndOnTheHostClock) {

@@ -1,5 +1,7 @@
 #include "platform/x11/XTestServer.h"
 
+#include "support/Eventually.h"
+
 #include <QCoreApplication>
 #include <QElapsedTimer>
 #include <gtest/gtest.h>
@@ -8,30 +10,100 @@
 #include <csignal>
 #include <cstdlib>
 #include <fcntl.h>
-#include <memory>
+#include <fstream>
 #include <sys/wait.h>
 #include <unistd.h>
+#include <utility>
 
 namespace tavi::test {
 
-XTestServer::XTestServer(const std::string& screen,
-                         const std::vector<std::string>& extraArguments) {
+namespace {
+
+/// A screen card that isn't there.
+constexpr const char* kDummyCard = R"(
+Section "ServerFlags"
+  Option "AutoAddDevices" "false"
+  Option "AutoAddGPU" "false"
+  Option "DontVTSwitch" "true"
+EndSection
+Section "Device"
+  Identifier "card"
+  Driver "dummy"
+  VideoRam 65536
+EndSection
+Section "Monitor"
+  Identifier "monitor"
+  HorizSync 5-1000
+  VertRefresh 5-200
+EndSection
+Section "Screen"
+  Identifier "screen"
+  Device "card"
+  Monitor "monitor"
+  DefaultDepth 24
+  SubSection "Display"
+    Depth 24
+    Virtual 4096 2160
+    Modes "1024x768"
+  EndSubSection
+EndSection
+)";
+
+std::vector<std::string> withoutScreen(const std::string& screen,
+                                       const std::vector<std::string>& extraArguments) {
+    std::vector<std::string> command{"Xvfb", "-screen", "0", screen};
+    command.insert(command.end(), extraArguments.begin(), extraArguments.end());
+    return command;
+}
+
+/// Waits until the process is gone; one that doesn't hear is killed.
+void end(pid_t pid) {
+    kill(pid, SIGTERM);
+    if (!eventually([pid] { return waitpid(pid, nullptr, WNOHANG) != 0; })) {
+        kill(pid, SIGKILL);
+        waitpid(pid, nullptr, 0);
+    }
+}
+
+} // namespace
+
+XTestServer::XTestServer(const std::string& screen, const std::vector<std::string>& extraArguments)
+    : XTestServer(withoutScreen(screen, extraArguments), nullptr) {}
+
+XTestServer XTestServer::withOutputs() {
+    auto files = std::make_unique<TemporaryFolder>();
+    const std::string configuration = *files / "xorg.conf";
+    const std::string log = *files / "xorg.log";
+    std::ofstream(configuration) << kDummyCard;
+    // Not the program in the path, which may need a console.
+    return {{"/usr/lib/xorg/Xorg", "-config", configuration, "-logfile", log, "-novtswitch",
+             "-sharevts", "-keeptty"},
+            std::move(files)};
+}
+
+XTestServer XTestServer::withTurningOutput(const XTestServer& parent) {
+    return {{"Xephyr", "-screen", "640x480"}, nullptr, parent.name()};
+}
+
+XTestServer::XTestServer(std::vector<std::string> command, std::unique_ptr<TemporaryFolder> files,
+                         const std::string& parent)
+    : m_files(std::move(files)) {
     int ends[2];
     EXPECT_EQ(pipe2(ends, O_CLOEXEC), 0);
-    const std::string descriptor = "9";
-    std::vector<std::string> arguments{"Xvfb", "-screen",  "0",          screen,    "-nolisten",
-                                       "tcp",  "-noreset", "-displayfd", descriptor};
-    arguments.insert(arguments.end(), extraArguments.begin(), extraArguments.end());
+    command.insert(command.end(), {"-nolisten", "tcp", "-noreset", "-displayfd", "9"});
     std::vector<char*> raw;
-    for (auto& argument : arguments) {
+    for (auto& argument : command) {
         raw.push_back(argument.data());
     }
     raw.push_back(nullptr);
     m_pid = fork();
     if (m_pid == 0) {
+        if (!parent.empty()) {
+            setenv("DISPLAY", parent.c_str(), 1);
+        }
         const int quiet = open("/dev/null", O_WRONLY);
         dup2(quiet, STDERR_FILENO);
-        dup2(ends[1], 9);
+        dup2(ends[1], 9); // as the command says
         execvp(raw[0], raw.data());
         _exit(127);
     }
@@ -42,7 +114,7 @@ XTestServer::XTestServer(const std::string& screen,
         m_name += c;
     }
     close(ends[0]);
-    EXPECT_GT(m_name.size(), 1U) << "Xvfb does not start";
+    EXPECT_GT(m_name.size(), 1U) << command[0] << " does not start";
 }
 
 XTestServer::~XTestServer() {
@@ -51,8 +123,7 @@ XTestServer::~XTestServer() {
 
 void XTestServer::die() {
     if (m_pid > 0) {
-        kill(m_pid, SIGKILL);
-        waitpid(m_pid, nullptr, 0);
+        end(m_pid);
         std::remove(("/tmp/.X11-unix/X" + m_name.substr(1)).c_str());
         std::remove(("/tmp/.X" + m_name.substr(1) + "-lock").c_str());
     }
@@ -86,7 +157,7 @@ void Painter::fill(int x, int y, int width, int height, std::uint32_t colour) {
 }
 
 xcb_window_t Painter::addWindow(int x, int y, int width, int height, std::uint32_t colour,
-                                int glyph) {
+                                int glyph, Managed managed) {
     xcb_cursor_t cursor = XCB_CURSOR_NONE;
     if (glyph >= 0) {
         const xcb_font_t font = xcb_generate_id(m_connection);
@@ -98,18 +169,19 @@ xcb_window_t Painter::addWindow(int x, int y, int width, int height, std::uint32
                                 65535);
     }
     const xcb_window_t window = xcb_generate_id(m_connection);
-    const std::array<std::uint32_t, 3> values{colour, 1, cursor};
+    const std::uint32_t isFree = managed == Managed::byNobody ? 1 : 0;
+    const std::array<std::uint32_t, 3> values{colour, isFree, cursor};
     xcb_create_window(m_connection, XCB_COPY_FROM_PARENT, window, root(),
                       static_cast<std::int16_t>(x), static_cast<std::int16_t>(y),
                       static_cast<std::uint16_t>(width), static_cast<std::uint16_t>(height), 0,
                       XCB_WINDOW_CLASS_INPUT_OUTPUT, XCB_COPY_FROM_PARENT,
                       XCB_CW_BACK_PIXEL | XCB_CW_OVERRIDE_REDIRECT | XCB_CW_CURSOR, values.data());
-    xcb_map_window(m_connection, window);
-    sync();
+    show(window, managed);
     return window;
 }
 
-xcb_window_t Painter::addAlphaWindow(int x, int y, int width, int height, std::uint32_t pixel) {
+xcb_window_t Painter::addAlphaWindow(int x, int y, int width, int height, std::uint32_t pixel,
+                                     Managed managed) {
     constexpr std::uint8_t kDepth = 32;
     auto depth = xcb_screen_allowed_depths_iterator(m_screen);
     while (depth.rem > 0 && (depth.data->depth != kDepth || depth.data->visuals_len == 0)) {
@@ -120,16 +192,34 @@ xcb_window_t Painter::addAlphaWindow(int x, int y, int width, int height, std::u
     const xcb_colormap_t colours = xcb_generate_id(m_connection);
     xcb_create_colormap(m_connection, XCB_COLORMAP_ALLOC_NONE, colours, root(), visual);
     const xcb_window_t window = xcb_generate_id(m_connection);
-    const std::array<std::uint32_t, 4> values{pixel, 0, 1, colours};
+    const std::uint32_t isFree = managed == Managed::byNobody ? 1 : 0;
+    const std::array<std::uint32_t, 4> values{pixel, 0, isFree, colours};
     xcb_create_window(m_connection, kDepth, window, root(), static_cast<std::int16_t>(x),
                       static_cast<std::int16_t>(y), static_cast<std::uint16_t>(width),
                       static_cast<std::uint16_t>(height), 0, XCB_WINDOW_CLASS_INPUT_OUTPUT, visual,
                       XCB_CW_BACK_PIXEL | XCB_CW_BORDER_PIXEL | XCB_CW_OVERRIDE_REDIRECT |
                           XCB_CW_COLORMAP,
                       values.data());
-    xcb_map_window(m_connection, window);
-    sync();
+    show(window, managed);
     return window;
+}
+
+void Painter::show(xcb_window_t window, Managed managed) {
+    if (managed == Managed::byNobody) {
+        xcb_map_window(m_connection, window);
+    }
+    sync();
+}
+
+void Painter::paint(xcb_window_t window, int x, int y, int width, int height, std::uint32_t pixel) {
+    const xcb_gcontext_t gc = xcb_generate_id(m_connection);
+    xcb_create_gc(m_connection, gc, window, XCB_GC_FOREGROUND, &pixel);
+    const xcb_rectangle_t area{static_cast<std::int16_t>(x), static_cast<std::int16_t>(y),
+                               static_cast<std::uint16_t>(width),
+                               static_cast<std::uint16_t>(height)};
+    xcb_poly_fill_rectangle(m_connection, window, gc, 1, &area);
+    xcb_free_gc(m_connection, gc);
+    sync();
 }
 
 void Painter::put(int x, int y, int width, int height, const std::vector<std::uint32_t>& pixels) {

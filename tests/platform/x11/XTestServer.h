@@ -1,8 +1,11 @@
 #pragma once
 
+#include "support/TemporaryFolder.h"
+
 #include <xcb/xcb.h>
 
 #include <functional>
+#include <memory>
 #include <string>
 #include <sys/types.h>
 #include <vector>
@@ -15,6 +18,14 @@ public:
     explicit XTestServer(const std::string& screen = "640x480x24",
                          const std::vector<std::string>& extraArguments = {});
     ~XTestServer();
+
+    /// One with sixteen outputs, DUMMY0 to DUMMY15, as of real screens: plugged in, and the first
+    /// one switched on.
+    static XTestServer withOutputs();
+
+    /// One whose output can be turned; it is a window of `parent`.
+    static XTestServer withTurningOutput(const XTestServer& parent);
+
     XTestServer(const XTestServer&) = delete;
     XTestServer& operator=(const XTestServer&) = delete;
 
@@ -26,8 +37,19 @@ public:
     void die();
 
 private:
+    /// Runs a server by its command, to which it adds how it tells its name.
+    XTestServer(std::vector<std::string> command, std::unique_ptr<TemporaryFolder> files,
+                const std::string& parent = {});
+
+    std::unique_ptr<TemporaryFolder> m_files; ///< What it reads and writes; null without.
     pid_t m_pid = 0;
     std::string m_name;
+};
+
+/// Who looks after a window.
+enum class Managed {
+    byNobody,         ///< It is shown at once, where it is.
+    byWindowManagers, ///< It is not shown until it is mapped.
 };
 
 /// A client that paints.
@@ -44,13 +66,17 @@ public:
     /// Fills a rectangle of the root window with 0xRRGGBB and waits until it is there.
     void fill(int x, int y, int width, int height, std::uint32_t colour);
 
-    /// A mapped window that no window manager touches, with one colour and, when
+    /// A window with one colour and, when
     /// `glyph` isn't negative, that cursor of the font "cursor".
     xcb_window_t addWindow(int x, int y, int width, int height, std::uint32_t colour,
-                           int glyph = -1);
+                           int glyph = -1, Managed managed = Managed::byNobody);
 
     /// The same with an alpha channel; `pixel` is 0xAARRGGBB, premultiplied.
-    xcb_window_t addAlphaWindow(int x, int y, int width, int height, std::uint32_t pixel);
+    xcb_window_t addAlphaWindow(int x, int y, int width, int height, std::uint32_t pixel,
+                                Managed managed = Managed::byNobody);
+
+    /// Fills a rectangle of a window with a pixel and waits until it is there.
+    void paint(xcb_window_t window, int x, int y, int width, int height, std::uint32_t pixel);
 
     /// Puts rows of BGRX pixels at (x, y) of the root window.
     void put(int x, int y, int width, int height, const std::vector<std::uint32_t>& pixels);
@@ -62,6 +88,8 @@ public:
     void sync();
 
 private:
+    void show(xcb_window_t window, Managed managed);
+
     xcb_connection_t* m_connection;
     const xcb_screen_t* m_screen;
     xcb_gcontext_t m_gc;
