@@ -29,6 +29,8 @@ std::string CaptureError::description() const {
         return withDetail("The chosen source is not there; `tavi sources` lists what is", detail);
     case Kind::sourceClosed:
         return withDetail("The recorded window was closed", detail);
+    case Kind::displayGone:
+        return withDetail("The recorded display was disconnected or switched off", detail);
     case Kind::connectionLost:
         return withDetail("The display server ended the connection", detail);
     case Kind::castRefused:

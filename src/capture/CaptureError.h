@@ -13,6 +13,7 @@ struct CaptureError {
         unsupportedFormat, ///< The server's pixels are of a kind that isn't read.
         sourceGone,        ///< The chosen display or window is not there (any more).
         sourceClosed,      ///< The recorded window was closed during the take.
+        displayGone,       ///< The recorded display was disconnected or switched off meanwhile.
         connectionLost,    ///< The display server went away during the take.
         castRefused,       ///< The desktop did not start its screen cast.
         castEnded,         ///< The desktop, or its user there, ended the screen cast.

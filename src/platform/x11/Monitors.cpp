@@ -54,4 +54,12 @@ Result<std::vector<Monitor>, CaptureError> activeMonitors(const XConnection& con
     return monitors;
 }
 
+int watchMonitors(const XConnection& connection) {
+    xcb_connection_t* c = connection.get();
+    xcb_randr_select_input(c, connection.root(),
+                           XCB_RANDR_NOTIFY_MASK_SCREEN_CHANGE | XCB_RANDR_NOTIFY_MASK_CRTC_CHANGE |
+                               XCB_RANDR_NOTIFY_MASK_OUTPUT_CHANGE);
+    return xcb_get_extension_data(c, &xcb_randr_id)->first_event;
+}
+
 } // namespace tavi

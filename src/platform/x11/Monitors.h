@@ -21,4 +21,8 @@ struct Monitor {
 /// whole root window as one.
 Result<std::vector<Monitor>, CaptureError> activeMonitors(const XConnection& connection);
 
+/// Has the connection be told when monitors come, go or change; the number of the first of those
+/// events, of which there are two. activeMonitors() has been asked before.
+int watchMonitors(const XConnection& connection);
+
 } // namespace tavi

@@ -1,7 +1,8 @@
 #include "platform/x11/ScreenGrabber.h"
 
-#include "platform/x11/Monitors.h"
 #include "platform/x11/PixelFormat.h"
+
+#include <xcb/randr.h>
 
 #include <algorithm>
 #include <cstring>
@@ -10,7 +11,7 @@ namespace tavi {
 
 namespace {
 
-Result<PixelRect, CaptureError> areaOfMonitor(const XConnection& x, std::uint32_t id) {
+Result<Monitor, CaptureError> findMonitor(const XConnection& x, std::uint32_t id) {
     const auto monitors = activeMonitors(x);
     if (!monitors) {
         return fail(monitors.error());
@@ -20,7 +21,7 @@ Result<PixelRect, CaptureError> areaOfMonitor(const XConnection& x, std::uint32_
     if (found == monitors->end()) {
         return fail(CaptureError{CaptureError::Kind::sourceGone, "the display was disconnected"});
     }
-    return found->area;
+    return *found;
 }
 
 void blacken(PixelBuffer& picture) {
@@ -41,30 +42,32 @@ ScreenGrabber::open(const std::string& displayName, std::uint32_t monitorId, int
         !format) {
         return fail(format.error());
     }
-    const auto area = areaOfMonitor(*x, monitorId);
-    if (!area) {
-        return fail(area.error());
+    const auto monitor = findMonitor(*x, monitorId);
+    if (!monitor) {
+        return fail(monitor.error());
     }
-    width = width > 0 ? width : area->width;
-    height = height > 0 ? height : area->height;
+    width = width > 0 ? width : monitor->area.width;
+    height = height > 0 ? height : monitor->area.height;
     auto frames = FramePool::make(*x, width, height);
     auto fetcher = PictureFetcher::make(*x, width, height);
     auto damage = DamageWatch::open(*x, x->root());
     if (!frames || !fetcher || !damage) {
         return fail(!frames ? frames.error() : !fetcher ? fetcher.error() : damage.error());
     }
-    return std::unique_ptr<ScreenGrabber>(
-        new ScreenGrabber(std::move(*x), std::move(*fetcher), *damage, std::move(*frames), *area));
+    return std::unique_ptr<ScreenGrabber>(new ScreenGrabber(std::move(*x), std::move(*fetcher),
+                                                            *damage, std::move(*frames), *monitor));
 }
 
 ScreenGrabber::ScreenGrabber(XConnection x, PictureFetcher fetcher, DamageWatch damage,
-                             FramePool frames, PixelRect area)
+                             FramePool frames, const Monitor& monitor)
     : m_x(std::move(x)),
       m_fetcher(std::move(fetcher)),
       m_damage(damage),
       m_frames(std::move(frames)),
-      m_area{area.x, area.y, std::min(area.width, m_frames.width()),
-             std::min(area.height, m_frames.height())},
+      m_monitor(monitor.id),
+      m_monitorEvent(watchMonitors(m_x)),
+      m_area{monitor.area.x, monitor.area.y, std::min(monitor.area.width, m_frames.width()),
+             std::min(monitor.area.height, m_frames.height())},
       m_root{0, 0, m_x.screen().width_in_pixels, m_x.screen().height_in_pixels} {
     const std::uint32_t events = XCB_EVENT_MASK_STRUCTURE_NOTIFY; // for the root's size
     xcb_change_window_attributes(m_x.get(), m_x.root(), XCB_CW_EVENT_MASK, &events);
@@ -75,19 +78,38 @@ bool ScreenGrabber::hasNews() {
     forEachEvent(m_x.get(), [this](const xcb_generic_event_t& event) {
         if (m_damage.note(event)) {
             m_hasNews = true;
-        } else if ((event.response_type & 0x7F) == XCB_CONFIGURE_NOTIFY) {
-            const auto& c = reinterpret_cast<const xcb_configure_notify_event_t&>(event);
-            m_root = {0, 0, c.width, c.height};
-            m_hasNews = true;
-            m_mustFetchAll = true;
+        } else {
+            noteScreenEvent(event);
         }
     });
     return m_hasNews;
 }
 
+/// The root window's size and the monitors on it may have changed. A list that can't be had says
+/// nothing about them.
+void ScreenGrabber::noteScreenEvent(const xcb_generic_event_t& event) {
+    const int type = event.response_type & 0x7F;
+    if (type == XCB_CONFIGURE_NOTIFY) {
+        const auto& c = reinterpret_cast<const xcb_configure_notify_event_t&>(event);
+        m_root = {0, 0, c.width, c.height};
+        m_hasNews = true;
+        m_mustFetchAll = true;
+    }
+    const bool concernsMonitors = type == XCB_CONFIGURE_NOTIFY ||
+                                  type == m_monitorEvent + XCB_RANDR_SCREEN_CHANGE_NOTIFY ||
+                                  type == m_monitorEvent + XCB_RANDR_NOTIFY;
+    if (concernsMonitors) {
+        const auto monitor = findMonitor(m_x, m_monitor);
+        m_isGone = !monitor && monitor.error().kind == CaptureError::Kind::sourceGone;
+    }
+}
+
 std::optional<CaptureError> ScreenGrabber::failure() const {
-    return m_x.isBroken() ? std::optional(CaptureError{CaptureError::Kind::connectionLost, ""})
-                          : std::nullopt;
+    if (m_x.isBroken()) {
+        return CaptureError{CaptureError::Kind::connectionLost, ""};
+    }
+    return m_isGone ? std::optional(CaptureError{CaptureError::Kind::displayGone, ""})
+                    : std::nullopt;
 }
 
 PixelBufferPtr ScreenGrabber::grab() {

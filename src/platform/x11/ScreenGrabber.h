@@ -3,6 +3,7 @@
 #include "platform/x11/DamageWatch.h"
 #include "platform/x11/FramePool.h"
 #include "platform/x11/Grabber.h"
+#include "platform/x11/Monitors.h"
 #include "platform/x11/PictureFetcher.h"
 
 #include <cstdint>
@@ -10,7 +11,8 @@
 
 namespace tavi {
 
-/// One area of the root window. It is opaque; the fourth byte of its pixels means nothing.
+/// One monitor's area of the root window, where it was when this was made. It ends when the monitor
+/// is no more. It is opaque; the fourth byte of its pixels means nothing.
 ///
 /// It owns its connection and reads its events.
 class ScreenGrabber final : public Grabber {
@@ -32,8 +34,9 @@ public:
 
 private:
     ScreenGrabber(XConnection x, PictureFetcher fetcher, DamageWatch damage, FramePool frames,
-                  PixelRect area);
+                  const Monitor& monitor);
 
+    void noteScreenEvent(const xcb_generic_event_t& event);
     PixelRegion takeChanges();
     bool bringUpToDate(FramePool::Frame& frame);
 
@@ -41,10 +44,13 @@ private:
     PictureFetcher m_fetcher;
     DamageWatch m_damage;
     FramePool m_frames;
-    PixelRect m_area; ///< What is shown, on the root window.
-    PixelRect m_root; ///< The root window as it is now.
+    std::uint32_t m_monitor;
+    int m_monitorEvent = 0; ///< The number of RandR's first event.
+    PixelRect m_area;       ///< What is shown, on the root window.
+    PixelRect m_root;       ///< The root window as it is now.
     bool m_hasNews = true;
     bool m_mustFetchAll = true;
+    bool m_isGone = false; ///< The monitor.
 };
 
 } // namespace tavi
