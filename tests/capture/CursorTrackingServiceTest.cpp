@@ -356,6 +356,24 @@ TEST_F(CursorTrackingServiceTest, pointerLineOfAnotherClockCountsAsJustNow) {
     EXPECT_DOUBLE_EQ(service.events()[1].timestamp, 2); // as late as a line can be
 }
 
+TEST_F(CursorTrackingServiceTest, everyLineOfAChunkIsAKey) {
+    startStamped();
+    sayKey("{\"t\":1,\"c\":\"a\"}\n\n{\"t\":1,\"c\":\"b\"}\n{\"t\":1,\"c\":\"c\"}\n");
+    ASSERT_THAT(service.events(), SizeIs(3));
+    EXPECT_EQ(service.events()[0].keyCharacter, "a");
+    EXPECT_EQ(service.events()[1].keyCharacter, "b");
+    EXPECT_EQ(service.events()[2].keyCharacter, "c");
+}
+
+TEST_F(CursorTrackingServiceTest, readyAcrossTwoChunksIsNotSeen) {
+    startStamped();
+    launcher.say("{\"rea");
+    launcher.say("dy\":true}\n");
+    main.runAll();
+    EXPECT_EQ(permission.grants, 0);
+    EXPECT_THAT(service.events(), SizeIs(0));
+}
+
 TEST_F(CursorTrackingServiceTest, lineAcrossTwoChunksIsLost) {
     startStamped();
     sayKey("{\"t\":1,\"c\":\"a\"}\n{\"t\":1,");

@@ -4,9 +4,11 @@
 #include "fakes/CallLog.h"
 
 #include <algorithm>
+#include <atomic>
 #include <iterator>
 #include <map>
 #include <memory>
+#include <mutex>
 #include <optional>
 #include <set>
 #include <string>
@@ -106,8 +108,13 @@ public:
     }
 
     std::vector<std::string> calls() const { return m_log.calls(); }
-    std::size_t sessionCount() const { return m_sessions.size(); }
+    /// These two may be asked while another thread starts and stops sessions.
+    std::size_t sessionCount() const {
+        const std::lock_guard lock(m_mutex);
+        return m_sessions.size();
+    }
     bool isRunning() const {
+        const std::lock_guard lock(m_mutex);
         return std::any_of(m_sessions.begin(), m_sessions.end(),
                            [](const Session* session) { return session->isRunning(); });
     }
@@ -141,9 +148,13 @@ private:
     class Session final : public CaptureSession, public CaptureAudioOutput {
     public:
         explicit Session(FakeCaptureSessions& owner) : m_owner(owner) {
+            const std::lock_guard lock(owner.m_mutex);
             owner.m_sessions.push_back(this);
         }
-        ~Session() override { std::erase(m_owner.m_sessions, this); }
+        ~Session() override {
+            const std::lock_guard lock(m_owner.m_mutex);
+            std::erase(m_owner.m_sessions, this);
+        }
 
         Result<std::unique_ptr<CaptureDeviceInput>, CaptureDeviceError>
         makeDeviceInput(const CaptureDevice& device) override {
@@ -226,13 +237,14 @@ private:
         FakeCaptureSessions& m_owner;
         std::vector<std::unique_ptr<CaptureDeviceInput>> m_inputs;
         std::map<CaptureSampleKind, Output> m_outputs;
-        bool m_isRunning = false;
+        std::atomic<bool> m_isRunning = false;
     };
 
     void note(const std::string& call) { m_log.note(call); }
 
     CallLog m_ownLog;
     CallLog& m_log;
+    mutable std::mutex m_mutex; ///< Of the next.
     std::vector<Session*> m_sessions;
 };
 
