@@ -23,6 +23,9 @@ constexpr int kSurfaces = 8;
 /// Bytes that rows of pictures are aligned to, as the vectors of all parties like it.
 constexpr int kAlignment = 64;
 
+/// libx265's rate factor of alpha: errors are seen over a whole background, and most of it is plain.
+constexpr std::int64_t kAlphaQuality = 10;
+
 /// Pictures that one may come late by where B pictures refer to each other.
 constexpr int kMostReordering = 2;
 
@@ -78,6 +81,7 @@ int VideoEncoder::openCodec(const VideoSettings& settings, int timescale) {
     configureEncoder(*m_codec, options, m_kind, settings, timescale);
     if (m_content == PictureContent::alpha) {
         m_codec->color_range = AVCOL_RANGE_JPEG;
+        options.set("crf", kAlphaQuality); // Only libx265 looks at it.
     }
     if (m_kind.device != AV_HWDEVICE_TYPE_NONE) {
         if (const int code = openDevice(); code < 0) {

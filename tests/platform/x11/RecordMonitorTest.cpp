@@ -5,8 +5,6 @@
 
 #include <gmock/gmock.h>
 
-#include <csignal>
-
 namespace tavi {
 namespace {
 
@@ -73,10 +71,7 @@ TEST_P(RecordMonitor, takeShowsItAloneAndPlacesThePointerOnIt) {
     ASSERT_TRUE(recorder.waitForFirstFrame()) << recorder.errors();
     desktop.pressAt(static_cast<int>(monitor.outside.x), static_cast<int>(monitor.outside.y));
     desktop.pressAt(static_cast<int>(monitor.inside.x), static_cast<int>(monitor.inside.y));
-    ASSERT_TRUE(
-        test::waitFor([&] { return recorder.journal().find("leftMouseUp") != std::string::npos; }));
-    recorder.signal(SIGINT);
-    ASSERT_EQ(recorder.wait(), 0) << recorder.errors();
+    ASSERT_TRUE(recorder.stopAfterClick()) << recorder.errors();
 
     const auto samples = test::readAll(recorder.take() / "video.mov");
     ASSERT_FALSE(samples.empty());

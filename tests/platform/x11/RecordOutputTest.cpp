@@ -90,10 +90,7 @@ TEST_P(RecordOutput, isShownAloneWithThePointerInItsPlace) {
     // Not near the end: the pointer doesn't leave the unscaled output.
     const Point press{a.width * 0.6, a.height * 0.6};
     pressAt(static_cast<int>(press.x), static_cast<int>(press.y));
-    ASSERT_TRUE(
-        test::waitFor([&] { return recorder.journal().find("leftMouseUp") != std::string::npos; }));
-    recorder.signal(SIGINT);
-    ASSERT_EQ(recorder.wait(), 0) << recorder.errors();
+    ASSERT_TRUE(recorder.stopAfterClick()) << recorder.errors();
 
     const auto samples = test::readAll(recorder.take() / "video.mov");
     ASSERT_FALSE(samples.empty());

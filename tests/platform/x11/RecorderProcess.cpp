@@ -82,6 +82,14 @@ void RecorderProcess::signal(int number) const {
     kill(m_pid, number);
 }
 
+bool RecorderProcess::stopAfterClick() {
+    if (!eventuallyOf([this] { return journal().find("leftMouseUp") != std::string::npos; })) {
+        return false;
+    }
+    signal(SIGINT);
+    return wait() == 0;
+}
+
 int RecorderProcess::wait() {
     int raw = 0;
     waitpid(m_pid, &raw, 0);

@@ -32,6 +32,9 @@ public:
 
     void signal(int number) const;
 
+    /// Ends the take once it has logged that a button was let go; false where that fails.
+    bool stopAfterClick();
+
     /// Waits for its end; the exit status, -1 after a signal.
     int wait();
 
