@@ -20,6 +20,7 @@ protected:
         pointer.arrow = {cursorImageBytes(PixelBuffer(2, 2), 0, 0), {0, 0}, {2, 2}};
         pointer.current = pointer.arrow;
     }
+    ~TakeRecorderDevicesTest() override { devices = {}; } // A warm-up stands on the sessions.
 
     /// A microphone that is warm after `samples` equal samples.
     void warmUp(int samples = 3) {

@@ -21,7 +21,7 @@ constexpr std::size_t kLongestQueue = 12;
 /// What a live source may have inside the encoder and in front of it, in time that its encoding
 /// will take at the pace of late: whoever stops a take waits for that. On a
 /// busy machine pictures are dropped sooner.
-constexpr std::chrono::milliseconds kLongestQueueTime{400};
+constexpr std::chrono::milliseconds kLongestQueueTime{600};
 
 /// How much of the pace is that of the last picture.
 constexpr int kPaceShare = 4;
