@@ -82,8 +82,8 @@ void fillAlphaPicture(const PixelBuffer& from, AVFrame& to) {
     for (int y = 0; y < from.height(); ++y) {
         const std::uint8_t* in = from.row(y) + kAlphaPlane;
         std::uint8_t* out = to.data[0] + static_cast<std::ptrdiff_t>(to.linesize[0]) * y;
-        for (int x = 0; x < from.width(); ++x) {
-            out[x] = in[x * PixelBuffer::kBytesPerPixel];
+        for (int x = 0; x < from.width(); ++x, in += PixelBuffer::kBytesPerPixel) {
+            out[x] = *in;
         }
     }
     const int columns = (to.width + 1) / 2;
@@ -134,8 +134,8 @@ void takeAlpha(const AVFrame& from, PixelBuffer& to) {
         const std::uint8_t* in =
             from.data[kAlphaPlane] + static_cast<std::ptrdiff_t>(from.linesize[kAlphaPlane]) * y;
         std::uint8_t* out = to.row(y) + kAlphaPlane;
-        for (int x = 0; x < to.width(); ++x) {
-            out[x * PixelBuffer::kBytesPerPixel] = in[x];
+        for (int x = 0; x < to.width(); ++x, out += PixelBuffer::kBytesPerPixel) {
+            *out = in[x];
         }
     }
     settleAlpha(to);
