@@ -10,7 +10,7 @@ InputField {
     required property string shown
     signal blurred(string text)
 
-    implicitHeight: 24
+    implicitHeight: 20
     font.pixelSize: 12
     font.family: Theme.tabularFamily
 

@@ -53,6 +53,7 @@ Item {
     FocusRing {
         shown: stop.activeFocus
         cornerRadius: 3
+        border.color: AppPalette.white // what it stands around is of the accent's colour
     }
     Loader {
         active: stop.activeFocus

@@ -86,7 +86,12 @@ void Picture::itemChange(ItemChange change, const ItemChangeData& data) {
 }
 
 QImage Picture::drawn(double ratio) const {
-    const QSize pixels(int(std::ceil(width() * ratio)), int(std::ceil(height() * ratio)));
+    constexpr double kRounding = 1e-6; // of a size that was divided by the ratio
+    const QSize pixels(int(std::ceil(width() * ratio - kRounding)),
+                       int(std::ceil(height() * ratio - kRounding)));
+    if (m_stretched && m_topRadius == 0 && m_bottomRadius == 0 && m_image.size() == pixels) {
+        return m_image; // as live pictures are, thirty times a second
+    }
     const QRectF part =
         m_stretched ? QRectF(m_image.rect()) : coveringPart(m_image.size(), QSizeF(pixels));
     // A good filter for the size, then one brush through the shape: edges are smooth.
