@@ -48,10 +48,15 @@ CanvasViewModel::CanvasViewModel(EditorViewModel& editor, Executor& main, Execut
     });
     connect(&editor, &EditorViewModel::currentTimeChanged, this, &CanvasViewModel::compose);
     connect(&editor, &EditorViewModel::canvasModeChanged, this, &CanvasViewModel::compose);
+    connect(&editor, &EditorViewModel::isPlayingChanged, this, &CanvasViewModel::compose);
     takeLog();
     editor.playback().player().setPictureObserver([this] { compose(); });
     if (MediaPlayer* camera = editor.playback().cameraPlayer()) {
-        camera->setPictureObserver([this] { compose(); });
+        camera->setPictureObserver([this] {
+            if (!m_editor.isPlaying()) { // else the playhead brings it along
+                compose();
+            }
+        });
     }
 }
 

@@ -65,6 +65,41 @@ TEST_F(Canvas, changesWhileAPictureIsComposedAreNotQueued) {
     EXPECT_EQ(pictures, 2) << "the first and the newest";
 }
 
+/// The same beside a take with a camera.
+class CanvasWithCamera : public Canvas {
+protected:
+    void SetUp() override {
+        addCamera(0);
+        Canvas::SetUp();
+    }
+
+    void showCamera(int level) {
+        players.made.at("camera.mov")
+            ->show(test::shared(test::plainPicture(64, 64, {level, level, level, 255})));
+        settle();
+    }
+};
+
+TEST_F(CanvasWithCamera, camerasPictureIsShownAtOnceWhileNothingPlays) {
+    showCamera(100);
+    EXPECT_EQ(pictures, 1);
+}
+
+TEST_F(CanvasWithCamera, camerasPictureComesWithThePlayheadWhileItPlays) {
+    editor->togglePlayback();
+    settle();
+    pictures = 0;
+    showCamera(100);
+    EXPECT_EQ(pictures, 0);
+    video().tick(0.03);
+    settle();
+    EXPECT_EQ(pictures, 1);
+    showCamera(200);
+    editor->togglePlayback();
+    settle();
+    EXPECT_EQ(pictures, 2) << "the last one before the pause, too";
+}
+
 TEST_F(Canvas, showsTheVideosPicture) {
     editor->changeProject([](EditProject& p) {
         p.appearanceSettings.backgroundStyle = BackgroundStyle::solidWhite;

@@ -50,6 +50,11 @@ public:
     }
     void reachEnd() { m_endObserver(); }
 
+    void show(PixelBufferPtr next) {
+        picture = std::move(next);
+        m_pictureObserver();
+    }
+
     std::optional<PlayerItem> current; ///< What replaced the first item.
     MediaTime time;
     MediaTime tickInterval;
