@@ -4,7 +4,7 @@ BUILD := build/release
 DEV := build/dev
 export CCACHE_DIR ?= $(HOME)/.cache/ccache
 
-.PHONY: help setup build demo gallery test run package screens bench bench-app bench-player bench-export bench-capture bench-sync asan tsan fuzz format lint clean
+.PHONY: help setup build demo gallery test run package screens bench bench-app bench-editor bench-player bench-export bench-capture bench-sync asan tsan fuzz format lint clean
 
 help: ## this list
 	@awk -F':.*## ' '/^[a-z-]+:.*## /{printf "  make %-13s %s\n", $$1, $$2}' $(MAKEFILE_LIST)
@@ -49,6 +49,9 @@ bench-capture: build ## what recording a busy display costs, beside ffmpeg's gra
 
 bench-app: build ## time the application's start, and what its idle library costs
 	@tools/bench-app
+
+bench-editor: build ## what playing a take in the editor costs, thread by thread
+	@tools/bench-editor
 
 bench-player: build ## time opening, seeking and playing of a take
 	@tools/bench-player
