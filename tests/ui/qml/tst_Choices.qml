@@ -38,6 +38,13 @@ Item {
             verify(pill(2).chosen)
             verify(!pill(0).chosen)
         }
+        function test_upAndDownStepToo() {
+            pill(0).forceActiveFocus(Qt.TabFocusReason)
+            keyClick(Qt.Key_Down)
+            compare(row.currentIndex, 1)
+            keyClick(Qt.Key_Up)
+            compare(row.currentIndex, 0)
+        }
         function test_arrowsStepAndStopAtTheEnds() {
             pill(0).forceActiveFocus(Qt.TabFocusReason)
             keyClick(Qt.Key_Left)

@@ -53,6 +53,22 @@ Item {
             return childThat(toggle, child => child.Accessible.role === Accessible.CheckBox)
         }
 
+        function test_upAndDownStepLikeLeftAndRight() {
+            handle().forceActiveFocus(Qt.TabFocusReason)
+            keyClick(Qt.Key_Up)
+            compare(slider.value, 11)
+            keyClick(Qt.Key_Down)
+            keyClick(Qt.Key_Down)
+            compare(slider.value, 9)
+            compare(moved.count, 3)
+        }
+        function test_withoutAStepTheKeysGoFurtherOnALongRange() {
+            slider.stepSize = 0
+            handle().forceActiveFocus(Qt.TabFocusReason)
+            keyClick(Qt.Key_Up)
+            fuzzyCompare(slider.value, 10.4, 1e-6)
+            slider.stepSize = 1
+        }
         function test_aDragMovesBySteps() {
             const track = handle()
             mousePress(track, track.width / 4, track.height / 2)
