@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/desktop/DesktopSession.h"
+#include "support/PrivateBus.h"
 
 #include <QDBusConnection>
 #include <QProcess>

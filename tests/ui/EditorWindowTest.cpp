@@ -172,6 +172,8 @@ TEST_F(EditorWindowTest, everyControlOfTheBackgroundChangesItsField) {
     m_window.setSlider("Blur Radius", 60, 20, 80);
     m_window.expectChanges(
         {{"appearanceSettings.backgroundStyle", "blur"}, {"appearanceSettings.blurRadius", 60}});
+    EXPECT_TRUE(m_window.find("Blur").isChecked()) << "who doesn't see it is told";
+    EXPECT_FALSE(m_window.find("Gradient").isChecked());
     m_window.click("Aurora");
     m_window.click("ocean");
     m_window.click("Animate");
