@@ -1,3 +1,4 @@
+#include "platform/ffmpeg/PlayerRig.h"
 #include "platform/ffmpeg/TestMedia.h"
 
 #include <gtest/gtest.h>
@@ -160,6 +161,21 @@ TEST(AlphaTrack, isInSmallPicturesToo) {
     const auto image = imageGenerator().copyImage(written(), {1, 2}, {kWidth / 2, kHeight / 2});
     ASSERT_TRUE(image) << image.error().description();
     expectWindow(**image, 0, 2);
+}
+
+TEST(AlphaTrack, isSeenInAPlayerWhereverItGoes) {
+    PlayerRig rig;
+    rig.open(written());
+    for (const int tenths : {0, 7, 2, 11, 5, 6, 0}) {
+        const int top = tenths < 6 ? 0 : 120;
+        rig.player().seek({tenths, 10});
+        EXPECT_TRUE(rig.main.runUntil([&] {
+            const PixelBufferPtr shown = rig.player().currentPicture();
+            return shown && shown->row(top + 20)[260 * 4 + 3] == 255 &&
+                   shown->row(140 - top)[260 * 4 + 3] == 0;
+        })) << tenths;
+        expectWindow(*rig.player().currentPicture(), top);
+    }
 }
 
 TEST(AlphaTrack, aRepeatedPictureKeepsItsAlpha) {
