@@ -4,7 +4,11 @@ BUILD := build/release
 DEV := build/dev
 export CCACHE_DIR ?= $(HOME)/.cache/ccache
 
+<<<<<<< HEAD
 .PHONY: help setup build demo gallery test run package screens bench bench-app bench-editor bench-player bench-export bench-capture bench-sync asan tsan fuzz format lint clean
+=======
+.PHONY: help setup build demo gallery test run package screens bench bench-app bench-player bench-export bench-capture bench-wayland bench-sync asan tsan fuzz format lint clean
+>>>>>>> 313f298 (platform/portal: never starve a compositor with two buffers; bench: casts beside GStreamer)
 
 help: ## this list
 	@awk -F':.*## ' '/^[a-z-]+:.*## /{printf "  make %-13s %s\n", $$1, $$2}' $(MAKEFILE_LIST)
@@ -46,6 +50,9 @@ bench-sync: setup ## record for minutes and tell how far sound and picture are a
 
 bench-capture: build ## what recording a busy display costs, beside ffmpeg's grabber
 	@tools/bench-capture
+
+bench-wayland: build ## what recording a busy cast of a compositor costs, beside GStreamer
+	@tools/bench-wayland
 
 bench-app: build ## time the application's start, and what its idle library costs
 	@tools/bench-app

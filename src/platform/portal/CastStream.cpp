@@ -16,6 +16,9 @@ namespace {
 constexpr std::int64_t kPlausible = 2'000'000'000;
 /// Samples that the queue hasn't come to yet; more of them would only be dropped there.
 constexpr int kMostQueued = 2;
+constexpr std::int64_t kRetry = 4'000'000; ///< Until the queue is looked at again, nanoseconds.
+/// With fewer buffers a compositor has none to draw into while one is lent and one waits.
+constexpr std::size_t kFewestToLend = 4;
 constexpr std::size_t kMostKeptPictures = 3;
 /// How often the format, which must come, is waited for; then the first picture, which may not.
 constexpr int kFormatRounds = 4;
@@ -378,7 +381,7 @@ void CastStream::deliver(std::int64_t now) {
         return;
     }
     if (*m_queued >= kMostQueued) {
-        wakeAt(now + FramePace::kTolerance);
+        wakeAt(now + kRetry);
         return;
     }
     const auto time = m_pace->admit(m_waiting->time, now);
@@ -421,7 +424,8 @@ PixelBufferPtr CastStream::pixelsOf(const Waiting& waiting) {
 PixelBufferPtr CastStream::lend(const Waiting& waiting) {
     const std::uint8_t* first =
         asPixelBuffer(waiting.picture, m_configuration.width, m_configuration.height);
-    const bool canSpare = m_returned->lent() < static_cast<int>(m_buffers.size()) / 2;
+    const bool canSpare = m_buffers.size() >= kFewestToLend &&
+                          m_returned->lent() < static_cast<int>(m_buffers.size()) / 2;
     if (first == nullptr || !canSpare || !waiting.buffer->planes[0]->isPlainMemory()) {
         return nullptr;
     }

@@ -315,6 +315,18 @@ TEST_F(CastOfACompositor, picturesThatAreKeptStayAsTheyAreWhateverComes) {
     EXPECT_EQ(pixel(sample(40), 7, 7) & 0xFFFFFF, 40U);
 }
 
+TEST_F(CastOfACompositor, neverStarvesACompositorWithTwoBuffers) {
+    CastLayout layout;
+    layout.fewestBuffers = 2;
+    layout.mostBuffers = 2;
+    open(layout);
+    start();
+    for (std::uint32_t i = 1; i <= 60; ++i) {
+        show(plain(0xFF000000U + i));
+    }
+    EXPECT_EQ(pixel(last(), 7, 7) & 0xFFFFFF, 60U);
+}
+
 TEST_F(CastOfACompositor, tellsWhereThePointerIsAndHowItLooks) {
     open({});
     start();

@@ -169,10 +169,12 @@ void FakeCast::parameterChanged(void* data, std::uint32_t id, const spa_pod* pod
     const int kind = cast.m_layout.isDmaBuf ? SPA_DATA_DmaBuf : SPA_DATA_MemFd;
     wanted.push_back(static_cast<const spa_pod*>(spa_pod_builder_add_object(
         &builder, SPA_TYPE_OBJECT_ParamBuffers, SPA_PARAM_Buffers, SPA_PARAM_BUFFERS_buffers,
-        SPA_POD_CHOICE_RANGE_Int(4, 2, 16), SPA_PARAM_BUFFERS_blocks,
-        SPA_POD_Int(cast.m_layout.isTwoPlanes ? 2 : 1), SPA_PARAM_BUFFERS_size,
-        SPA_POD_Int(cast.planeBytes(0)), SPA_PARAM_BUFFERS_stride, SPA_POD_Int(cast.rowBytes()),
-        SPA_PARAM_BUFFERS_dataType, SPA_POD_CHOICE_FLAGS_Int(1 << kind))));
+        SPA_POD_CHOICE_RANGE_Int(cast.m_layout.fewestBuffers, cast.m_layout.fewestBuffers,
+                                 cast.m_layout.mostBuffers),
+        SPA_PARAM_BUFFERS_blocks, SPA_POD_Int(cast.m_layout.isTwoPlanes ? 2 : 1),
+        SPA_PARAM_BUFFERS_size, SPA_POD_Int(cast.planeBytes(0)), SPA_PARAM_BUFFERS_stride,
+        SPA_POD_Int(cast.rowBytes()), SPA_PARAM_BUFFERS_dataType,
+        SPA_POD_CHOICE_FLAGS_Int(1 << kind))));
     const std::array<std::pair<std::uint32_t, int>, 4> metas{
         {{SPA_META_Header, sizeof(spa_meta_header)},
          {SPA_META_VideoCrop, sizeof(spa_meta_region)},
@@ -231,7 +233,20 @@ bool FakeCast::send(const CastFrame& frame) {
         pw_stream_queue_buffer(m_stream, buffer);
     }
     pw_thread_loop_unlock(m_loop);
-    return buffer != nullptr;
+    return buffer != nullptr && waitFor([this] { return isTaken(); });
+}
+
+/// A buffer that is queued while the one before is handed over stays until the next is.
+bool FakeCast::isTaken() {
+    pw_thread_loop_lock(m_loop);
+    pw_time time{};
+    const bool isLeft =
+        pw_stream_get_time_n(m_stream, &time, sizeof time) == 0 && time.queued_buffers > 0;
+    if (isLeft) {
+        pw_stream_trigger_process(m_stream);
+    }
+    pw_thread_loop_unlock(m_loop);
+    return !isLeft;
 }
 
 void FakeCast::resize(int width, int height) {

@@ -16,10 +16,12 @@ struct CastLayout {
     spa_video_format format = SPA_VIDEO_FORMAT_BGRx;
     int width = 64;
     int height = 48;
-    int padding = 0;                            ///< Bytes behind each row.
-    bool isBottomUp = false;                    ///< With a negative stride.
-    bool isTwoPlanes = false;                   ///< NV12 in two pieces of memory.
-    bool isDmaBuf = false;                      ///< Offered as linear graphics memory only.
+    int padding = 0;          ///< Bytes behind each row.
+    bool isBottomUp = false;  ///< With a negative stride.
+    bool isTwoPlanes = false; ///< NV12 in two pieces of memory.
+    bool isDmaBuf = false;    ///< Offered as linear graphics memory only.
+    int fewestBuffers = 4;
+    int mostBuffers = 16;
     std::vector<spa_video_format> offered = {}; ///< Else `format` alone.
 };
 
@@ -80,6 +82,7 @@ private:
     static void process(void*) {}
     static const pw_stream_events kEvents;
 
+    bool isTaken();
     std::vector<const spa_pod*> offers(std::vector<std::uint8_t>& memory) const;
     int rowBytes() const;
     int chromaRowBytes() const;
