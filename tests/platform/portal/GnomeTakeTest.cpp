@@ -9,10 +9,8 @@
 #include <gmock/gmock.h>
 
 #include <algorithm>
-#include <chrono>
 #include <cmath>
 #include <csignal>
-#include <thread>
 
 namespace tavi {
 namespace {
@@ -50,14 +48,26 @@ protected:
         return std::count(journal.begin(), journal.end(), '\n') > 1;
     }
 
-    std::vector<Sent> movePointer() {
+    static std::size_t loggedMoves(const RecorderProcess& recorder) {
+        const std::string journal = recorder.journal();
+        std::size_t count = 0;
+        for (auto at = journal.find("\"move\""); at != std::string::npos;
+             at = journal.find("\"move\"", at + 1)) {
+            ++count;
+        }
+        return count;
+    }
+
+    /// A busy compositor puts moves together that it is late for: each waits for the one before.
+    std::vector<Sent> movePointer(const RecorderProcess& recorder) {
         std::vector<Sent> sent;
         for (int i = 0; i < 20; ++i) {
             const double x = 100 + i * 50;
             const double y = 600 - i * 25;
+            const std::size_t before = loggedMoves(recorder);
             sent.push_back({x, y, dateNow()});
             desktop.movePointer(x, y);
-            std::this_thread::sleep_for(std::chrono::milliseconds(100));
+            EXPECT_TRUE(waitFor([&] { return loggedMoves(recorder) > before; })) << x << ", " << y;
         }
         return sent;
     }
@@ -96,7 +106,7 @@ TEST_F(TakeUnderGnome, hasThePointerBesideThePicturesAndIsAskedForOnce) {
     RecorderProcess first("");
     ASSERT_TRUE(agree(first)) << first.errors();
     desktop.openTerminal();
-    const auto sent = movePointer();
+    const auto sent = movePointer(first);
     first.signal(SIGINT);
     ASSERT_EQ(first.wait(), 0) << first.errors();
 
