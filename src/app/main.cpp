@@ -43,8 +43,12 @@ void showFromOutside(TaviApp& app, QtApplicationWindows& windows, const QString&
     if (!take.isEmpty()) {
         app.appViewModel()->openTake(pathOf(take));
     }
+    // Under X11 the task bar brings back a window that is away for a take. Under Wayland there may
+    // be none: who starts the program again wants to see it.
+    const bool isAwayForATake = QGuiApplication::platformName() == QLatin1String("xcb") &&
+                                app.appViewModel()->statusBarService() != nullptr;
     for (ApplicationWindow* window : windows.windows()) {
-        if (window->isMiniaturized() && app.appViewModel()->statusBarService() == nullptr) {
+        if (window->isMiniaturized() && !isAwayForATake) {
             window->deminiaturize();
         }
     }

@@ -5,6 +5,7 @@
 #include "capture/Thumbnails.h"
 
 #include <ostream>
+#include <thread>
 #include <utility>
 
 namespace tavi {
@@ -431,12 +432,13 @@ QCoro::Task<std::vector<std::uint32_t>> RecordingViewModel::ownWindows() {
     if (m_ports.applicationId.empty()) {
         co_return std::vector<std::uint32_t>();
     }
-    auto asking = onQueue(m_loader, m_ports.take.tracking.main,
-                          [source = &m_ports.content, id = m_ports.applicationId] {
-                              const auto content = source->content();
-                              return content ? windowsOfProgram(content->windows, id)
-                                             : std::vector<std::uint32_t>();
-                          });
+    auto asking = onQueue(
+        m_loader, m_ports.take.tracking.main,
+        [source = &m_ports.content, id = m_ports.applicationId, minimizing = m_ports.minimizing] {
+            std::this_thread::sleep_for(minimizing);
+            const auto content = source->content();
+            return content ? windowsOfProgram(content->windows, id) : std::vector<std::uint32_t>();
+        });
     co_return co_await asking;
 }
 

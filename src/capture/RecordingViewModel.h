@@ -14,6 +14,7 @@
 #include <QVariantList>
 #include <QVariantMap>
 
+#include <chrono>
 #include <filesystem>
 #include <functional>
 #include <iosfwd>
@@ -90,6 +91,9 @@ public:
         WakeLocks* wakeLocks = nullptr;   ///< Null: the desktop may fall asleep during a take.
         /// What this desktop lets a take know of the pointer.
         CursorMode cursorMode = CursorMode::metadata;
+        /// How long a window that is minimized when isStarting turns true may take to be off the
+        /// screen, with its animation; a display's take begins after that.
+        std::chrono::milliseconds minimizing{0};
     };
 
     explicit RecordingViewModel(Ports ports, QObject* parent = nullptr);

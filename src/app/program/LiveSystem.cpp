@@ -20,6 +20,9 @@ namespace tavi {
 
 namespace {
 
+/// Desktops let a window fade or fly for a quarter of a second.
+constexpr std::chrono::milliseconds kMinimizing{400};
+
 const QColor kSystemRed(255, 59, 48);
 
 /// The application's package: beside an installed program, or in a build tree.
@@ -133,7 +136,8 @@ std::unique_ptr<RecordingViewModel> LiveSystem::makeRecording() {
         CountdownOverlayService::kStartValue,
         m_screen->consent(),
         &m_wakeLocks,
-        m_screen->cursorMode()});
+        m_screen->cursorMode(),
+        kMinimizing});
 }
 
 std::unique_ptr<EditorScreenViewModel> LiveSystem::makeEditor(const std::filesystem::path& folder) {

@@ -26,6 +26,7 @@ PixelBuffer bufferOf(const QImage& image) {
 class SurfacePanel::Drawing {
 public:
     Drawing(QQmlEngine& engine, int value) : m_engine(engine), m_value(value) {
+        m_window.setFlags(Qt::ToolTip);
         m_window.setColor(Qt::transparent);
     }
 

@@ -5,6 +5,7 @@
 #include <QDBusVariant>
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <csignal>
 
 namespace tavi {
@@ -97,6 +98,46 @@ TEST_F(Application, tavisStopEndsTheTakeAndTheApplicationGoesOn) {
     expectTakeOpened();
     EXPECT_EQ(session.application().state(), QProcess::Running);
     EXPECT_EQ(session.run("tavi", {"stop"}), 1) << "no take runs any more";
+}
+
+TEST_F(Application, aTakeKeepsTheDesktopAwake) {
+    constexpr uint kCookie = 9;
+    FakeDesktopService screenSaver(
+        session.bus(), "org.freedesktop.ScreenSaver", "/org/freedesktop/ScreenSaver",
+        R"(<interface name="org.freedesktop.ScreenSaver"/>)", [](const QDBusMessage& call) {
+            return call.member() == "Inhibit" ? QVariantList{kCookie} : QVariantList{};
+        });
+    session.startApplication();
+    EXPECT_EQ(screenSaver.lastCall("Inhibit").type(), QDBusMessage::InvalidMessage);
+    session.record();
+    ASSERT_TRUE(waitPatiently(
+        [&] { return screenSaver.lastCall("Inhibit").type() == QDBusMessage::MethodCallMessage; }));
+    EXPECT_EQ(screenSaver.lastCall("UnInhibit").type(), QDBusMessage::InvalidMessage);
+    EXPECT_EQ(session.run("tavi", {"stop"}), 0);
+    ASSERT_TRUE(waitPatiently([&] {
+        const auto released = screenSaver.lastCall("UnInhibit");
+        return !released.arguments().isEmpty() && released.arguments()[0].toUInt() == kCookie;
+    }));
+}
+
+/// The screen is black but for the window.
+TEST_F(Application, theWindowIsInNoPictureOfTheDisplay) {
+    startTake();
+    EXPECT_EQ(session.run("tavi", {"stop"}), 0);
+    ASSERT_EQ(session.takes().size(), 1u);
+    QProcess reader;
+    reader.start("ffmpeg",
+                 {"-v", "error", "-i",
+                  QString::fromStdString((session.takes().front() / "video.mov").string()),
+                  "-frames:v", "1", "-f", "rawvideo", "-pix_fmt", "gray", "-"});
+    ASSERT_TRUE(reader.waitForFinished(60'000));
+    const QByteArray first = reader.readAllStandardOutput();
+    ASSERT_EQ(first.size(), 1200 * 800);
+    constexpr int kBlackAtMost = 8; // the window's ground is lighter, and rounding less
+    EXPECT_LT(
+        std::count_if(first.begin(), first.end(),
+                      [](char grey) { return static_cast<unsigned char>(grey) > kBlackAtMost; }),
+        first.size() / 100);
 }
 
 TEST_F(Application, theEndOfTheSessionSavesTheTake) {

@@ -87,6 +87,10 @@ void DesktopSession::click(int x, int y) const {
                   std::to_string(x) + " " + std::to_string(y) + " click 1");
 }
 
+void DesktopSession::clickScreen(int x, int y) const {
+    m_display.run("xdotool mousemove " + std::to_string(x) + " " + std::to_string(y) + " click 1");
+}
+
 /// The same clicks do nothing on the other screens, so they are simply repeated.
 void DesktopSession::record() {
     ASSERT_TRUE(waitPatiently([this] {

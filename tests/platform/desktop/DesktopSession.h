@@ -41,8 +41,13 @@ public:
 
     const TemporaryFolder& folder() const { return m_folder; }
 
-private:
+    /// Starts a program of the desktop; the caller ends it.
     void start(QProcess& process, const QString& program, const QStringList& arguments);
+
+    /// Clicks at a place of the screen.
+    void clickScreen(int x, int y) const;
+
+private:
     void click(int x, int y) const;
     bool isTakeRunning() const;
 
