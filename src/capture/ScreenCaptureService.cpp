@@ -101,7 +101,7 @@ Result<void, CaptureError> ScreenCaptureService::startStream(const ScreenFilter&
     m_stream = std::move(*stream);
     m_queue = std::make_unique<SerialQueue>("com.tavi.capture");
     auto output = m_stream->addStreamOutput(
-        *m_queue, [this](const ScreenSample& sample) { handleSample(sample); });
+        *m_queue, [this](const ScreenSample& sample) { return handleSample(sample); });
     if (!output) {
         return output;
     }
@@ -122,19 +122,20 @@ void ScreenCaptureService::abandonStart() {
     m_audioWriterInput = nullptr;
 }
 
-void ScreenCaptureService::handleSample(const ScreenSample& sample) {
+bool ScreenCaptureService::handleSample(const ScreenSample& sample) {
     if (sample.type != ScreenSampleType::screen || !m_isCapturing || !sample.isValid) {
-        return;
+        return true;
     }
     if (!m_sessionStarted) {
         startSession(sample.presentationTime);
     }
     if (!sample.image) {
-        return;
+        return true;
     }
     const bool taken = m_videoInput != nullptr && m_videoInput->isReadyForMoreMediaData() &&
                        m_videoInput->append(sample.image, sample.presentationTime);
     ++(taken ? m_appendedFrames : m_droppedFrames);
+    return taken;
 }
 
 /// Kept on purpose: a sample without a picture starts the session as well; its

@@ -85,7 +85,7 @@ private:
                                          const ScreenCaptureOptions& options);
     Result<void, CaptureError> startStream(const ScreenFilter& filter, int width, int height);
     void abandonStart();
-    void handleSample(const ScreenSample& sample);
+    bool handleSample(const ScreenSample& sample);
     void startSession(MediaTime time);
     void finishFile(MediaTime end);
 

@@ -59,7 +59,9 @@ struct ScreenSample {
 /// controlling thread; samples arrive on the queue given. The destructor stops the stream.
 class ScreenStream {
 public:
-    using Handler = std::function<void(const ScreenSample&)>;
+    /// Says whether the picture could be used. Where it could not, it may come again a little later
+    /// with a new time though nothing changed: what a screen comes to rest with is not to be lost.
+    using Handler = std::function<bool(const ScreenSample&)>;
 
     virtual ~ScreenStream() = default;
 

@@ -40,23 +40,26 @@ protected:
         QCoreApplication::processEvents(); // what tasks still wait for
     }
 
+    RecordingViewModel::Ports ports() {
+        return {content,
+                &screenshots,
+                &devices,
+                {screen,
+                 media,
+                 images,
+                 {pointer, pointer, pointer, launcher, clock, main, nullptr, "/package/TaviKeys"},
+                 &sessions},
+                {panels, frames, timers},
+                [this] { return library.path(); },
+                messages,
+                "tavlin",
+                CountdownOverlayService::kStartValue,
+                nullptr,
+                &wakeLocks};
+    }
+
     std::unique_ptr<RecordingViewModel> makeModel() {
-        return std::make_unique<RecordingViewModel>(RecordingViewModel::Ports{
-            content,
-            &screenshots,
-            &devices,
-            {screen,
-             media,
-             images,
-             {pointer, pointer, pointer, launcher, clock, main, nullptr, "/package/TaviKeys"},
-             &sessions},
-            {panels, frames, timers},
-            [this] { return library.path(); },
-            messages,
-            "tavlin",
-            CountdownOverlayService::kStartValue,
-            nullptr,
-            &wakeLocks});
+        return std::make_unique<RecordingViewModel>(ports());
     }
 
     /// Runs a task to its end.

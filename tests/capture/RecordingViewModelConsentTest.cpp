@@ -12,19 +12,7 @@ using testing::IsEmpty;
 class RecordingWithConsent : public test::RecordingScreen {
 protected:
     RecordingWithConsent() {
-        RecordingViewModel::Ports ports{
-            content,
-            &screenshots,
-            &devices,
-            {screen,
-             media,
-             images,
-             {pointer, pointer, pointer, launcher, clock, main, nullptr, "/package/TaviKeys"},
-             &sessions},
-            {panels, frames, timers},
-            [this] { return library.path(); },
-            messages,
-            "tavlin"};
+        RecordingViewModel::Ports ports = this->ports();
         ports.consent = &consent;
         model = std::make_unique<RecordingViewModel>(std::move(ports));
         load();

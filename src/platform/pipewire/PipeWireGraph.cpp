@@ -214,6 +214,17 @@ void PipeWireGraph::runWork() {
     m_workDone.notify_all();
 }
 
+void PipeWireGraph::closeStream(pw_stream& stream, spa_hook& hook) const {
+    spa_hook_remove(&hook);
+    pw_stream_disconnect(&stream);
+    // Calls that the library's data thread left here for the stream come before it goes.
+    const auto nothing = [](spa_loop*, bool, std::uint32_t, const void*, std::size_t, void*) {
+        return 0;
+    };
+    pw_loop_invoke(loop(), nothing, 0, nullptr, 0, false, nullptr);
+    pw_stream_destroy(&stream);
+}
+
 bool PipeWireGraph::waitUntil(const std::function<bool()>& condition) {
     timespec end{};
     pw_thread_loop_get_time(m_loop, &end, std::chrono::nanoseconds(kPatience).count());

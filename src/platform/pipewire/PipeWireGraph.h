@@ -89,6 +89,10 @@ public:
     /// stream that another thread destroys is still called by those that wait.
     void perform(const std::function<void()>& work);
 
+    /// Ends a capturing stream whose listener `hook` is; nothing of it is called any more when
+    /// this returns. On the thread.
+    void closeStream(pw_stream& stream, spa_hook& hook) const;
+
     /// With the lock held: waits until `condition` holds, which is asked after each signal();
     /// false when it didn't within the patience. Not on the graph's thread.
     bool waitUntil(const std::function<bool()>& condition);

@@ -170,14 +170,7 @@ void CastStream::closeStream() {
     if (m_stream == nullptr) {
         return;
     }
-    spa_hook_remove(&m_streamHook);
-    pw_stream_disconnect(m_stream);
-    // Calls that the library's data thread left here for the stream come before it goes.
-    const auto nothing = [](spa_loop*, bool, std::uint32_t, const void*, std::size_t, void*) {
-        return 0;
-    };
-    pw_loop_invoke(m_graph.loop(), nothing, 0, nullptr, 0, false, nullptr);
-    pw_stream_destroy(m_stream);
+    m_graph.closeStream(*m_stream, m_streamHook);
     m_stream = nullptr;
     for (const auto& [raw, buffer] : m_buffers) {
         buffer->raw = nullptr;

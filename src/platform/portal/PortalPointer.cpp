@@ -1,7 +1,6 @@
 #include "platform/portal/PortalPointer.h"
 
 #include <utility>
-#include <vector>
 
 namespace tavi {
 
@@ -13,13 +12,11 @@ PortalPointer::~PortalPointer() = default;
 
 std::optional<PointerMonitors::Token>
 PortalPointer::addGlobalMonitor(PointerEventKind kind, std::function<void()> handler) {
-    const Token token = m_nextToken++;
-    m_monitors[token] = {kind, std::move(handler)};
-    return token;
+    return m_monitors.add(kind, std::move(handler));
 }
 
 void PortalPointer::removeMonitor(Token token) {
-    m_monitors.erase(token);
+    m_monitors.remove(token);
 }
 
 Point PortalPointer::query() const {
@@ -30,13 +27,6 @@ Point PortalPointer::query() const {
 std::optional<SystemCursor> PortalPointer::currentSystemCursor() {
     const std::lock_guard lock(m_mutex);
     return m_image;
-}
-
-void PortalPointer::note(PointerEventKind kind) {
-    if (kind == PointerEventKind::leftMouseDown || kind == PointerEventKind::leftMouseUp) {
-        m_isLeftDown = kind == PointerEventKind::leftMouseDown;
-    }
-    notify(kind);
 }
 
 void PortalPointer::show(int x, int y, int height) {
@@ -51,7 +41,8 @@ void PortalPointer::show(int x, int y, int height) {
     if (!m_isMovePosted.exchange(true)) {
         m_main.post([this, alive = std::weak_ptr(m_alive)] {
             if (!alive.expired()) {
-                notifyMove();
+                m_isMovePosted = false;
+                m_monitors.notify(PointerEventKind::mouseMoved);
             }
         });
     }
@@ -65,27 +56,6 @@ void PortalPointer::hide() {
 void PortalPointer::setImage(SystemCursor image) {
     const std::lock_guard lock(m_mutex);
     m_image = std::move(image);
-}
-
-void PortalPointer::notifyMove() {
-    m_isMovePosted = false;
-    notify(m_isLeftDown ? PointerEventKind::leftMouseDragged : PointerEventKind::mouseMoved);
-}
-
-/// A handler may add and remove monitors.
-void PortalPointer::notify(PointerEventKind kind) {
-    std::vector<Token> tokens;
-    for (const auto& [token, monitor] : m_monitors) {
-        if (monitor.kind == kind) {
-            tokens.push_back(token);
-        }
-    }
-    for (const Token token : tokens) {
-        if (const auto found = m_monitors.find(token); found != m_monitors.end()) {
-            const auto handler = found->second.handler;
-            handler();
-        }
-    }
 }
 
 } // namespace tavi

@@ -1,11 +1,10 @@
 #pragma once
 
 #include "base/Executor.h"
-#include "capture/Pointer.h"
+#include "capture/PointerMonitorList.h"
 
 #include <atomic>
 #include <functional>
-#include <map>
 #include <memory>
 #include <mutex>
 #include <optional>
@@ -15,9 +14,9 @@ namespace tavi {
 /// The pointer as the streams of a portal tell of it. Its global space is what is cast: a
 /// stream's picture lies with its bottom left corner at the origin, a point a pixel.
 ///
-/// No stream tells of buttons and wheels: who sees them calls note(), and they count as
-/// having happened where the stream says that the pointer is.
-/// Threads: monitors and note() on the main one; the rest is called from any.
+/// No stream tells of buttons and wheels, so every move counts as one with the buttons up, and
+/// monitors of other kinds are never called: the key helper tells of them.
+/// Threads: monitors on the main one; the rest is called from any.
 class PortalPointer final : public PointerMonitors, public PointerLocation, public CursorImages {
 public:
     using Arrow = std::function<std::optional<SystemCursor>()>;
@@ -37,9 +36,6 @@ public:
     std::optional<SystemCursor> arrowCursor() override { return m_arrow(); }
     std::optional<SystemCursor> currentSystemCursor() override;
 
-    /// Something that no stream tells of happened. Main thread.
-    void note(PointerEventKind kind);
-
     /// Of a stream whose picture is `height` pixels high: the pointer is there, in pixels from
     /// the picture's top left corner.
     void show(int x, int y, int height);
@@ -47,21 +43,12 @@ public:
     void setImage(SystemCursor image);
 
 private:
-    struct Monitor {
-        PointerEventKind kind;
-        std::function<void()> handler;
-    };
     struct Alive {};
-
-    void notify(PointerEventKind kind);
-    void notifyMove();
 
     Executor& m_main;
     Arrow m_arrow;
     std::shared_ptr<Alive> m_alive = std::make_shared<Alive>(); ///< Held weakly by blocks.
-    std::map<Token, Monitor> m_monitors; ///< Of the main thread, as the next.
-    Token m_nextToken = 1;
-    bool m_isLeftDown = false;
+    PointerMonitorList m_monitors;                              ///< Of the main thread.
     std::atomic<bool> m_isMovePosted = false;
 
     mutable std::mutex m_mutex; ///< Guards what follows.

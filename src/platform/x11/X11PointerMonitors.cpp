@@ -65,16 +65,14 @@ X11PointerMonitors::addGlobalMonitor(PointerEventKind kind, std::function<void()
     if (m_x.isBroken()) {
         return std::nullopt;
     }
-    if (m_monitors.empty()) {
+    if (m_monitors.isEmpty()) {
         selectEvents(true);
     }
-    const Token token = m_nextToken++;
-    m_monitors.emplace(token, Monitor{kind, std::move(handler)});
-    return token;
+    return m_monitors.add(kind, std::move(handler));
 }
 
 void X11PointerMonitors::removeMonitor(Token token) {
-    if (m_monitors.erase(token) > 0 && m_monitors.empty()) {
+    if (m_monitors.remove(token) && m_monitors.isEmpty()) {
         selectEvents(false);
     }
 }
@@ -162,40 +160,25 @@ void X11PointerMonitors::handleEvent(const xcb_generic_event_t& event) {
 void X11PointerMonitors::handlePress(std::uint32_t button) {
     if (button == kLeftButton) {
         m_isLeftDown = true;
-        notify(PointerEventKind::leftMouseDown);
+        m_monitors.notify(PointerEventKind::leftMouseDown);
     } else if (button == kRightButton) {
-        notify(PointerEventKind::rightMouseDown);
+        m_monitors.notify(PointerEventKind::rightMouseDown);
     } else if (button >= kFirstWheelButton && button <= kLastWheelButton) {
-        notify(PointerEventKind::scrollWheel);
+        m_monitors.notify(PointerEventKind::scrollWheel);
     }
 }
 
 void X11PointerMonitors::handleRelease(std::uint32_t button) {
     if (button == kLeftButton) {
         m_isLeftDown = false;
-        notify(PointerEventKind::leftMouseUp);
+        m_monitors.notify(PointerEventKind::leftMouseUp);
     }
 }
 
 void X11PointerMonitors::handleMotion(const xcb_ge_generic_event_t& event) {
     if (movesPointer(event)) {
-        notify(m_isLeftDown ? PointerEventKind::leftMouseDragged : PointerEventKind::mouseMoved);
-    }
-}
-
-/// A handler may add and remove monitors.
-void X11PointerMonitors::notify(PointerEventKind kind) {
-    std::vector<Token> tokens;
-    for (const auto& [token, monitor] : m_monitors) {
-        if (monitor.kind == kind) {
-            tokens.push_back(token);
-        }
-    }
-    for (const Token token : tokens) {
-        if (const auto found = m_monitors.find(token); found != m_monitors.end()) {
-            const auto handler = found->second.handler;
-            handler();
-        }
+        m_monitors.notify(m_isLeftDown ? PointerEventKind::leftMouseDragged
+                                       : PointerEventKind::mouseMoved);
     }
 }
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "capture/Pointer.h"
+#include "capture/PointerMonitorList.h"
 #include "platform/x11/XConnection.h"
 
 #include <QSocketNotifier>
@@ -28,11 +28,6 @@ public:
     void removeMonitor(Token token) override;
 
 private:
-    struct Monitor {
-        PointerEventKind kind;
-        std::function<void()> handler;
-    };
-
     X11PointerMonitors(XConnection x, std::uint8_t extensionOpcode);
 
     void selectEvents(bool wanted);
@@ -43,14 +38,12 @@ private:
     void handleRelease(std::uint32_t button);
     void handleMotion(const xcb_ge_generic_event_t& event);
     std::uint32_t logicalButton(std::uint32_t physicalButton) const;
-    void notify(PointerEventKind kind);
 
     XConnection m_x;
     std::uint8_t m_extensionOpcode;
     std::array<std::uint8_t, 256> m_mapping{}; ///< Logical button of physical button n + 1.
     bool m_isLeftDown = false;
-    std::map<Token, Monitor> m_monitors;
-    Token m_nextToken = 1;
+    PointerMonitorList m_monitors;
     QSocketNotifier m_notifier;
 };
 

@@ -27,6 +27,10 @@ std::int64_t intervalNanoseconds(MediaTime interval) {
 /// an interval after that one's. Nanoseconds.
 constexpr std::int64_t kCatchUp = 1'000'000;
 
+/// When a picture that could not be used is sent again, if nothing changed until then: time for
+/// an encoder to work off some. Nanoseconds.
+constexpr std::int64_t kAgain = 50'000'000;
+
 /// Waits on the queue for damage, no oftener than the minimum interval, and sends a picture
 /// for each. It has no thread of its own: to wake another one costs more than the work.
 class X11ScreenStream final : public ScreenStream {
@@ -72,13 +76,14 @@ private:
             m_hasFailed = true;
             return {};
         }
-        if (!hasNews) {
-            return {.descriptor = m_grabber->descriptor()};
+        const std::int64_t now = hostNanoseconds();
+        if (!hasNews && (!m_refused || now < m_again)) {
+            return {.descriptor = m_grabber->descriptor(),
+                    .time = m_refused ? std::optional(m_again) : std::nullopt};
         }
         // More damage before the next picture is no reason to wake up: where something moves
         // all the time, one waking does for a picture.
-        const std::int64_t now = hostNanoseconds();
-        if (now >= m_next && sendPicture(std::max(now, m_earliest))) {
+        if (now >= m_next && sendPicture(hasNews, std::max(now, m_earliest))) {
             m_earliest = std::max(now, m_earliest) + m_interval;
             // Waking a little late is made up for, so that 60 a second stay 60.
             m_next = (now - m_next < kCatchUp ? m_next : now) + m_interval;
@@ -86,21 +91,26 @@ private:
         return {.time = m_next};
     }
 
-    /// False when nothing in the picture changed.
-    bool sendPicture(std::int64_t time) {
+    /// False when nothing in the picture changed, and none is owed.
+    bool sendPicture(bool hasNews, std::int64_t time) {
+        PixelBufferPtr news = hasNews ? m_grabber->grab() : nullptr;
         ScreenSample sample;
         sample.presentationTime = MediaTime::fromNanoseconds(time);
-        sample.image = m_grabber->grab();
-        if (sample.image) {
-            m_handler(sample);
+        sample.image = news ? std::move(news) : std::exchange(m_refused, nullptr);
+        if (!sample.image) {
+            return false;
         }
-        return sample.image != nullptr;
+        m_refused = m_handler(sample) ? nullptr : sample.image;
+        m_again = time + kAgain;
+        return true;
     }
 
     std::unique_ptr<Grabber> m_grabber; ///< The queue's own while the stream runs.
     std::int64_t m_interval;            ///< Nanoseconds.
     std::int64_t m_next = 0;            ///< When the next picture may be taken, likewise.
     std::int64_t m_earliest = 0; ///< The least time of the next picture, at most kCatchUp later.
+    PixelBufferPtr m_refused;    ///< The latest picture, where it could not be used.
+    std::int64_t m_again = 0;    ///< When it is sent again.
     SerialQueue* m_queue = nullptr;
     Handler m_handler;
     bool m_isRunning = false;

@@ -85,6 +85,7 @@ protected:
         ASSERT_TRUE(stream->addStreamOutput(queue, [this](const ScreenSample& sample) {
             const std::lock_guard lock(mutex);
             samples.push_back(sample);
+            return true;
         }));
         ASSERT_TRUE(stream->startCapture());
         ASSERT_TRUE(waitForSamples(1));

@@ -60,21 +60,6 @@ TEST_F(PointerOfAPortal, movesThatTheMainThreadIsLateForAreOne) {
     EXPECT_EQ(pointer.query(), (Point{2, 478}));
 }
 
-TEST_F(PointerOfAPortal, moveWithTheLeftButtonDownIsADrag) {
-    watch(PointerEventKind::mouseMoved);
-    watch(PointerEventKind::leftMouseDragged);
-    watch(PointerEventKind::leftMouseDown);
-    pointer.note(PointerEventKind::leftMouseDown);
-    pointer.show(1, 1, 480);
-    main.runAll();
-    pointer.note(PointerEventKind::leftMouseUp);
-    pointer.show(2, 1, 480);
-    main.runAll();
-    EXPECT_THAT(seen,
-                ElementsAre(PointerEventKind::leftMouseDown, PointerEventKind::leftMouseDragged,
-                            PointerEventKind::mouseMoved));
-}
-
 TEST_F(PointerOfAPortal, removedMonitorIsNotCalled) {
     const auto token =
         pointer.addGlobalMonitor(PointerEventKind::mouseMoved, [this] { seen.push_back({}); });

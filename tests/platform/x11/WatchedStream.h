@@ -6,6 +6,7 @@
 
 #include <gtest/gtest.h>
 
+#include <atomic>
 #include <cstring>
 #include <memory>
 #include <mutex>
@@ -37,6 +38,7 @@ public:
             const std::lock_guard lock(m_mutex);
             EXPECT_TRUE(m_queue.isCurrent());
             m_samples.push_back(sample);
+            return !m_isRefusing;
         }));
         EXPECT_TRUE(m_stream->startCapture());
     }
@@ -62,9 +64,13 @@ public:
         return waitFor([&] { return hasPicture() && pixelAt(*last(), x, y) == pixel; });
     }
 
+    /// Whether pictures that come from now on count as not used.
+    void refuse(bool isRefusing) { m_isRefusing = isRefusing; }
+
 private:
     bool hasPicture() const { return count() > 0; }
 
+    std::atomic<bool> m_isRefusing = false;
     mutable std::mutex m_mutex;
     std::vector<ScreenSample> m_samples;
     SerialQueue m_queue{"test"};

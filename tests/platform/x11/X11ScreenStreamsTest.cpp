@@ -73,6 +73,24 @@ TEST_F(X11ScreenStreamsTest, picturesComeOnlyWhenSomethingChanged) {
     EXPECT_EQ(watched.count(), 2U);
 }
 
+TEST_F(X11ScreenStreamsTest, aScreenAtRestComesAgainUntilItCouldBeUsed) {
+    Watched watched(server, display);
+    ASSERT_TRUE(watched.shows(0, 0, 0x204060));
+    watched.refuse(true);
+    painter.fill(10, 10, 5, 5, 0xFF0000);
+    ASSERT_TRUE(test::waitFor([&] { return watched.count() >= 4; }));
+    watched.refuse(false);
+    const std::size_t refused = watched.count();
+    ASSERT_TRUE(test::waitFor([&] { return watched.count() > refused; }));
+    test::runLoopFor(0.2);
+    const auto samples = watched.samples();
+    EXPECT_LE(samples.size(), refused + 2); // One may have been on its way.
+    for (std::size_t i = 1; i < samples.size(); ++i) {
+        EXPECT_EQ(colourAt(*samples[i].image, 12, 12), 0xFF0000U);
+        EXPECT_GT(samples[i].presentationTime, samples[i - 1].presentationTime);
+    }
+}
+
 TEST_F(X11ScreenStreamsTest, smallChangesAddUpToTheWholePicture) {
     const Watched watched(server, display);
     ASSERT_TRUE(watched.shows(0, 0, 0x204060));
