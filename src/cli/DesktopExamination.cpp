@@ -1,11 +1,11 @@
 #include "cli/DesktopExamination.h"
 
+#include "base/DesktopSession.h"
 #include "capture/HelperPath.h"
 #include "capture/PosixHelperLauncher.h"
 #include "platform/portal/DesktopServices.h"
 #include "platform/portal/DesktopWakeLocks.h"
 #include "platform/portal/ScreenCastSession.h"
-#include "platform/portal/WaylandSession.h"
 #include "platform/x11/X11Compositor.h"
 #include "platform/x11/X11ShareableContent.h"
 

@@ -2,9 +2,9 @@
 // and per click and tick of a wheel if asked to, until it gets signal 15 or its reader goes away.
 // Where keys can't be watched it stays, silent.
 
+#include "base/DesktopSession.h"
 #include "keys/KeyLine.h"
 #include "keys/LibinputKeySource.h"
-#include "keys/Session.h"
 #include "keys/X11KeySource.h"
 
 #include <array>

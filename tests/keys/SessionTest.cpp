@@ -1,4 +1,4 @@
-#include "keys/Session.h"
+#include "base/DesktopSession.h"
 
 #include "support/RunningKeys.h"
 

@@ -1,8 +1,8 @@
 #include "app/program/ScreenChoice.h"
 
+#include "base/DesktopSession.h"
 #include "platform/portal/PortalScreenSystem.h"
 #include "platform/portal/RestoreTokens.h"
-#include "platform/portal/WaylandSession.h"
 #include "platform/wayland/WaylandOutputs.h"
 #include "platform/x11/DesktopArrow.h"
 #include "platform/x11/X11ScreenSystem.h"
