@@ -9,8 +9,10 @@
 
 #include <gmock/gmock.h>
 
+#include <chrono>
 #include <cstring>
 #include <future>
+#include <thread>
 
 namespace tavi {
 namespace {
@@ -58,6 +60,9 @@ int distance(std::uint32_t a, std::uint32_t b) {
     return largest;
 }
 
+/// How soon a compositor paints again.
+constexpr std::chrono::milliseconds kRepaint{300};
+
 /// A stream over a private PipeWire from a compositor that the test plays.
 class CastOfACompositor : public testing::Test {
 protected:
@@ -72,7 +77,11 @@ protected:
                                     {std::make_shared<YuvConverter>(), pointer});
         });
         ASSERT_TRUE(cast->waitForReader());
-        ASSERT_TRUE(cast->send(first));
+        // What is sent while the reader's side is still being set up goes nowhere, and a
+        // compositor paints again.
+        do {
+            ASSERT_TRUE(cast->send(first));
+        } while (opening.wait_for(kRepaint) != std::future_status::ready);
         auto opened = opening.get();
         ASSERT_TRUE(opened) << opened.error().description();
         stream = std::move(*opened);
@@ -120,6 +129,16 @@ protected:
         const std::size_t before = count();
         ASSERT_TRUE(waitFor([&] { return cast->send(frame); }));
         ASSERT_TRUE(waitForSamples(before + 1));
+    }
+
+    /// The same after a change of what both sides agreed upon.
+    void showAnew(const CastFrame& frame) {
+        const std::size_t before = count();
+        ASSERT_TRUE(waitFor([&] {
+            cast->send(frame);
+            std::this_thread::sleep_for(kRepaint);
+            return count() > before;
+        }));
     }
 
     /// Sends what makes no sample, and then something that does.
@@ -290,12 +309,12 @@ TEST_F(CastOfACompositor, newSizeStaysAtTheTopLeftOfTheOldPictures) {
     open({});
     start();
     cast->resize(100, 30);
-    show(plain(kViolet));
+    showAnew(plain(kViolet));
     EXPECT_EQ(last().image->width(), 64);
     EXPECT_EQ(last().image->height(), 48);
     EXPECT_EQ(pixel(last(), 63, 47) & 0xFFFFFF, kViolet & 0xFFFFFF);
     cast->resize(20, 90);
-    show(halves(kGreen, kViolet, 19));
+    showAnew(halves(kGreen, kViolet, 19));
     EXPECT_EQ(pixel(last(), 18, 47) & 0xFFFFFF, kGreen & 0xFFFFFF);
     EXPECT_EQ(pixel(last(), 63, 47) & 0xFFFFFF, kViolet & 0xFFFFFF);
 }
@@ -310,7 +329,7 @@ TEST_F(CastOfACompositor, picturesThatAreKeptStayAsTheyAreWhateverComes) {
         EXPECT_EQ(pixel(sample(i), 7, 7) & 0xFFFFFF, i);
     }
     cast->resize(32, 32); // takes the memory away
-    show(plain(kGreen));
+    showAnew(plain(kGreen));
     stop();
     cast.reset();
     EXPECT_EQ(pixel(sample(40), 7, 7) & 0xFFFFFF, 40U);
