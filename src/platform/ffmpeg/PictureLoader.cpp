@@ -83,7 +83,7 @@ bool PictureLoader::open() {
         const VideoTrack* first = firstTrack(*asset);
         track = first != nullptr ? first->index : -1;
     }
-    auto decoder = VideoDecoder::open(m_item.path, track);
+    auto decoder = VideoDecoder::open(m_item.path, track, DecoderUse::jumps);
     {
         const std::lock_guard lock(m_mutex);
         m_timeline = timeline;

@@ -2,6 +2,7 @@
 
 #include "platform/ffmpeg/FfmpegAsset.h"
 #include "platform/ffmpeg/FfmpegErrors.h"
+#include "platform/ffmpeg/HevcRows.h"
 
 extern "C" {
 #include <libavutil/common.h>
@@ -27,7 +28,7 @@ MediaError noSuchTrack(const std::filesystem::path& path, AVMediaType type) {
 } // namespace
 
 Result<void, MediaError> TrackDecoder::open(const std::filesystem::path& path, int track,
-                                            AVMediaType type, int threads) {
+                                            AVMediaType type, int threads, DecoderUse use) {
     auto input = openInput(path);
     if (!input) {
         return fail(input.error());
@@ -44,10 +45,10 @@ Result<void, MediaError> TrackDecoder::open(const std::filesystem::path& path, i
         const bool isWanted = static_cast<int>(i) == track;
         m_input->streams[i]->discard = isWanted ? AVDISCARD_DEFAULT : AVDISCARD_ALL;
     }
-    return openCodec(threads);
+    return openCodec(threads, use);
 }
 
-Result<void, MediaError> TrackDecoder::openCodec(int threads) {
+Result<void, MediaError> TrackDecoder::openCodec(int threads, DecoderUse use) {
     const AVCodecParameters* parameters = stream().codecpar;
     const AVCodec* codec = avcodec_find_decoder(parameters->codec_id);
     if (!codec) {
@@ -58,7 +59,11 @@ Result<void, MediaError> TrackDecoder::openCodec(int threads) {
     avcodec_parameters_to_context(m_codec.get(), parameters);
     m_codec->pkt_timebase = stream().time_base;
     m_codec->thread_count = threads;
-    m_codec->thread_type = FF_THREAD_FRAME | FF_THREAD_SLICE;
+    // Several threads a picture, where it is made for that, give it sooner than a picture a thread.
+    const bool isByRow = use == DecoderUse::jumps && parameters->codec_id == AV_CODEC_ID_HEVC &&
+                         hasParallelRows({parameters->extradata,
+                                          static_cast<std::size_t>(parameters->extradata_size)});
+    m_codec->thread_type = isByRow ? FF_THREAD_SLICE : FF_THREAD_FRAME | FF_THREAD_SLICE;
     if (const int code = avcodec_open2(m_codec.get(), codec, nullptr); code < 0) {
         return fail(unreadable(ffmpegReason(code)));
     }

@@ -9,6 +9,10 @@
 
 namespace tavi {
 
+/// What a decoder is asked for: long stretches of a film, or a few pictures here and there, which
+/// are to come soon.
+enum class DecoderUse { stretch, jumps };
+
 /// One track of a file on its way through its decoder, packet by packet: what
 /// pictures and sound have in common.
 ///
@@ -18,8 +22,9 @@ public:
     /// Opens the file and the decoder; `track` is the stream's index in the file and
     /// has to be of `type` (video or audio). Other tracks are not read.
     /// Errors: notFound, notMedia, noVideoTrack, cannotDecode.
+    /// `use`: what its threads are made for.
     Result<void, MediaError> open(const std::filesystem::path& path, int track, AVMediaType type,
-                                  int threads);
+                                  int threads, DecoderUse use = DecoderUse::stretch);
 
     /// The next frame; false at the end of the track and when the rest can't be read
     /// (error() tells). Damaged stretches are left out.
@@ -47,7 +52,7 @@ public:
     const AVFormatContext& input() const { return *m_input; }
 
 private:
-    Result<void, MediaError> openCodec(int threads);
+    Result<void, MediaError> openCodec(int threads, DecoderUse use);
     MediaError unreadable(const std::string& reason) const;
     void feed();
     void notePacket();

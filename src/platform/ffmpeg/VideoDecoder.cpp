@@ -31,9 +31,9 @@ VideoDecoder::VideoDecoder() = default;
 VideoDecoder::~VideoDecoder() = default;
 
 Result<std::unique_ptr<VideoDecoder>, MediaError>
-VideoDecoder::open(const std::filesystem::path& path, int track) {
+VideoDecoder::open(const std::filesystem::path& path, int track, DecoderUse use) {
     std::unique_ptr<VideoDecoder> decoder(new VideoDecoder());
-    if (auto opened = decoder->m_track.open(path, track, AVMEDIA_TYPE_VIDEO, threadCount());
+    if (auto opened = decoder->m_track.open(path, track, AVMEDIA_TYPE_VIDEO, threadCount(), use);
         !opened) {
         return fail(std::move(opened.error()));
     }

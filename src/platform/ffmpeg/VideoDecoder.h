@@ -21,8 +21,8 @@ class VideoDecoder {
 public:
     /// `track` is the stream's index in the file.
     /// Errors: notFound, notMedia, noVideoTrack, cannotDecode.
-    static Result<std::unique_ptr<VideoDecoder>, MediaError> open(const std::filesystem::path& path,
-                                                                  int track);
+    static Result<std::unique_ptr<VideoDecoder>, MediaError>
+    open(const std::filesystem::path& path, int track, DecoderUse use = DecoderUse::stretch);
 
     ~VideoDecoder();
 
