@@ -8,6 +8,7 @@
 // Prints a line at the first picture, and at the end one with the pictures taken and dropped.
 
 #include "base/Clock.h"
+#include "capture/RecordUntilTold.h"
 #include "capture/ScreenCaptureService.h"
 #include "capture/ThrowAwayLibrary.h"
 #include "platform/ffmpeg/FfmpegMediaLibrary.h"
@@ -52,21 +53,10 @@ int main(int argc, char** argv) {
     X11ScreenStreams streams;
     const SystemClock clock;
     ScreenCaptureService service(streams, *media, clock);
-    service.onSessionStarted = [] {
-        std::puts("recording");
-        std::fflush(stdout);
-    };
-    if (const auto started = service.startCapture(ScreenFilter::display(display.id), display.width,
-                                                  display.height, way);
-        !started) {
-        return failed(started.error());
+    if (const auto recorded = bench::recordUntilTold(service, ScreenFilter::display(display.id),
+                                                     display.width, display.height, way);
+        !recorded) {
+        return failed(recorded.error());
     }
-    while (std::getchar() != EOF) {
-    }
-    const auto taken = service.appendedFrames();
-    const auto dropped = service.droppedFrames();
-    service.stopCapture();
-    std::printf("%llu %llu\n", static_cast<unsigned long long>(taken),
-                static_cast<unsigned long long>(dropped));
     return EXIT_SUCCESS;
 }

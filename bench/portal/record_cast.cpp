@@ -8,6 +8,7 @@
 
 #include "base/Clock.h"
 #include "base/QueueExecutor.h"
+#include "capture/RecordUntilTold.h"
 #include "capture/ScreenCaptureService.h"
 #include "capture/ThrowAwayLibrary.h"
 #include "platform/portal/CastStream.h"
@@ -77,21 +78,10 @@ int main(int argc, char** argv) {
     bench::ThrowAwayLibrary media(std::string(argv[2]) == "convert" ? colours : nullptr);
     const SystemClock clock;
     ScreenCaptureService service(streams, media, clock);
-    service.onSessionStarted = [] {
-        std::puts("recording");
-        std::fflush(stdout);
-    };
-    if (const auto started =
-            service.startCapture(ScreenFilter::display(1), width, height, "none.mov");
-        !started) {
-        return failed(started.error());
+    if (const auto recorded =
+            bench::recordUntilTold(service, ScreenFilter::display(1), width, height, "none.mov");
+        !recorded) {
+        return failed(recorded.error());
     }
-    while (std::getchar() != EOF) {
-    }
-    const auto taken = service.appendedFrames();
-    const auto dropped = service.droppedFrames();
-    service.stopCapture();
-    std::printf("%llu %llu\n", static_cast<unsigned long long>(taken),
-                static_cast<unsigned long long>(dropped));
     return EXIT_SUCCESS;
 }

@@ -1,5 +1,4 @@
 #include "base/DesktopSession.h"
-
 #include "support/RunningKeys.h"
 
 namespace tavi {

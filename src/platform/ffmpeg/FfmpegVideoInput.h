@@ -1,8 +1,8 @@
 #pragma once
 
 #include "media/AssetWriter.h"
-#include "platform/ffmpeg/MovieFile.h"
 #include "media/PixelBufferPool.h"
+#include "platform/ffmpeg/MovieFile.h"
 #include "platform/ffmpeg/VideoEncoder.h"
 #include "platform/ffmpeg/WriterState.h"
 

@@ -2,9 +2,9 @@
 
 #include "base/PixelBuffer.h"
 #include "media/ColorConversion.h"
+#include "media/PixelBufferPool.h"
 #include "platform/ffmpeg/DisplayRotation.h"
 #include "platform/ffmpeg/PictureLoader.h"
-#include "media/PixelBufferPool.h"
 #include "platform/ffmpeg/PixelConversion.h"
 
 namespace tavi {

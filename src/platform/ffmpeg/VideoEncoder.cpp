@@ -23,7 +23,8 @@ constexpr int kSurfaces = 8;
 /// Bytes that rows of pictures are aligned to, as the vectors of all parties like it.
 constexpr int kAlignment = 64;
 
-/// libx265's rate factor of alpha: errors are seen over a whole background, and most of it is plain.
+/// libx265's rate factor of alpha: errors are seen over a whole background, and most of it is
+/// plain.
 constexpr std::int64_t kAlphaQuality = 10;
 
 /// Pictures that one may come late by where B pictures refer to each other.
