@@ -4,11 +4,7 @@ BUILD := build/release
 DEV := build/dev
 export CCACHE_DIR ?= $(HOME)/.cache/ccache
 
-<<<<<<< HEAD
-.PHONY: help setup build demo gallery test run package screens bench bench-app bench-editor bench-player bench-export bench-capture bench-sync asan tsan fuzz format lint clean
-=======
-.PHONY: help setup build demo gallery test run package screens bench bench-app bench-player bench-export bench-capture bench-wayland bench-sync asan tsan fuzz format lint clean
->>>>>>> 313f298 (platform/portal: never starve a compositor with two buffers; bench: casts beside GStreamer)
+.PHONY: help setup build demo gallery test run package screens bench bench-app bench-editor bench-player bench-export bench-capture bench-wayland bench-sync asan tsan fuzz format lint clean
 
 help: ## this list
 	@awk -F':.*## ' '/^[a-z-]+:.*## /{printf "  make %-13s %s\n", $$1, $$2}' $(MAKEFILE_LIST)
