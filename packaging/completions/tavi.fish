@@ -26,7 +26,7 @@ complete -c tavi -n '__fish_seen_subcommand_from zoom' -a "(tavi library 2>/dev/
 complete -c tavi -n __fish_use_subcommand -a export -d 'Make the finished films of takes'
 complete -c tavi -n '__fish_seen_subcommand_from export' -s h -l help -d 'Print this help message and exit'
 complete -c tavi -n '__fish_seen_subcommand_from export' -s o -l output -r -F -d 'MP4 file to write, of one take'
-complete -c tavi -n '__fish_seen_subcommand_from export' -l out-dir -x -a '(__fish_complete_directories)' -d 'Folder for the films, each named after its take'
+complete -c tavi -n '__fish_seen_subcommand_from export' -l out-dir -x -a '(__fish_complete_directories)' -d 'Folder for the films, each named after its take; made if missing'
 complete -c tavi -n '__fish_seen_subcommand_from export' -l draft -d 'Encode as quickly as possible; rougher at the same size'
 complete -c tavi -n '__fish_seen_subcommand_from export' -l set -x -d 'KEY=VALUE, for this run only: outputSettings.fps=30'
 complete -c tavi -n '__fish_seen_subcommand_from export' -a "(tavi library 2>/dev/null | string replace -r '.*/' '')" -d take

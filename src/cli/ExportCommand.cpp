@@ -67,6 +67,10 @@ int runExport(const ExportOptions& options) {
     char name[] = "tavi";
     char* arguments[] = {name, nullptr};
     const QCoreApplication application(argumentCount, arguments);
+    // Only the folder itself: a mistyped path makes no tree. What stands in the way is told per
+    // film.
+    std::error_code ignored;
+    std::filesystem::create_directory(options.outputFolder, ignored);
     return exportTakes(options, options.outputFolder.empty()
                                     ? std::vector<std::filesystem::path>{options.output}
                                     : cli::filmPaths(options.takes, options.outputFolder));
@@ -81,7 +85,7 @@ void addExportCommand(CLI::App& app, int& exitCode) {
         ->required();
     command->add_option("-o,--output", options->output, "MP4 file to write, of one take");
     command->add_option("--out-dir", options->outputFolder,
-                        "Folder for the films, each named after its take");
+                        "Folder for the films, each named after its take; made if missing");
     command->add_flag("--draft", options->isDraft,
                       "Encode as quickly as possible; rougher at the same size");
     cli::addAssignments(*command, options->assignments);

@@ -32,7 +32,6 @@ protected:
     ExportCommand() {
         makeTake(folder / "one");
         makeTake(folder / "two");
-        fs::create_directory(films);
     }
 
     Outcome exportTakes(const std::string& arguments) {
@@ -54,6 +53,15 @@ TEST_F(ExportCommand, severalTakesBecomeFilmsNamedAfterThem) {
     EXPECT_EQ(outcome.out,
               (films / "one.mp4").string() + "\n" + (films / "two.mp4").string() + "\n");
     EXPECT_EQ(outcome.err, "");
+}
+
+TEST_F(ExportCommand, folderOfFilmsIsMadeButNoTreeOfFolders) {
+    const fs::path nested = folder / "mistyped/films";
+    const Outcome outcome =
+        exportTakes("--out-dir " + quoted(nested) + " " + quoted(folder / "one"));
+    EXPECT_EQ(outcome.status, 1);
+    EXPECT_THAT(outcome.err, HasSubstr("no such folder: " + nested.string()));
+    EXPECT_FALSE(fs::exists(folder / "mistyped"));
 }
 
 TEST_F(ExportCommand, takesOfOneNameDoNotReplaceEachOther) {
