@@ -552,7 +552,7 @@
     </message>
     <message>
         <source>Enable Input Monitoring to capture keystrokes</source>
-        <translation>Eingabeüberwachung erlauben, um Tasten aufzunehmen</translation>
+        <translation>Zugriff auf die Eingabegeräte erlauben, um Tasten aufzunehmen</translation>
     </message>
     <message>
         <source>Open Settings</source>
@@ -686,11 +686,11 @@ oder fügen Sie eines hinzu</translation>
         <source>Tavlin needs screen recording access to capture your screen.
 Please grant permission in System Settings.</source>
         <translation>Tavlin braucht die Erlaubnis, Ihren Bildschirm aufzunehmen.
-Bitte erteilen Sie sie in den Systemeinstellungen.</translation>
+Bitte erteilen Sie sie in den Einstellungen Ihres Desktops.</translation>
     </message>
     <message>
         <source>Open System Settings</source>
-        <translation>Systemeinstellungen öffnen</translation>
+        <translation>Einstellungen öffnen</translation>
     </message>
     <message>
         <source>Check Again</source>

@@ -552,7 +552,7 @@
     </message>
     <message>
         <source>Enable Input Monitoring to capture keystrokes</source>
-        <translation type="unfinished"></translation>
+        <translation>Allow access to the input devices to capture keystrokes</translation>
     </message>
     <message>
         <source>Open Settings</source>
@@ -684,11 +684,12 @@ or add a new one</source>
     <message>
         <source>Tavlin needs screen recording access to capture your screen.
 Please grant permission in System Settings.</source>
-        <translation type="unfinished"></translation>
+        <translation>Tavlin needs screen recording access to capture your screen.
+Please grant permission in your desktop&apos;s settings.</translation>
     </message>
     <message>
         <source>Open System Settings</source>
-        <translation type="unfinished"></translation>
+        <translation>Open Settings</translation>
     </message>
     <message>
         <source>Check Again</source>

@@ -1,5 +1,6 @@
 #include "LongerTexts.h"
 #include "Scene.h"
+#include "app/program/Translations.h"
 
 #include <QAccessible>
 #include <QFileInfo>
@@ -171,6 +172,24 @@ TEST_P(Scenes, keepTextsThatAreLongerWholeAndApart) {
     Scene scene(GetParam());
     expectWholeTexts(scene);
     expectHeaderTextsApart(scene);
+}
+
+void expectWordsOfThisPlatform(Scene& scene) {
+    scene.visit([](QQuickItem& item) {
+        for (const char* property : {"text", "hint"})
+            for (const char* word : {"Finder", "System Settings", "Input Monitoring", "(⌘"}) {
+                const QString text = item.property(property).toString();
+                EXPECT_FALSE(text.contains(QString::fromUtf8(word))) << text.toStdString();
+            }
+    });
+}
+
+TEST_P(Scenes, speakOfThisPlatformInEveryLanguage) {
+    for (const auto language : {QLocale::English, QLocale::German}) {
+        const Translations translations{QLocale(language)};
+        Scene scene(GetParam());
+        expectWordsOfThisPlatform(scene);
+    }
 }
 
 INSTANTIATE_TEST_SUITE_P(All, Scenes, testing::ValuesIn(sceneFiles()), [](const auto& file) {

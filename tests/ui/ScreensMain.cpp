@@ -1,5 +1,6 @@
 #include "LongerTexts.h"
 #include "Scene.h"
+#include "app/program/Translations.h"
 
 #include <QDir>
 #include <QFileInfo>
@@ -25,6 +26,7 @@ int main(int argc, char** argv) {
         return 1;
     }
     tavi::test::prepareScenes();
+    const tavi::Translations translations(QLocale(QLocale::English));
     std::optional<tavi::test::LongerTexts> translator;
     if (qEnvironmentVariableIsSet("TAVI_LONGER_TEXTS")) {
         translator.emplace();
