@@ -82,6 +82,17 @@
     </message>
 </context>
 <context>
+    <name>CommandBox</name>
+    <message>
+        <source>Copied</source>
+        <translation>Kopiert</translation>
+    </message>
+    <message>
+        <source>Copy</source>
+        <translation>Kopieren</translation>
+    </message>
+</context>
+<context>
     <name>ContentView</name>
     <message>
         <source>Tavlin</source>
@@ -559,8 +570,12 @@
         <translation>Einstellungen öffnen</translation>
     </message>
     <message>
-        <source>Until then a take has no clicks, no scrolling and no keys. To allow it: %1, then log out and in again. Every program that you run can then read what you type, passwords included.</source>
-        <translation>Bis dahin enthält eine Aufnahme keine Klicks, kein Scrollen und keine Tasten. So erlauben Sie es: %1, danach ab- und wieder anmelden. Jedes Programm, das Sie starten, kann dann mitlesen, was Sie tippen, auch Passwörter.</translation>
+        <source>Until then a take has no clicks, no scrolling and no keys. This allows them, once you have logged out and in again:</source>
+        <translation>Bis dahin hat eine Aufnahme keine Klicks, kein Scrollen und keine Tasten. Dies erlaubt sie, sobald Sie sich ab- und wieder angemeldet haben:</translation>
+    </message>
+    <message>
+        <source>Every program that you run can then read what you type, passwords included.</source>
+        <translation>Jedes Programm, das Sie starten, kann dann lesen, was Sie tippen, auch Kennwörter.</translation>
     </message>
 </context>
 <context>
@@ -695,6 +710,17 @@ Bitte erteilen Sie sie in den Einstellungen Ihres Desktops.</translation>
     <message>
         <source>Check Again</source>
         <translation>Erneut prüfen</translation>
+    </message>
+</context>
+<context>
+    <name>PortalContent</name>
+    <message>
+        <source>chosen in the desktop&apos;s dialog</source>
+        <translation>wird im Dialog des Desktops gewählt</translation>
+    </message>
+    <message>
+        <source>A window</source>
+        <translation>Ein Fenster</translation>
     </message>
 </context>
 <context>

@@ -82,6 +82,17 @@
     </message>
 </context>
 <context>
+    <name>CommandBox</name>
+    <message>
+        <source>Copied</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Copy</source>
+        <translation type="unfinished"></translation>
+    </message>
+</context>
+<context>
     <name>ContentView</name>
     <message>
         <source>Tavlin</source>
@@ -559,7 +570,11 @@
         <translation type="unfinished"></translation>
     </message>
     <message>
-        <source>Until then a take has no clicks, no scrolling and no keys. To allow it: %1, then log out and in again. Every program that you run can then read what you type, passwords included.</source>
+        <source>Until then a take has no clicks, no scrolling and no keys. This allows them, once you have logged out and in again:</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Every program that you run can then read what you type, passwords included.</source>
         <translation type="unfinished"></translation>
     </message>
 </context>
@@ -693,6 +708,17 @@ Please grant permission in your desktop&apos;s settings.</translation>
     </message>
     <message>
         <source>Check Again</source>
+        <translation type="unfinished"></translation>
+    </message>
+</context>
+<context>
+    <name>PortalContent</name>
+    <message>
+        <source>chosen in the desktop&apos;s dialog</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>A window</source>
         <translation type="unfinished"></translation>
     </message>
 </context>

@@ -38,11 +38,27 @@ Column {
             onClicked: row.inputMonitoring.openInputMonitoringSettings()
         }
     }
-    TextLabel {
-        anchors.horizontalCenter: parent.horizontalCenter
-        width: Math.min(implicitWidth, row.width)
+    Column {
+        width: row.width
         visible: !row.inputMonitoring.isGranted && row.inputMonitoring.accessCommand !== ""
-        text: qsTr("Until then a take has no clicks, no scrolling and no keys. To allow it: %1, then log out and in again. Every program that you run can then read what you type, passwords included.").arg(row.inputMonitoring.accessCommand)
+        topPadding: 4
+        spacing: 6
+
+        Sentence {
+            text: qsTr("Until then a take has no clicks, no scrolling and no keys. This allows them, once you have logged out and in again:")
+        }
+        CommandBox {
+            anchors.horizontalCenter: parent.horizontalCenter
+            room: row.width
+            command: row.inputMonitoring.accessCommand
+        }
+        Sentence {
+            text: qsTr("Every program that you run can then read what you type, passwords included.")
+        }
+    }
+
+    component Sentence: TextLabel {
+        width: row.width
         size: 11
         color: AppPalette.secondaryText
         wrapMode: Text.Wrap

@@ -9,6 +9,8 @@ Item {
     required property string title
     required property string subtitle
     property var thumbnail
+    /// Stands where the picture would, as long as there is none.
+    property string placeholder: ""
     /// Names at 12 and 10 points instead of 13 and 11.
     property bool small: false
     required property bool selected
@@ -16,7 +18,7 @@ Item {
     signal clicked
 
     Accessible.role: Accessible.RadioButton
-    Accessible.name: subtitle === "" ? title : title + ", " + subtitle
+    Accessible.name: [title, placeholder, subtitle].filter(part => part !== "").join(", ")
     Accessible.checkable: true
     Accessible.checked: selected
     Accessible.onPressAction: clicked()
@@ -46,6 +48,28 @@ Item {
         bottomRadius: 6
         stretched: true
         source: card.thumbnail
+    }
+    Column {
+        anchors.centerIn: picture
+        visible: picture.empty
+        spacing: 8
+
+        Icon {
+            anchors.horizontalCenter: parent.horizontalCenter
+            name: card.symbol
+            size: 28
+            color: AppPalette.at(AppPalette.white, 0.25)
+        }
+        TextLabel {
+            anchors.horizontalCenter: parent.horizontalCenter
+            width: Math.min(implicitWidth, picture.width - 16)
+            visible: text !== ""
+            text: card.placeholder
+            size: 12
+            color: AppPalette.secondaryText
+            userText: true
+            Accessible.ignored: true
+        }
     }
     Icon {
         id: icon

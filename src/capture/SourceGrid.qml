@@ -71,6 +71,7 @@ GridView {
         title: grid.windows ? modelData.appName : modelData.name
         subtitle: grid.windows ? modelData.title : modelData.width + "×" + modelData.height
         thumbnail: grid.pictures[index]
+        placeholder: modelData.output ?? ""
         small: !grid.windows
         selected: index === grid.selectedIndex
         current: grid.activeFocus && selected && grid.keyUsed

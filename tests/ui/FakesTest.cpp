@@ -14,7 +14,8 @@ namespace tavi::test {
 namespace {
 
 /// What made-up view models have beyond those of the program, for the tests' own use.
-const std::set<std::string> kOwn{"calls", "problem", "fill", "missing", "wanted", "opened"};
+const std::set<std::string> kOwn{"calls",   "problem", "fill",  "fillFromPortal",
+                                 "missing", "wanted",  "opened"};
 
 struct Pair {
     const char* fake;

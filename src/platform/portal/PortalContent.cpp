@@ -2,6 +2,8 @@
 
 #include "platform/portal/ScreenCastSession.h"
 
+#include <QCoreApplication>
+
 namespace tavi {
 
 namespace {
@@ -9,6 +11,11 @@ namespace {
 /// Stands for what isn't known before the user chose; large enough for a list of sources.
 constexpr int kUsualWidth = 1920;
 constexpr int kUsualHeight = 1080;
+
+std::string chosenInDialog() {
+    return QCoreApplication::translate("PortalContent", "chosen in the desktop's dialog")
+        .toStdString();
+}
 
 } // namespace
 
@@ -23,12 +30,14 @@ Result<ShareableContent, CaptureError> PortalContent::content() {
         content.displays = m_displays();
     }
     if (facts->canShow(ScreenCastFacts::monitor) && content.displays.empty()) {
-        content.displays.push_back({kChosenDisplay, "chosen in the desktop's dialog", kUsualWidth,
-                                    kUsualHeight, usual, true});
+        content.displays.push_back(
+            {kChosenDisplay, chosenInDialog(), kUsualWidth, kUsualHeight, usual, true});
     }
     if (facts->canShow(ScreenCastFacts::window)) {
         content.windows.push_back(
-            {kChosenWindow, "chosen in the desktop's dialog", "A window", "", usual, true});
+            {kChosenWindow, chosenInDialog(),
+             QCoreApplication::translate("PortalContent", "A window").toStdString(), "", usual,
+             true});
     }
     return content;
 }

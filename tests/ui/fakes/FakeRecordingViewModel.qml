@@ -50,6 +50,13 @@ QtObject {
         availableMicrophones = microphones.slice(0, devices).map((name, i) => ({ id: "m" + i, name: name }))
         availableCameras = cameras.slice(0, devices).map((name, i) => ({ id: "c" + i, name: name }))
     }
+    /// As a Wayland desktop has it: outputs by name, without pictures, and a window to be chosen.
+    function fillFromPortal() {
+        availableDisplays = [{ name: "Display 1", output: "DP-1", width: 2560, height: 1440, isMain: true },
+                             { name: "Display 2", output: "HDMI-A-1", width: 1920, height: 1080, isMain: false }]
+        availableWindows = [{ windowId: 1, appName: "A window", title: "chosen in the desktop's dialog", width: 1920, height: 1080 }]
+        availableMicrophones = [{ id: "m0", name: "Built-in Audio Analog Stereo" }]
+    }
     function load() {
         calls.push("load")
     }
