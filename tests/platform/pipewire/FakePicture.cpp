@@ -1,9 +1,10 @@
 #include "platform/pipewire/FakePicture.h"
 
+#include "platform/pipewire/FakeYuv.h"
+
 #include <gtest/gtest.h>
 
 #include <array>
-#include <cmath>
 #include <turbojpeg.h>
 
 namespace tavi::test {
@@ -11,20 +12,6 @@ namespace tavi::test {
 namespace {
 
 using Bytes = std::vector<std::uint8_t>;
-
-struct Yuv {
-    std::uint8_t y, u, v;
-};
-
-Yuv limitedBt601(std::uint32_t colour) {
-    const double r = (colour >> 16 & 255) / 255.0;
-    const double g = (colour >> 8 & 255) / 255.0;
-    const double b = (colour & 255) / 255.0;
-    const double y = 0.299 * r + 0.587 * g + 0.114 * b;
-    const auto byte = [](double value) { return static_cast<std::uint8_t>(std::lround(value)); };
-    return {byte(16 + 219 * y), byte(128 + 112 * (b - y) / (1 - 0.114)),
-            byte(128 + 112 * (r - y) / (1 - 0.299))};
-}
 
 /// Four bytes a pixel in memory order.
 Bytes packed(const FakeMode& mode, std::uint32_t left, std::uint32_t right, bool isRedFirst) {
@@ -89,8 +76,8 @@ int rowBytes(const FakeMode& mode) {
 }
 
 Bytes fakePicture(const FakeMode& mode, std::uint32_t left, std::uint32_t right) {
-    const Yuv a = limitedBt601(left);
-    const Yuv b = limitedBt601(right);
+    const FakeYuv a = fakeYuv(left, kBt601);
+    const FakeYuv b = fakeYuv(right, kBt601);
     const int half = mode.width / 2;
     const int quarter = mode.width / 4;
     Bytes picture;

@@ -19,9 +19,8 @@ FakeSource::~FakeSource() {
     pw_thread_loop_destroy(m_loop);
 }
 
-void FakeSource::connect(std::vector<const spa_pod*> formats) {
-    const auto flags =
-        static_cast<pw_stream_flags>(PW_STREAM_FLAG_DRIVER | PW_STREAM_FLAG_MAP_BUFFERS);
+void FakeSource::connect(std::vector<const spa_pod*> formats, pw_stream_flags memory) {
+    const auto flags = static_cast<pw_stream_flags>(PW_STREAM_FLAG_DRIVER | memory);
     EXPECT_GE(pw_stream_connect(m_stream, PW_DIRECTION_OUTPUT, PW_ID_ANY, flags, formats.data(),
                                 static_cast<std::uint32_t>(formats.size())),
               0);

@@ -16,7 +16,8 @@ protected:
     FakeSource(const FakeSource&) = delete;
     FakeSource& operator=(const FakeSource&) = delete;
 
-    void connect(std::vector<const spa_pod*> formats);
+    void connect(std::vector<const spa_pod*> formats,
+                 pw_stream_flags memory = PW_STREAM_FLAG_MAP_BUFFERS);
     void stop(); ///< No callback comes any more.
     pw_loop* loop() const { return pw_thread_loop_get_loop(m_loop); }
 

@@ -1,5 +1,6 @@
 #include "platform/portal/FakeCast.h"
 
+#include "platform/pipewire/FakeYuv.h"
 #include "platform/pipewire/PipeWireTestServer.h"
 
 #include <gtest/gtest.h>
@@ -40,20 +41,6 @@ std::array<std::uint8_t, 4> bytesOf(std::uint32_t colour, spa_video_format forma
     }
 }
 
-/// BT.709, limited range.
-struct Yuv {
-    std::uint8_t y, u, v;
-};
-Yuv yuvOf(std::uint32_t colour) {
-    const double red = (colour >> 16 & 255) / 255.0;
-    const double green = (colour >> 8 & 255) / 255.0;
-    const double blue = (colour & 255) / 255.0;
-    const double light = 0.2126 * red + 0.7152 * green + 0.0722 * blue;
-    const auto byte = [](double value) { return static_cast<std::uint8_t>(value + 0.5); };
-    return {byte(16 + 219 * light), byte(128 + 224 * (blue - light) / 1.8556),
-            byte(128 + 224 * (red - light) / 1.5748)};
-}
-
 template<typename Meta>
 Meta* metaOf(const spa_buffer& buffer, std::uint32_t type) {
     return static_cast<Meta*>(spa_buffer_find_meta_data(&buffer, type, sizeof(Meta)));
@@ -61,41 +48,32 @@ Meta* metaOf(const spa_buffer& buffer, std::uint32_t type) {
 
 } // namespace
 
-const pw_stream_events FakeCast::kEvents{.version = PW_VERSION_STREAM_EVENTS,
-                                         .state_changed = stateChanged,
-                                         .param_changed = parameterChanged,
-                                         .add_buffer = addBuffer,
-                                         .remove_buffer = removeBuffer,
-                                         .process = process};
+FakeCast& FakeCast::of(void* data) {
+    return *static_cast<FakeCast*>(static_cast<FakeSource*>(data));
+}
 
 FakeCast::FakeCast(const CastLayout& layout, Metas metas)
-    : m_layout(layout),
-      m_metas(metas),
-      m_loop((pw_init(nullptr, nullptr), pw_thread_loop_new("fake-cast", nullptr))) {
-    m_stream = pw_stream_new_simple(pw_thread_loop_get_loop(m_loop), "fake-cast",
-                                    pw_properties_new(PW_KEY_MEDIA_CLASS, "Stream/Output/Video",
-                                                      PW_KEY_NODE_NAME, "fake-cast", nullptr),
-                                    &kEvents, this);
+    : FakeSource(
+          []() -> const pw_stream_events& {
+              static const pw_stream_events events{.version = PW_VERSION_STREAM_EVENTS,
+                                                   .state_changed = stateChanged,
+                                                   .param_changed = parameterChanged,
+                                                   .add_buffer = addBuffer,
+                                                   .remove_buffer = removeBuffer,
+                                                   .process = process};
+              return events;
+          }(),
+          pw_properties_new(PW_KEY_MEDIA_CLASS, "Stream/Output/Video", PW_KEY_NODE_NAME,
+                            "fake-cast", nullptr)),
+      m_layout(layout),
+      m_metas(metas) {
     std::vector<std::uint8_t> memory(4096);
-    auto formats = offers(memory);
-    const auto flags =
-        static_cast<pw_stream_flags>(PW_STREAM_FLAG_DRIVER | PW_STREAM_FLAG_ALLOC_BUFFERS);
-    EXPECT_GE(pw_stream_connect(m_stream, PW_DIRECTION_OUTPUT, PW_ID_ANY, flags, formats.data(),
-                                static_cast<std::uint32_t>(formats.size())),
-              0);
-    pw_thread_loop_start(m_loop);
-    EXPECT_TRUE(waitFor([this] {
-        pw_thread_loop_lock(m_loop);
-        m_node = pw_stream_get_node_id(m_stream);
-        pw_thread_loop_unlock(m_loop);
-        return m_node != SPA_ID_INVALID;
-    })) << "the stream does not appear";
+    connect(offers(memory), PW_STREAM_FLAG_ALLOC_BUFFERS);
+    m_node = pw_stream_get_node_id(m_stream);
 }
 
 FakeCast::~FakeCast() {
-    pw_thread_loop_stop(m_loop);
-    pw_stream_destroy(m_stream);
-    pw_thread_loop_destroy(m_loop);
+    stop();
 }
 
 std::vector<const spa_pod*> FakeCast::offers(std::vector<std::uint8_t>& memory) const {
@@ -132,7 +110,7 @@ std::vector<const spa_pod*> FakeCast::offers(std::vector<std::uint8_t>& memory) 
 }
 
 void FakeCast::stateChanged(void* data, pw_stream_state, pw_stream_state now, const char*) {
-    static_cast<FakeCast*>(data)->m_isStreaming = now == PW_STREAM_STATE_STREAMING;
+    of(data).m_isStreaming = now == PW_STREAM_STATE_STREAMING;
 }
 
 int FakeCast::rowBytes() const {
@@ -154,7 +132,7 @@ int FakeCast::planeBytes(int plane) const {
 }
 
 void FakeCast::parameterChanged(void* data, std::uint32_t id, const spa_pod* pod) {
-    auto& cast = *static_cast<FakeCast*>(data);
+    auto& cast = of(data);
     spa_video_info_raw info{};
     if (id != SPA_PARAM_Format || pod == nullptr || spa_format_video_raw_parse(pod, &info) < 0) {
         return;
@@ -192,7 +170,7 @@ void FakeCast::parameterChanged(void* data, std::uint32_t id, const spa_pod* pod
 }
 
 void FakeCast::addBuffer(void* data, pw_buffer* buffer) {
-    auto& cast = *static_cast<FakeCast*>(data);
+    auto& cast = of(data);
     ++cast.m_buffers;
     for (std::uint32_t i = 0; i < buffer->buffer->n_datas; ++i) {
         spa_data& plane = buffer->buffer->datas[i];
@@ -209,7 +187,7 @@ void FakeCast::addBuffer(void* data, pw_buffer* buffer) {
 }
 
 void FakeCast::removeBuffer(void* data, pw_buffer* buffer) {
-    --static_cast<FakeCast*>(data)->m_buffers;
+    --of(data).m_buffers;
     for (std::uint32_t i = 0; i < buffer->buffer->n_datas; ++i) {
         munmap(buffer->buffer->datas[i].data, buffer->buffer->datas[i].maxsize);
         close(static_cast<int>(buffer->buffer->datas[i].fd));
@@ -272,7 +250,7 @@ int FakeCast::openRemote() {
     address.sun_family = AF_UNIX;
     const std::string path = std::string(std::getenv("PIPEWIRE_RUNTIME_DIR")) + "/pipewire-0";
     std::strncpy(address.sun_path, path.c_str(), sizeof address.sun_path - 1);
-    EXPECT_EQ(connect(descriptor, reinterpret_cast<sockaddr*>(&address), sizeof address), 0);
+    EXPECT_EQ(::connect(descriptor, reinterpret_cast<sockaddr*>(&address), sizeof address), 0);
     return descriptor;
 }
 
@@ -303,7 +281,7 @@ void FakeCast::fillPicture(pw_buffer& buffer, const CastFrame& frame) const {
         for (int x = 0; x < m_layout.width; ++x) {
             const std::uint32_t colour = frame.pixel(x, y);
             if (m_layout.format == SPA_VIDEO_FORMAT_NV12) {
-                const Yuv yuv = yuvOf(colour);
+                const FakeYuv yuv = fakeYuv(colour, kBt709);
                 to[x] = yuv.y;
                 std::uint8_t* pair =
                     chroma + static_cast<std::ptrdiff_t>(row / 2) * chromaRow + x / 2 * 2;

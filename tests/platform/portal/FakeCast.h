@@ -1,5 +1,7 @@
 #pragma once
 
+#include "platform/pipewire/FakeSource.h"
+
 #include <cstdint>
 #include <functional>
 #include <mutex>
@@ -51,14 +53,12 @@ struct CastFrame {
 };
 
 /// A compositor's stream on the test's own PipeWire: one buffer at each send().
-class FakeCast {
+class FakeCast : private FakeSource {
 public:
     enum class Metas { all, none };
 
     explicit FakeCast(const CastLayout& layout, Metas metas = Metas::all);
     ~FakeCast();
-    FakeCast(const FakeCast&) = delete;
-    FakeCast& operator=(const FakeCast&) = delete;
 
     std::uint32_t node() const { return m_node; }
 
@@ -80,7 +80,7 @@ private:
     static void addBuffer(void* data, pw_buffer* buffer);
     static void removeBuffer(void* data, pw_buffer* buffer);
     static void process(void*) {}
-    static const pw_stream_events kEvents;
+    static FakeCast& of(void* data);
 
     bool isTaken();
     std::vector<const spa_pod*> offers(std::vector<std::uint8_t>& memory) const;
@@ -94,8 +94,6 @@ private:
 
     CastLayout m_layout;
     Metas m_metas;
-    pw_thread_loop* m_loop;
-    pw_stream* m_stream = nullptr;
     std::uint32_t m_node = 0;
     bool m_isStreaming = false; ///< With the loop's lock, as the next.
     int m_buffers = 0;
