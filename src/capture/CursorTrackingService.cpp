@@ -62,9 +62,8 @@ std::optional<Date> CursorTrackingService::startDate() const {
     return std::isnan(date) ? std::nullopt : std::optional(Date{date});
 }
 
-/// The pointer in points from the frame's top left corner, y downwards.
-Point CursorTrackingService::pointInFrame() const {
-    const Point pointer = m_ports.location.query();
+/// In points from the frame's top left corner, y downwards.
+Point CursorTrackingService::pointInFrame(Point pointer) const {
     return {pointer.x - m_captureFrame.x, m_captureFrame.maxY() - pointer.y};
 }
 
@@ -122,7 +121,7 @@ void CursorTrackingService::recordEvent(CursorEventType type) {
     if (!start) {
         return;
     }
-    const Point p = pointInFrame();
+    const Point p = pointInFrame(m_ports.location.query());
     if (!isInFrame(p)) {
         return;
     }
@@ -225,7 +224,7 @@ void CursorTrackingService::handleLine(std::string_view line) {
 /// last showed it.
 void CursorTrackingService::handlePointerLine(const PointerLine& line) {
     const auto start = startDate();
-    const Point p = pointInFrame();
+    const Point p = pointInFrame(m_ports.location.query());
     if (!start || !isInFrame(p)) {
         return;
     }
@@ -239,7 +238,8 @@ void CursorTrackingService::handlePointerLine(const PointerLine& line) {
 }
 
 /// Kept on purpose: no bounds test; a key typed while the pointer is outside
-/// the frame is logged with coordinates outside it.
+/// the frame is logged with coordinates outside it. A pointer that is hidden while its user types
+/// stays where it was.
 void CursorTrackingService::handleKeyLine(std::string_view line) {
     auto key = parseKeyLine(line);
     const auto start = startDate();
@@ -250,7 +250,7 @@ void CursorTrackingService::handleKeyLine(std::string_view line) {
     if (timestamp < 0) {
         return;
     }
-    const Point p = pointInFrame();
+    const Point p = pointInFrame(m_ports.location.lastKnown());
     CursorEvent event{timestamp,
                       p.x,
                       p.y,

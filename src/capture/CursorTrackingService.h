@@ -83,7 +83,7 @@ private:
     struct Alive {};
 
     std::optional<Date> startDate() const;
-    Point pointInFrame() const;
+    Point pointInFrame(Point pointer) const;
 
     void reset();
     void registerArrow();

@@ -39,6 +39,10 @@ class PointerLocation {
 public:
     virtual ~PointerLocation() = default;
     virtual Point query() const = 0;
+
+    /// The same, but where the window system doesn't tell where the pointer is now (it is hidden,
+    /// or on a display that nobody looks at) the last place that it told.
+    virtual Point lastKnown() const { return query(); }
 };
 
 /// A cursor as the system shows it.

@@ -19,6 +19,9 @@ struct Display {
     int height = 0;      ///< Points.
     Rect frame;          ///< Global space, bottom-left origin, points.
     bool isMain = false; ///< The display that the user chose as first.
+    /// Where a compositor has it, in units of its own, rows downwards: only to know it again by.
+    /// Empty where nobody tells.
+    Rect place = {};
 
     bool operator==(const Display&) const = default;
 };

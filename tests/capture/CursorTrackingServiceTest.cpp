@@ -262,6 +262,18 @@ TEST_F(CursorTrackingServiceTest, keyIsAppendedOnTheMainThreadOnly) {
     EXPECT_THAT(service.events(), SizeIs(1));
 }
 
+TEST_F(CursorTrackingServiceTest, keyTypedWhileThePointerIsHiddenIsWhereThePointerWas) {
+    startStamped();
+    pointer.place = pointer.location;
+    pointer.location = {-1, 0}; // nobody knows where it is now
+    sayKey("{\"t\":1,\"c\":\"a\"}\n");
+    ASSERT_THAT(service.events(), SizeIs(1));
+    EXPECT_EQ(service.events()[0].x, 400);
+    EXPECT_EQ(service.events()[0].y, 300);
+    pointer.fire(Kind::mouseMoved);
+    EXPECT_THAT(service.events(), SizeIs(1)) << "a move is where the pointer is";
+}
+
 TEST_F(CursorTrackingServiceTest, keyOutsideTheFrameIsLogged) {
     startStamped();
     pointer.location = {0, 1000};

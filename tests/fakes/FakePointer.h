@@ -30,6 +30,7 @@ public:
     }
 
     Point query() const override { return location; }
+    Point lastKnown() const override { return place.value_or(location); }
 
     std::optional<SystemCursor> arrowCursor() override { return arrow; }
     std::optional<SystemCursor> currentSystemCursor() override {
@@ -51,6 +52,7 @@ public:
     std::set<PointerEventKind> refused;      ///< Kinds that yield no token.
     std::map<Token, std::pair<PointerEventKind, std::function<void()>>> monitors;
     Point location;
+    std::optional<Point> place; ///< Known last; absent: the location.
     std::optional<SystemCursor> arrow;
     std::optional<SystemCursor> current;
     int cursorLookups = 0;

@@ -10,6 +10,7 @@
 #include <spa/param/format-utils.h>
 #include <spa/param/video/format-utils.h>
 #include <spa/pod/builder.h>
+#include <span>
 
 namespace tavi {
 
@@ -28,7 +29,11 @@ constexpr int cursorBytes(int side) {
 
 enum class Layout { any, linear };
 
-PodCopy formatParameter(Layout layout, int framesPerSecond) {
+/// Those of kCastFormats that a window's transparent parts come through.
+constexpr std::array kAlphaFormats{SPA_VIDEO_FORMAT_BGRA, SPA_VIDEO_FORMAT_RGBA};
+
+PodCopy formatParameter(std::span<const spa_video_format> formats, Layout layout,
+                        int framesPerSecond) {
     std::array<std::uint8_t, 1024> memory{};
     spa_pod_builder builder{};
     spa_pod_builder_init(&builder, memory.data(), memory.size());
@@ -39,8 +44,8 @@ PodCopy formatParameter(Layout layout, int framesPerSecond) {
                         SPA_FORMAT_mediaSubtype, SPA_POD_Id(SPA_MEDIA_SUBTYPE_raw), 0);
     spa_pod_builder_prop(&builder, SPA_FORMAT_VIDEO_format, 0);
     spa_pod_builder_push_choice(&builder, &frames[1], SPA_CHOICE_Enum, 0);
-    spa_pod_builder_id(&builder, kCastFormats[0]); // the default stands in front once more
-    for (const spa_video_format format : kCastFormats) {
+    spa_pod_builder_id(&builder, formats[0]); // the default stands in front once more
+    for (const spa_video_format format : formats) {
         spa_pod_builder_id(&builder, format);
     }
     spa_pod_builder_pop(&builder, &frames[1]);
@@ -92,10 +97,14 @@ YuvEncoding encodingOf(const spa_video_info_raw& info) {
 
 } // namespace
 
-std::vector<PodCopy> castFormatParameters(int framesPerSecond) {
+std::vector<PodCopy> castFormatParameters(int framesPerSecond, CastAlpha alpha) {
     std::vector<PodCopy> wanted;
-    wanted.push_back(formatParameter(Layout::any, framesPerSecond));
-    wanted.push_back(formatParameter(Layout::linear, framesPerSecond));
+    for (const Layout layout : {Layout::any, Layout::linear}) {
+        if (alpha == CastAlpha::wanted) {
+            wanted.push_back(formatParameter(kAlphaFormats, layout, framesPerSecond));
+        }
+        wanted.push_back(formatParameter(kCastFormats, layout, framesPerSecond));
+    }
     return wanted;
 }
 

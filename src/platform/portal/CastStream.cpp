@@ -17,6 +17,9 @@ constexpr std::int64_t kPlausible = 2'000'000'000;
 /// Samples that the queue hasn't come to yet; more of them would only be dropped there.
 constexpr int kMostQueued = 2;
 constexpr std::int64_t kRetry = 4'000'000; ///< Until the queue is looked at again, nanoseconds.
+/// When a picture that could not be used is sent again, if no newer one came until then: time for
+/// an encoder to work off some. Nanoseconds.
+constexpr std::int64_t kAgain = 50'000'000;
 /// With fewer buffers a compositor has none to draw into while one is lent and one waits.
 constexpr std::size_t kFewestToLend = 4;
 constexpr std::size_t kMostKeptPictures = 3;
@@ -96,17 +99,18 @@ struct CastStream::Callbacks {
 };
 
 Result<std::unique_ptr<CastStream>, CaptureError> CastStream::open(int remote, std::uint32_t node,
-                                                                   Ports ports) {
-    std::unique_ptr<CastStream> stream(new CastStream(remote, node, std::move(ports)));
+                                                                   Ports ports, CastAlpha alpha) {
+    std::unique_ptr<CastStream> stream(new CastStream(remote, node, std::move(ports), alpha));
     if (auto connected = stream->connect(); !connected) {
         return tavi::fail(connected.error());
     }
     return stream;
 }
 
-CastStream::CastStream(int remote, std::uint32_t node, Ports ports)
+CastStream::CastStream(int remote, std::uint32_t node, Ports ports, CastAlpha alpha)
     : m_ports(std::move(ports)),
       m_node(node),
+      m_alpha(alpha),
       m_graph("pw-screen", *this, remote) {
     m_timer = pw_loop_add_timer(m_graph.loop(), Callbacks::turn, this);
 }
@@ -134,6 +138,7 @@ Result<void, CaptureError> CastStream::connect() {
     const CastArea area = m_firstArea.value_or(CastArea{0, 0, m_format->width, m_format->height});
     m_width = area.width;
     m_height = area.height;
+    m_hasAlpha = m_alpha == CastAlpha::wanted && m_format->hasAlpha();
     return {};
 }
 
@@ -150,7 +155,7 @@ void CastStream::openStream() {
     }
     m_streamHook = {};
     pw_stream_add_listener(m_stream, &m_streamHook, &Callbacks::kStream, this);
-    const auto wanted = castFormatParameters(60);
+    const auto wanted = castFormatParameters(60, m_alpha);
     std::vector<const spa_pod*> formats;
     for (const auto& format : wanted) {
         formats.push_back(format.get());
@@ -183,8 +188,7 @@ void CastStream::configure(const ScreenStreamConfiguration& configuration) {
 }
 
 Result<void, CaptureError> CastStream::addStreamOutput(SerialQueue& queue, Handler handler) {
-    m_queue = &queue;
-    m_handler = std::move(handler);
+    m_outlet.emplace(queue, std::move(handler));
     return {};
 }
 
@@ -356,12 +360,9 @@ void CastStream::follow(const spa_buffer& buffer, const CastPicture& picture) {
         m_ports.pointer.setImage(std::move(*cursor->image));
     }
     const CastPoint point = shownPoint(picture, {cursor->x, cursor->y});
-    const CastArea area = shownArea(picture);
-    const bool isInside =
-        point.x >= 0 && point.y >= 0 && point.x <= area.width && point.y <= area.height;
-    if (cursor->isThere && isInside) {
-        const int height = m_height > 0 ? m_height : m_firstArea.value_or(area).height;
-        m_ports.pointer.show(point.x, point.y, height);
+    if (cursor->isThere) {
+        const int shown = m_firstArea.value_or(shownArea(picture)).height;
+        m_ports.pointer.show(point.x, point.y, m_height > 0 ? m_height : shown);
     } else {
         m_ports.pointer.hide();
     }
@@ -370,10 +371,14 @@ void CastStream::follow(const spa_buffer& buffer, const CastPicture& picture) {
 /// Sends the picture that waits when it is its turn, and else comes back then: what
 /// was drawn last is never left out.
 void CastStream::deliver(std::int64_t now) {
-    if (!m_waiting || !m_pace) {
+    if (!m_pace || !m_outlet) {
         return;
     }
-    if (*m_queued >= kMostQueued) {
+    if (!m_waiting) {
+        sendAgain(now);
+        return;
+    }
+    if (m_outlet->queued() >= kMostQueued) {
         wakeAt(now + kRetry);
         return;
     }
@@ -382,18 +387,32 @@ void CastStream::deliver(std::int64_t now) {
         wakeAt(m_pace->nextTurn());
         return;
     }
-    ScreenSample sample;
-    sample.presentationTime = MediaTime::fromNanoseconds(*time);
-    sample.image = pixelsOf(*m_waiting);
+    auto image = pixelsOf(*m_waiting);
     m_waiting.reset();
-    if (!sample.image) {
+    if (image) {
+        send(std::move(image), *time);
+        wakeAt(now + kAgain);
+    }
+}
+
+void CastStream::send(PixelBufferPtr image, std::int64_t time) {
+    ScreenSample sample;
+    sample.presentationTime = MediaTime::fromNanoseconds(time);
+    sample.image = std::move(image);
+    m_outlet->send(std::move(sample));
+}
+
+/// Looks after the picture that was sent last until it is known to be used.
+void CastStream::sendAgain(std::int64_t now) {
+    auto refused = m_outlet->refused();
+    if (refused) {
+        if (const auto time = m_pace->admit(now, now)) {
+            send(std::move(refused), *time);
+        }
+    } else if (m_outlet->queued() == 0) {
         return;
     }
-    ++*m_queued;
-    m_queue->post([handler = m_handler, sample = std::move(sample), queued = m_queued] {
-        --*queued;
-        handler(sample);
-    });
+    wakeAt(now + kAgain);
 }
 
 PixelBufferPtr CastStream::pixelsOf(const Waiting& waiting) {

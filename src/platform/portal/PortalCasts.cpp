@@ -14,8 +14,31 @@ bool isWindow(const ScreenFilter& filter) {
     return filter.windowId != 0;
 }
 
-std::string tokenName(const ScreenFilter& filter) {
-    return "display-" + std::to_string(filter.displayId);
+std::string tokenName(std::uint32_t displayId) {
+    return "display-" + std::to_string(displayId);
+}
+
+bool canBeAt(const Display& display, const ScreenCastSession::Place& place) {
+    const bool isOfSize = !place.size || *place.size == display.place.size() ||
+                          *place.size == Size{display.frame.width, display.frame.height};
+    // Some portals say of every display that it lies at the origin.
+    const bool isTold = place.position && *place.position != Point{0, 0};
+    return isOfSize && (!isTold || *place.position == Point{display.place.x, display.place.y});
+}
+
+/// The display that is cast: the chosen one unless it must be another.
+std::uint32_t displayAt(const ScreenCastSession::Place& place, const std::vector<Display>& displays,
+                        std::uint32_t chosen) {
+    std::optional<std::uint32_t> found;
+    for (const Display& display : displays) {
+        if (canBeAt(display, place)) {
+            if (found || display.id == chosen) {
+                return chosen;
+            }
+            found = display.id;
+        }
+    }
+    return found.value_or(chosen);
 }
 
 CaptureError captureError(const PortalError& error) {
@@ -55,11 +78,12 @@ private:
 };
 
 PortalCasts::PortalCasts(PortalBus& bus, ScreenCastFacts facts, RestoreTokens tokens,
-                         CastStream::Ports ports)
+                         CastStream::Ports ports, Displays displays)
     : m_bus(bus),
       m_facts(facts),
       m_tokens(std::move(tokens)),
-      m_ports(std::move(ports)) {}
+      m_ports(std::move(ports)),
+      m_displays(std::move(displays)) {}
 
 PortalCasts::~PortalCasts() = default;
 
@@ -100,20 +124,35 @@ PortalCasts::openSession(const ScreenFilter& filter, const std::stop_token& stop
     }
     request.isToBeRemembered = !isWindow(filter) && m_facts.canRestore();
     if (request.isToBeRemembered) {
-        request.restoreToken = m_tokens.token(tokenName(filter));
+        request.restoreToken = m_tokens.token(tokenName(filter.displayId));
     }
     auto session = ScreenCastSession::open(m_bus, m_facts, request, stop);
     const bool isTokenBad =
         !session && session.error().kind == PortalError::Kind::failed && request.restoreToken;
     if (isTokenBad) {
-        m_tokens.setToken(tokenName(filter), std::nullopt);
+        m_tokens.setToken(tokenName(filter.displayId), std::nullopt);
         request.restoreToken.reset();
         session = ScreenCastSession::open(m_bus, m_facts, request, stop);
     }
     if (session && request.isToBeRemembered) {
-        m_tokens.setToken(tokenName(filter), (*session)->restoreToken());
+        keepToken(filter, **session);
     }
     return session;
+}
+
+/// In the dialog its user may choose another display than before it.
+void PortalCasts::keepToken(const ScreenFilter& filter, const ScreenCastSession& session) {
+    const auto displays = m_displays ? m_displays() : std::vector<Display>();
+    const std::uint32_t shown = displayAt(session.place(), displays, filter.displayId);
+    if (shown != filter.displayId) {
+        m_tokens.setToken(tokenName(filter.displayId), std::nullopt);
+    }
+    m_tokens.setToken(tokenName(shown), session.restoreToken());
+}
+
+PointerRange PortalCasts::rangeOf(const ScreenFilter& filter) const {
+    const bool isOnly = !isWindow(filter) && m_displays && m_displays().size() == 1;
+    return isOnly ? PointerRange::everything : PointerRange::part;
 }
 
 Result<std::unique_ptr<PortalCasts::Cast>, CaptureError>
@@ -122,7 +161,9 @@ PortalCasts::openCast(std::unique_ptr<ScreenCastSession> session, const ScreenFi
     if (!remote) {
         return fail(captureError(remote.error()));
     }
-    auto stream = CastStream::open(*remote, session->node(), m_ports);
+    m_ports.pointer.beginCast(rangeOf(filter));
+    auto stream = CastStream::open(*remote, session->node(), m_ports,
+                                   isWindow(filter) ? CastAlpha::wanted : CastAlpha::unwanted);
     if (!stream) {
         return fail(stream.error());
     }
@@ -139,6 +180,11 @@ void PortalCasts::release() {
     std::unique_ptr<Cast> granted;
     const std::lock_guard lock(m_mutex);
     granted.swap(m_granted);
+}
+
+bool PortalCasts::hasAlpha(const ScreenFilter& filter) {
+    const std::lock_guard lock(m_mutex);
+    return m_granted && isSameSource(m_granted->source(), filter) && m_granted->stream().hasAlpha();
 }
 
 Result<std::unique_ptr<ScreenStream>, CaptureError>

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "capture/ScreenStream.h"
+#include "capture/ShareableContent.h"
 #include "capture/SourceConsent.h"
 #include "capture/SourceFrames.h"
 #include "platform/portal/CastStream.h"
@@ -15,20 +16,25 @@ namespace tavi {
 /// The screen casts of a portal: each is asked for before its take, made into the take's stream,
 /// and ended with it.
 ///
-/// For a display the portal's answer is remembered, by the display's id, as long as the user lets
-/// it; a window is chosen anew in the desktop's dialog for every take.
+/// For a display the portal's answer is remembered, by the id of the display that was chosen in
+/// the desktop's dialog, as long as the user lets it; a window is chosen anew there for every take.
 /// Threads: any; ask() and makeStream() by one at a time.
 class PortalCasts final : public SourceConsent, public ScreenStreams, public SourceFrames {
 public:
-    /// All outlive the object.
+    using Displays = std::function<std::vector<Display>()>;
+
+    /// All outlive the object; `displays` is asked on any thread and may be null.
     PortalCasts(PortalBus& bus, ScreenCastFacts facts, RestoreTokens tokens,
-                CastStream::Ports ports);
+                CastStream::Ports ports, Displays displays = {});
     ~PortalCasts() override;
 
     /// Errors: castRefused, noPortal.
     Result<Consent, CaptureError> ask(const ScreenFilter& filter,
                                       const std::stop_token& stop) override;
     void release() override;
+
+    /// Of a window that was consented to.
+    bool hasAlpha(const ScreenFilter& filter) override;
 
     /// Asks for what was not asked for before. Errors: likewise; a refusal is castRefused.
     Result<std::unique_ptr<ScreenStream>, CaptureError>
@@ -47,11 +53,14 @@ private:
     Result<std::unique_ptr<Cast>, CaptureError> openCast(std::unique_ptr<ScreenCastSession> session,
                                                          const ScreenFilter& filter);
     std::optional<Rect> frameOf(const ScreenFilter& filter);
+    void keepToken(const ScreenFilter& filter, const ScreenCastSession& session);
+    PointerRange rangeOf(const ScreenFilter& filter) const;
 
     PortalBus& m_bus;
     const ScreenCastFacts m_facts;
     RestoreTokens m_tokens;
     CastStream::Ports m_ports;
+    Displays m_displays;
 
     std::mutex m_mutex;
     std::unique_ptr<Cast> m_granted; ///< By the mutex; null before consent and once it is used.

@@ -21,7 +21,20 @@ void PortalPointer::removeMonitor(Token token) {
 
 Point PortalPointer::query() const {
     const std::lock_guard lock(m_mutex);
-    return m_isThere ? m_position : Point{-1, m_position.y};
+    const bool isHere = m_isThere || (m_isKnown && m_range == PointerRange::everything);
+    return isHere ? m_position : Point{-1, m_position.y};
+}
+
+Point PortalPointer::lastKnown() const {
+    const std::lock_guard lock(m_mutex);
+    return m_isKnown ? m_position : Point{-1, m_position.y};
+}
+
+void PortalPointer::beginCast(PointerRange range) {
+    const std::lock_guard lock(m_mutex);
+    m_range = range;
+    m_isThere = false;
+    m_isKnown = false;
 }
 
 std::optional<SystemCursor> PortalPointer::currentSystemCursor() {
@@ -33,6 +46,7 @@ void PortalPointer::show(int x, int y, int height) {
     const Point position{static_cast<double>(x), static_cast<double>(height - y)};
     {
         const std::lock_guard lock(m_mutex);
+        m_isKnown = true;
         if (std::exchange(m_isThere, true) && m_position == position) {
             return;
         }

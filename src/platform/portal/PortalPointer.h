@@ -11,6 +11,9 @@
 
 namespace tavi {
 
+/// What a cast shows of all the places where the pointer can be.
+enum class PointerRange { part, everything };
+
 /// The pointer as the streams of a portal tell of it. Its global space is what is cast: a
 /// stream's picture lies with its bottom left corner at the origin, a point a pixel.
 ///
@@ -29,12 +32,19 @@ public:
                                           std::function<void()> handler) override;
     void removeMonitor(Token token) override;
 
-    /// A pointer that is elsewhere, or can't be seen, counts as one point left of the picture: so
-    /// clicks on another display are no clicks of a take.
+    /// A pointer that isn't told of is hidden, or elsewhere: streams don't say which. Where it can
+    /// be nowhere else it stays where it was; else it counts as one point left of the picture, so
+    /// that clicks on another display are no clicks of a take.
     Point query() const override;
+
+    /// Of keys nobody asks where the pointer is exactly: it is hidden while its user types.
+    Point lastKnown() const override;
 
     std::optional<SystemCursor> arrowCursor() override { return m_arrow(); }
     std::optional<SystemCursor> currentSystemCursor() override;
+
+    /// Another source is cast: the pointer is nowhere until show().
+    void beginCast(PointerRange range);
 
     /// Of a stream whose picture is `height` pixels high: the pointer is there, in pixels from
     /// the picture's top left corner.
@@ -53,7 +63,9 @@ private:
 
     mutable std::mutex m_mutex; ///< Guards what follows.
     Point m_position;
+    PointerRange m_range = PointerRange::part;
     bool m_isThere = false;
+    bool m_isKnown = false; ///< It has a position, which may be an old one.
     std::optional<SystemCursor> m_image;
 };
 

@@ -19,8 +19,8 @@ PortalScreenSystem::PortalScreenSystem(std::unique_ptr<PortalBus> bus, const Scr
     : m_bus(std::move(bus)),
       m_facts(facts),
       m_pointer(ports.main, std::move(ports.arrow)),
-      m_content(*m_bus, std::move(ports.displays)),
+      m_content(*m_bus, ports.displays),
       m_casts(*m_bus, facts, RestoreTokens(std::move(ports.tokenFile)),
-              {std::move(ports.colours), m_pointer}) {}
+              {std::move(ports.colours), m_pointer}, std::move(ports.displays)) {}
 
 } // namespace tavi

@@ -19,8 +19,13 @@ QString textOf(const QVariant& value) {
                                                : value.toString();
 }
 
-/// The node of the first stream of a(ua{sv}); absent when there is none.
-std::optional<std::uint32_t> firstNode(const QVariant& streams) {
+struct Stream {
+    uint node = 0;
+    QVariantMap facts;
+};
+
+/// The first stream of a(ua{sv}); absent when there is none.
+std::optional<Stream> firstStream(const QVariant& streams) {
     if (!streams.canConvert<QDBusArgument>()) {
         return std::nullopt;
     }
@@ -32,10 +37,38 @@ std::optional<std::uint32_t> firstNode(const QVariant& streams) {
     if (list.atEnd()) {
         return std::nullopt;
     }
-    uint node = 0;
+    Stream stream;
     list.beginStructure();
-    list >> node;
-    return node;
+    list >> stream.node >> stream.facts;
+    return stream;
+}
+
+/// Two numbers, (ii).
+std::optional<std::pair<int, int>> pairIn(const QVariantMap& facts, const QString& key) {
+    const QVariant value = facts.value(key);
+    if (!value.canConvert<QDBusArgument>()) {
+        return std::nullopt;
+    }
+    const auto argument = value.value<QDBusArgument>();
+    if (argument.currentSignature() != QStringLiteral("(ii)")) {
+        return std::nullopt;
+    }
+    std::pair<int, int> numbers;
+    argument.beginStructure();
+    argument >> numbers.first >> numbers.second;
+    return numbers;
+}
+
+ScreenCastSession::Place placeIn(const QVariantMap& facts) {
+    ScreenCastSession::Place place;
+    if (const auto position = pairIn(facts, QStringLiteral("position"))) {
+        place.position = {static_cast<double>(position->first),
+                          static_cast<double>(position->second)};
+    }
+    if (const auto size = pairIn(facts, QStringLiteral("size"))) {
+        place.size = {static_cast<double>(size->first), static_cast<double>(size->second)};
+    }
+    return place;
 }
 
 } // namespace
@@ -126,11 +159,12 @@ Result<void, PortalError> ScreenCastSession::start(const std::stop_token& stop) 
     if (!started) {
         return fail(started.error());
     }
-    const auto node = firstNode(started->value(QStringLiteral("streams")));
-    if (!node) {
+    const auto stream = firstStream(started->value(QStringLiteral("streams")));
+    if (!stream) {
         return fail(PortalError{PortalError::Kind::failed, "the portal gave no stream"});
     }
-    m_node = *node;
+    m_node = stream->node;
+    m_place = placeIn(stream->facts);
     const std::string token =
         started->value(QStringLiteral("restore_token")).toString().toStdString();
     if (!token.empty()) {

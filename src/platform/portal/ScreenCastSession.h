@@ -1,5 +1,6 @@
 #pragma once
 
+#include "base/Geometry.h"
 #include "base/Result.h"
 #include "platform/portal/PortalBus.h"
 #include "platform/portal/ScreenCastFacts.h"
@@ -42,6 +43,14 @@ public:
     /// The node of the stream on the portal's own connection with PipeWire.
     std::uint32_t node() const { return m_node; }
 
+    /// What the portal tells of where the cast display lies, in the compositor's own units, rows
+    /// downwards; each absent where it doesn't.
+    struct Place {
+        std::optional<Point> position;
+        std::optional<Size> size;
+    };
+    const Place& place() const { return m_place; }
+
     /// Answers the same question next time, once; absent when nothing is remembered.
     const std::optional<std::string>& restoreToken() const { return m_restoreToken; }
 
@@ -64,6 +73,7 @@ private:
     PortalBus& m_bus;
     QString m_handle; ///< Empty before there is a session.
     std::uint32_t m_node = 0;
+    Place m_place;
     std::optional<std::string> m_restoreToken;
 };
 

@@ -32,6 +32,16 @@ void name(void* data, wl_output*, const char* text) {
     outputOf(data).name = text;
 }
 
+void logicalPosition(void* data, zxdg_output_v1*, int x, int y) {
+    outputOf(data).x = x;
+    outputOf(data).y = y;
+}
+
+void logicalSize(void* data, zxdg_output_v1*, int width, int height) {
+    outputOf(data).width = width;
+    outputOf(data).height = height;
+}
+
 constexpr wl_output_listener kOutput{
     geometry,
     mode,
@@ -42,8 +52,8 @@ constexpr wl_output_listener kOutput{
 };
 
 constexpr zxdg_output_v1_listener kDetails{
-    [](void*, zxdg_output_v1*, int, int) {},
-    [](void* data, zxdg_output_v1*, int width, int) { outputOf(data).width = width; },
+    logicalPosition,
+    logicalSize,
     [](void*, zxdg_output_v1*) {},
     [](void* data, zxdg_output_v1*, const char* text) { outputOf(data).name = text; },
     [](void*, zxdg_output_v1*, const char*) {},
@@ -65,7 +75,9 @@ Display displayOf(const WaylandOutput& output, std::size_t index) {
             static_cast<int>(size.width),
             static_cast<int>(size.height),
             {0, 0, size.width, size.height},
-            index == 0};
+            index == 0,
+            {static_cast<double>(output.x), static_cast<double>(output.y),
+             static_cast<double>(output.width), static_cast<double>(output.height)}};
 }
 
 } // namespace

@@ -20,7 +20,10 @@ struct WaylandOutput {
     int modeWidth = 0;                 ///< Pixels, before it is turned.
     int modeHeight = 0;
     int transform = 0; ///< Of wl_output; odd ones turn by a quarter.
-    int width = 0;     ///< Points; 0 where nobody tells.
+    int width = 0;     ///< Points; 0 where nobody tells, as in the next three.
+    int height = 0;
+    int x = 0; ///< From the top left corner of the compositor's space, points.
+    int y = 0;
 
     /// In pixels, as it is shown.
     Size pixels() const;

@@ -70,11 +70,11 @@ protected:
 
     /// Opens the stream; its first picture is `first`.
     void open(const CastLayout& layout, const CastFrame& first = plain(kGreen),
-              FakeCast::Metas metas = FakeCast::Metas::all) {
+              FakeCast::Metas metas = FakeCast::Metas::all, CastAlpha alpha = CastAlpha::unwanted) {
         cast = std::make_unique<FakeCast>(layout, metas);
-        auto opening = std::async(std::launch::async, [this] {
+        auto opening = std::async(std::launch::async, [this, alpha] {
             return CastStream::open(FakeCast::openRemote(), cast->node(),
-                                    {std::make_shared<YuvConverter>(), pointer});
+                                    {std::make_shared<YuvConverter>(), pointer}, alpha);
         });
         ASSERT_TRUE(cast->waitForReader());
         // What is sent while the reader's side is still being set up goes nowhere, and a
@@ -94,7 +94,7 @@ protected:
         ASSERT_TRUE(stream->addStreamOutput(queue, [this](const ScreenSample& sample) {
             const std::lock_guard lock(mutex);
             samples.push_back(sample);
-            return true;
+            return refusals-- <= 0;
         }));
         ASSERT_TRUE(stream->startCapture());
         ASSERT_TRUE(waitForSamples(1));
@@ -157,7 +157,8 @@ protected:
     std::unique_ptr<FakeCast> cast;
     std::unique_ptr<CastStream> stream;
     std::mutex mutex;
-    std::vector<ScreenSample> samples; ///< By the mutex.
+    std::vector<ScreenSample> samples; ///< By the mutex, as the next.
+    int refusals = 0;                  ///< So many pictures can't be used.
 };
 
 TEST_F(CastOfACompositor, beginsWithWhatWasOnTheScreenBefore) {
@@ -216,6 +217,36 @@ TEST_F(CastOfACompositor, takesTheFormatThatIsCheapestToReadOfThoseOffered) {
     start();
     EXPECT_EQ(pixel(last(), 2, 2), kGreen);
     EXPECT_EQ(pixel(last(), 60, 2), kViolet);
+}
+
+TEST_F(CastOfACompositor, windowKeepsItsTransparentParts) {
+    constexpr std::uint32_t kFaint = 0x40102030;
+    for (const auto format : {SPA_VIDEO_FORMAT_BGRA, SPA_VIDEO_FORMAT_RGBA}) {
+        SCOPED_TRACE(format);
+        CastLayout layout;
+        layout.offered = {SPA_VIDEO_FORMAT_BGRx, format}; // the first is cheaper, and opaque
+        open(layout, halves(kFaint, 0, 32), FakeCast::Metas::all, CastAlpha::wanted);
+        EXPECT_TRUE(stream->hasAlpha());
+        start();
+        EXPECT_EQ(pixel(last(), 2, 2), kFaint);
+        EXPECT_EQ(pixel(last(), 60, 2), 0U);
+        stop();
+        samples.clear();
+    }
+}
+
+TEST_F(CastOfACompositor, windowWithoutAnAlphaChannelIsOpaque) {
+    open({}, plain(kGreen), FakeCast::Metas::all, CastAlpha::wanted);
+    EXPECT_FALSE(stream->hasAlpha());
+    start();
+    EXPECT_EQ(pixel(last(), 2, 2) & 0xFFFFFF, kGreen & 0xFFFFFF);
+}
+
+TEST_F(CastOfACompositor, alphaOfADisplayMeansNothing) {
+    CastLayout layout;
+    layout.format = SPA_VIDEO_FORMAT_BGRA;
+    open(layout);
+    EXPECT_FALSE(stream->hasAlpha());
 }
 
 TEST_F(CastOfACompositor, readsLinearGraphicsMemoryThatCanBeMapped) {
@@ -305,6 +336,39 @@ TEST_F(CastOfACompositor, isNeverFasterThanSixtyASecondAndKeepsWhatCameLast) {
     }
 }
 
+TEST_F(CastOfACompositor, pictureThatCouldNotBeUsedComesAgainAsOneOfLater) {
+    open({});
+    refusals = 3;
+    start();
+    ASSERT_TRUE(waitForSamples(4)) << "though nothing changed";
+    EXPECT_EQ(pixel(last(), 0, 0) & 0xFFFFFF, kGreen & 0xFFFFFF);
+    for (std::size_t i = 1; i < count(); ++i) {
+        const auto gap = sample(i).presentationTime - sample(i - 1).presentationTime;
+        EXPECT_GE(gap.seconds(), 0.04) << "an encoder needs time";
+    }
+    show(plain(kViolet));
+    EXPECT_EQ(count(), 5U) << "a picture that was used comes no more";
+    EXPECT_EQ(pixel(last(), 0, 0) & 0xFFFFFF, kViolet & 0xFFFFFF);
+}
+
+TEST_F(CastOfACompositor, ofPicturesThatCouldNotBeUsedOnlyTheNewestComesAgain) {
+    open({});
+    start();
+    {
+        const std::lock_guard lock(mutex);
+        refusals = 2;
+    }
+    show(plain(kGreen));
+    show(plain(kViolet)); // either of them may have come twice by now
+    const std::size_t before = count();
+    ASSERT_TRUE(waitFor([&] {
+        const std::lock_guard lock(mutex);
+        return refusals < 0;
+    }));
+    EXPECT_GE(count(), before);
+    EXPECT_EQ(pixel(last(), 0, 0) & 0xFFFFFF, kViolet & 0xFFFFFF);
+}
+
 TEST_F(CastOfACompositor, newSizeStaysAtTheTopLeftOfTheOldPictures) {
     open({});
     start();
@@ -381,9 +445,9 @@ TEST_F(CastOfACompositor, pointerWithoutAnIdIsElsewhere) {
     ASSERT_TRUE(waitFor([&] { return pointer.query().x == 10; }));
     cast->send(pointerOnly({.id = 0, .x = 11, .y = 5}));
     EXPECT_TRUE(waitFor([&] { return pointer.query().x < 0; }));
+    EXPECT_EQ(pointer.lastKnown(), (Point{10, 48 - 5}));
     cast->send(pointerOnly({.x = 100, .y = 5})); // beside the picture
-    show(plain(kViolet));
-    EXPECT_LT(pointer.query().x, 0);
+    EXPECT_TRUE(waitFor([&] { return pointer.query() == Point{100, 48 - 5}; }));
 }
 
 TEST_F(CastOfACompositor, pointerStaysInStepWithACropAndATransform) {

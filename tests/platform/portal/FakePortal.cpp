@@ -37,9 +37,30 @@ const QDBusArgument& operator>>(const QDBusArgument& from, Stream& stream) {
     return from;
 }
 
+/// (ii).
+struct Pair {
+    int first = 0;
+    int second = 0;
+};
+
+QDBusArgument& operator<<(QDBusArgument& to, const Pair& pair) {
+    to.beginStructure();
+    to << pair.first << pair.second;
+    to.endStructure();
+    return to;
+}
+
+const QDBusArgument& operator>>(const QDBusArgument& from, Pair& pair) {
+    from.beginStructure();
+    from >> pair.first >> pair.second;
+    from.endStructure();
+    return from;
+}
+
 } // namespace
 
 Q_DECLARE_METATYPE(Stream)
+Q_DECLARE_METATYPE(Pair)
 
 namespace tavi::test {
 
@@ -51,6 +72,17 @@ constexpr const char* kBus = "DBUS_SESSION_BUS_ADDRESS";
 
 QVariantMap optionsOf(const QDBusMessage& message) {
     return qdbus_cast<QVariantMap>(message.arguments().last());
+}
+
+QVariantMap factsOf(const Rect& place) {
+    if (place.width == 0) {
+        return {};
+    }
+    const auto pair = [](double first, double second) {
+        return QVariant::fromValue(Pair{static_cast<int>(first), static_cast<int>(second)});
+    };
+    return {{QStringLiteral("position"), pair(place.x, place.y)},
+            {QStringLiteral("size"), pair(place.width, place.height)}};
 }
 
 QString clientPath(const QString& kind, QString client, const QString& token) {
@@ -101,6 +133,7 @@ FakePortal::FakePortal(Script script)
     : m_script(std::move(script)),
       m_name(QStringLiteral("fake-portal-%1").arg(QRandomGenerator::global()->generate64())),
       m_bus(QDBusConnection::connectToBus(QDBusConnection::SessionBus, m_name)) {
+    qDBusRegisterMetaType<Pair>();
     qDBusRegisterMetaType<Stream>();
     qDBusRegisterMetaType<QList<Stream>>();
     moveToThread(&m_thread);
@@ -208,7 +241,7 @@ void FakePortal::start(const QDBusMessage& message) {
     QVariantMap results;
     if (answer.code == 0) {
         results[QStringLiteral("streams")] =
-            QVariant::fromValue(QList<Stream>{{m_script.node, QVariantMap()}});
+            QVariant::fromValue(QList<Stream>{{m_script.node, factsOf(answer.place)}});
         if (!answer.token.empty()) {
             results[QStringLiteral("restore_token")] = QString::fromStdString(answer.token);
         }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "base/Geometry.h"
 #include "support/TemporaryFolder.h"
 
 #include <QDBusConnection>
@@ -36,6 +37,8 @@ private:
 struct PortalAnswer {
     uint code = 0;          ///< 0: yes, 1: no, 2: it failed.
     std::string token = {}; ///< Given with a yes; empty: none.
+    /// Of what is cast, in the compositor's units; without a size the portal doesn't tell.
+    Rect place = {};
 };
 
 /// A ScreenCast portal on the test's bus, on a thread and a connection of its own.

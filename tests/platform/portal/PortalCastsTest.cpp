@@ -8,6 +8,7 @@
 
 #include <gmock/gmock.h>
 
+#include <algorithm>
 #include <future>
 #include <stdexcept>
 
@@ -27,12 +28,12 @@ const QString kToken = QStringLiteral("restore_token");
 class CastsOfAPortal : public testing::Test {
 protected:
     void open(FakePortal::Script script) {
-        cast = std::make_unique<FakeCast>(test::CastLayout{});
+        cast = std::make_unique<FakeCast>(layout);
         script.node = cast->node();
         script.openRemote = FakeCast::openRemote;
         portal = std::make_unique<FakePortal>(std::move(script));
-        system = PortalScreenSystem::open(
-            {main, nullptr, [] { return std::nullopt; }, folder / "state/tokens"});
+        system = PortalScreenSystem::open({main, nullptr, [] { return std::nullopt; },
+                                           folder / "state/tokens", [this] { return displays; }});
         if (!system) {
             throw std::runtime_error("no portal");
         }
@@ -60,7 +61,18 @@ protected:
     std::unique_ptr<FakePortal> portal;
     std::unique_ptr<PortalScreenSystem> system;
     std::stop_source stop;
+    std::vector<Display> displays; ///< As the compositor tells.
+    test::CastLayout layout;       ///< Of the compositor's pictures.
 };
+
+/// A display of twice as many pixels as points.
+Display displayAt(std::uint32_t id, Rect place) {
+    Display display;
+    display.id = id;
+    display.frame = {0, 0, place.width * 2, place.height * 2};
+    display.place = place;
+    return display;
+}
 
 class PortalOfAnyVersion : public CastsOfAPortal, public testing::WithParamInterface<uint> {};
 
@@ -171,6 +183,76 @@ TEST_F(CastsOfAPortal, displaysHaveTokensOfTheirOwn) {
     system->consent()->release();
     EXPECT_EQ(ask(ScreenFilter::display(8)), Consent::given);
     EXPECT_FALSE(portal->selections().at(1).contains(kToken));
+}
+
+struct PlaceCase {
+    const char* what;
+    Rect place;           ///< Of what its user chose in the dialog.
+    std::uint32_t holder; ///< Whose token it is then, if display 7 was chosen before.
+};
+
+class TokenOfADisplay : public CastsOfAPortal, public testing::WithParamInterface<PlaceCase> {};
+
+TEST_P(TokenOfADisplay, belongsToWhatWasChosenInTheDialog) {
+    displays = {displayAt(7, {0, 0, 1920, 1080}), displayAt(8, {1920, 0, 1920, 1080}),
+                displayAt(9, {0, 1080, 1280, 720})};
+    open({.answer = [](const auto&) { return PortalAnswer{0, "new", GetParam().place}; }});
+    tokens().setToken("display-7", "old");
+    EXPECT_EQ(ask(ScreenFilter::display(7)), Consent::given);
+    for (const Display& display : displays) {
+        const auto token = tokens().token("display-" + std::to_string(display.id));
+        EXPECT_EQ(token, display.id == GetParam().holder ? std::optional<std::string>("new")
+                                                         : std::nullopt)
+            << display.id;
+    }
+    EXPECT_TRUE(system->frames().displayFrame(7)) << "the take is of what was chosen last";
+}
+
+INSTANTIATE_TEST_SUITE_P(Places, TokenOfADisplay,
+                         testing::Values(PlaceCase{"the same", {0, 0, 1920, 1080}, 7},
+                                         PlaceCase{"by its place", {1920, 0, 1920, 1080}, 8},
+                                         PlaceCase{"by its size", {0, 0, 1280, 720}, 9},
+                                         PlaceCase{"by its size in pixels", {0, 0, 2560, 1440}, 9},
+                                         PlaceCase{"nothing told", {}, 7},
+                                         PlaceCase{
+                                             "what no compositor tells of", {5, 5, 800, 600}, 7}),
+                         [](const auto& tested) {
+                             std::string name = tested.param.what;
+                             std::replace(name.begin(), name.end(), ' ', '_');
+                             return name;
+                         });
+
+TEST_F(CastsOfAPortal, pointerOfTheOnlyDisplayIsNeverElsewhere) {
+    displays = {displayAt(7, {0, 0, 32, 24})};
+    open({});
+    ASSERT_EQ(ask(ScreenFilter::display(7)), Consent::given);
+    system->portalPointer().show(10, 5, 48);
+    system->portalPointer().hide();
+    EXPECT_EQ(system->portalPointer().query(), (Point{10, 43}));
+    ASSERT_EQ(ask(ScreenFilter::window(1)), Consent::given);
+    system->portalPointer().show(10, 5, 48);
+    system->portalPointer().hide();
+    EXPECT_LT(system->portalPointer().query().x, 0) << "it may be beside the window";
+}
+
+TEST_F(CastsOfAPortal, pointerMayBeOnAnotherDisplay) {
+    displays = {displayAt(7, {0, 0, 32, 24}), displayAt(8, {32, 0, 32, 24})};
+    open({});
+    ASSERT_EQ(ask(ScreenFilter::display(7)), Consent::given);
+    system->portalPointer().show(10, 5, 48);
+    system->portalPointer().hide();
+    EXPECT_LT(system->portalPointer().query().x, 0);
+}
+
+TEST_F(CastsOfAPortal, windowWithTransparentPartsHasAlpha) {
+    layout.offered = {SPA_VIDEO_FORMAT_BGRx, SPA_VIDEO_FORMAT_BGRA};
+    open({});
+    EXPECT_FALSE(system->streams().hasAlpha(ScreenFilter::window(1))) << "not asked for yet";
+    ASSERT_EQ(ask(ScreenFilter::window(1)), Consent::given);
+    EXPECT_TRUE(system->streams().hasAlpha(ScreenFilter::window(1)));
+    EXPECT_FALSE(system->streams().hasAlpha(ScreenFilter::display(1)));
+    ASSERT_EQ(ask(ScreenFilter::display(1)), Consent::given);
+    EXPECT_FALSE(system->streams().hasAlpha(ScreenFilter::display(1)));
 }
 
 TEST_F(CastsOfAPortal, windowIsAskedForEachTime) {

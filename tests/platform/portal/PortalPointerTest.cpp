@@ -34,6 +34,30 @@ TEST_F(PointerOfAPortal, isOutsideThePictureWhileItIsElsewhere) {
     EXPECT_EQ(pointer.query(), (Point{30, 440}));
 }
 
+TEST_F(PointerOfAPortal, hidesWhereItWasIfItCanBeNowhereElse) {
+    pointer.beginCast(PointerRange::everything);
+    EXPECT_LT(pointer.query().x, 0) << "nobody told yet";
+    pointer.show(30, 40, 480);
+    pointer.hide();
+    EXPECT_EQ(pointer.query(), (Point{30, 440}));
+}
+
+TEST_F(PointerOfAPortal, lastKnownPlaceIsThatBeforeItWasHidden) {
+    EXPECT_LT(pointer.lastKnown().x, 0) << "nobody told yet";
+    pointer.show(30, 40, 480);
+    pointer.hide();
+    EXPECT_EQ(pointer.lastKnown(), (Point{30, 440}));
+    pointer.show(50, 40, 480);
+    EXPECT_EQ(pointer.lastKnown(), pointer.query());
+}
+
+TEST_F(PointerOfAPortal, placesInAnotherSourceAreForgotten) {
+    pointer.show(30, 40, 480);
+    pointer.beginCast(PointerRange::everything);
+    EXPECT_LT(pointer.query().x, 0);
+    EXPECT_LT(pointer.lastKnown().x, 0);
+}
+
 TEST_F(PointerOfAPortal, tellsOfMovesOnTheMainThread) {
     watch(PointerEventKind::mouseMoved);
     pointer.show(1, 1, 480);

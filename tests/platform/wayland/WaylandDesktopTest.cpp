@@ -76,6 +76,7 @@ TEST_F(WaylandDesktop, tellsItsDisplaysByName) {
     ASSERT_EQ(displays.size(), 1U);
     EXPECT_EQ(displays[0].name, "HEADLESS-1");
     EXPECT_EQ(displays[0].frame, kMonitor);
+    EXPECT_EQ(displays[0].place, (Rect{0, 0, SwayDesktop::kWidth, SwayDesktop::kHeight}));
     EXPECT_TRUE(displays[0].isMain);
     EXPECT_NE(displays[0].id, 0U);
     EXPECT_EQ(waylandDisplays(), displays) << "a display keeps its id";
@@ -108,7 +109,7 @@ TEST_F(WaylandDesktop, aSurfaceForWhatIsSomewhereIsACardInTheMiddle) {
     ASSERT_EQ(m_points, (Size{kSide, kSide}));
     surface->show(red(kSide, kSide));
     EXPECT_TRUE(comesToShow(SwayDesktop::kWidth / 2, SwayDesktop::kHeight / 2, kRed));
-    EXPECT_TRUE(shows(screen(), 1000, 600, SwayDesktop::kColour));
+    EXPECT_TRUE(comesToShow(1000, 600, SwayDesktop::kColour));
 }
 
 TEST(WaylandNowhere, listsNothingAndHasNoSurface) {
