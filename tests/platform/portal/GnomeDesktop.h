@@ -3,6 +3,7 @@
 #include "platform/portal/PrivateDesktop.h"
 
 #include <QDBusConnection>
+#include <QDBusMessage>
 
 namespace tavi::test {
 
@@ -14,15 +15,26 @@ public:
     static constexpr int kHeight = 720;
     static constexpr std::uint32_t kColour = 0x2050A0; ///< Of the terminal, 0xRRGGBB.
 
-    GnomeDesktop();
+    /// Whose portal answers: GNOME's own, or one that the test plays.
+    enum class Portal { ofGnome, ofTheTest };
+
+    explicit GnomeDesktop(Portal portal = Portal::ofGnome);
     ~GnomeDesktop();
 
     /// In pixels from the monitor's top left corner.
     void movePointer(double x, double y);
     void click(double x, double y);
 
-    /// Fills the monitor with a terminal in which something moves.
-    void openTerminal();
+    /// Fills the monitor with a terminal that changes `perSecond` times a second.
+    void openTerminal(int perSecond = 10);
+    /// One of that size in pixels, without a frame.
+    void openTerminal(int width, int height);
+    void closeTerminal();
+
+    /// Has the compositor cast the window that has the focus; its node.
+    std::uint32_t castWindow();
+    /// Ends that cast as the desktop's own "stop" does.
+    void stopCast();
 
     /// Shares the first monitor in the portal's dialog, if it is open. Windows that were clicked
     /// before would keep the dialog behind them.
@@ -37,12 +49,18 @@ public:
 private:
     QVariantList call(const QString& service, const QString& path, const QString& interface,
                       const QString& method, const QVariantList& arguments = {});
+    void startPortal();
+    QDBusMessage ask(const QString& service, const QString& path, const QString& interface,
+                     const QString& method, const QVariantList& arguments) const;
     void takeTheMouse();
+    void launchTerminal(const std::vector<std::string>& options, int perSecond);
 
     pid_t m_compositor = 0;
+    pid_t m_terminal = 0;
     QDBusConnection m_hand;
     QString m_session; ///< Of the remote desktop, by which pointers move.
     QString m_stream;  ///< That positions count in.
+    QString m_cast;    ///< Of castWindow().
 };
 
 } // namespace tavi::test

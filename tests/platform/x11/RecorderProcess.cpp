@@ -13,8 +13,6 @@ namespace tavi::test {
 
 namespace {
 
-constexpr const char* kProgram = TAVI_BINARY_DIR "/tavi";
-
 /// On a loaded machine the choice of an encoder alone may take many seconds.
 bool eventuallyOf(const std::function<bool()>& condition) {
     return eventually(condition) || eventually(condition) || eventually(condition);
@@ -23,8 +21,9 @@ bool eventuallyOf(const std::function<bool()>& condition) {
 } // namespace
 
 RecorderProcess::RecorderProcess(const std::string& server, std::vector<std::string> arguments,
-                                 int messages)
-    : m_pid(fork()) {
+                                 int messages, std::string program)
+    : m_program(std::move(program)),
+      m_pid(fork()) {
     if (m_pid == 0) {
         becomeRecorder(server, std::move(arguments), messages);
     }
@@ -39,7 +38,7 @@ RecorderProcess::~RecorderProcess() {
 
 void RecorderProcess::becomeRecorder(const std::string& server, std::vector<std::string> arguments,
                                      int messages) const {
-    arguments.insert(arguments.begin(), {kProgram, "record"});
+    arguments.insert(arguments.begin(), {m_program, "record"});
     std::vector<char*> raw;
     for (auto& argument : arguments) {
         raw.push_back(argument.data());
@@ -52,7 +51,7 @@ void RecorderProcess::becomeRecorder(const std::string& server, std::vector<std:
                               ? dup2(messages, STDERR_FILENO) >= 0
                               : std::freopen((m_folder / "errors").c_str(), "w", stderr) != nullptr;
     if (isCaught && std::freopen((m_folder / "out").c_str(), "w", stdout) != nullptr) {
-        execv(kProgram, raw.data());
+        execv(m_program.c_str(), raw.data());
     }
     _exit(127);
 }

@@ -14,9 +14,10 @@ namespace tavi::test {
 class RecorderProcess {
 public:
     /// `server` is the name of a display; `arguments` follow "record". Messages go to the
-    /// descriptor `messages`, to a file of its own where that is negative.
+    /// descriptor `messages`, to a file of its own where that is negative. `program` is a `tavi`
+    /// beside a key helper of its own.
     explicit RecorderProcess(const std::string& server, std::vector<std::string> arguments = {},
-                             int messages = -1);
+                             int messages = -1, std::string program = kProgram);
     ~RecorderProcess();
     RecorderProcess(const RecorderProcess&) = delete;
     RecorderProcess& operator=(const RecorderProcess&) = delete;
@@ -47,11 +48,14 @@ public:
 
     std::filesystem::path library() const { return m_folder / "Tavlin"; }
 
+    static constexpr const char* kProgram = TAVI_BINARY_DIR "/tavi";
+
 private:
     [[noreturn]] void becomeRecorder(const std::string& server, std::vector<std::string> arguments,
                                      int messages) const;
 
     const TemporaryFolder m_folder;
+    const std::string m_program;
     pid_t m_pid = 0;
 };
 
