@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <chrono>
 #include <ctime>
+#include <numeric>
 
 namespace tavi::bench {
 
@@ -55,6 +56,17 @@ void print(const std::string& name, std::vector<double> seconds) {
     };
     fmt::print("{}: {} times, median {:.1f} ms, 95 of 100 below {:.1f} ms, worst {:.1f} ms\n", name,
                seconds.size(), at(0.5), at(0.95), at(1));
+}
+
+void printMean(const std::string& name, std::vector<double> values) {
+    if (values.empty()) {
+        return;
+    }
+    std::sort(values.begin(), values.end());
+    const auto n = static_cast<double>(values.size());
+    fmt::print("{}: mean {:.2f}, 95 of 100 below {:.2f}, worst {:.2f}\n", name,
+               std::accumulate(values.begin(), values.end(), 0.0) / n,
+               values[static_cast<std::size_t>(0.95 * (n - 1))], values.back());
 }
 
 } // namespace tavi::bench

@@ -35,4 +35,7 @@ double processorSeconds();
 /// "name: n, median, 95th of a hundred, worst", in milliseconds.
 void print(const std::string& name, std::vector<double> seconds);
 
+/// "name: mean, 95th of a hundred, worst"; nothing of no values.
+void printMean(const std::string& name, std::vector<double> values);
+
 } // namespace tavi::bench

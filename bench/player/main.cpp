@@ -3,19 +3,24 @@
 #include "platform/ffmpeg/FfmpegMediaLibrary.h"
 #include "platform/ffmpeg/FfmpegMediaPlayers.h"
 #include "player/Measurement.h"
+#include "player/PictureNumber.h"
 #include "render/YuvConverter.h"
 
 #include <fmt/format.h>
 
 #include <cmath>
 #include <cstdlib>
+#include <functional>
 #include <map>
+#include <optional>
 #include <random>
 #include <string>
 #include <thread>
 
 namespace tavi::bench {
 namespace {
+
+constexpr double kFrameRate = 60; ///< Of films whose pictures have numbers.
 
 MediaTime hostTime() {
     return SystemClock().hostTime();
@@ -63,33 +68,26 @@ public:
         print("step back by a picture", seekThrough(back));
     }
 
-    /// A pointer dragged over the timeline, 60 seeks a second: how often the picture changes,
-    /// and how long a call takes.
+    /// A pointer dragged over the timeline, 60 seeks a second: over the whole film in a second and
+    /// a half and back, over a third in four, over a second of it in five.
     void scrub(int seconds) {
         show();
-        int pictures = 0;
-        m_player->setPictureObserver([&] { ++pictures; });
-        std::vector<double> calls;
-        const double start = now();
-        for (int i = 0; i < seconds * 60; ++i) {
-            const double due = start + i / 60.0;
-            m_loop.runUntil([&] { return now() >= due; });
-            const double share = 0.5 - 0.5 * std::cos(i * 0.02);
-            const double before = now();
-            m_player->seek(MediaTime::fromSeconds(share * length()));
-            calls.push_back(now() - before);
-        }
-        fmt::print("scrub: {} pictures a second of 60 seeks\n", pictures / seconds);
-        print("call of seek()", std::move(calls));
+        m_period = periodOf();
+        const auto wave = [](double phase) { return 1 - std::abs(1 - std::fmod(phase, 2.0)); };
+        drag("over the film", seconds, [&](double t) { return wave(t / 1.5) * length(); });
+        drag("over a third", seconds, [&](double t) { return (1 + wave(t / 4)) * length() / 3; });
+        drag("over a second", seconds, [&](double t) { return length() / 2 + wave(t / 5); });
     }
 
-    /// Two players started on one tick: by how much their pictures differ.
+    /// Two players started on one tick: by how much their clocks and their pictures differ.
     void together(int seconds) {
         show();
+        m_period = periodOf();
+        m_player->seek({});
         const auto second = m_players.makePlayer({m_file, {}});
         m_loop.runUntil([&] { return second->currentPicture() != nullptr; });
-        std::map<MediaPlayer*, double> changed;
         std::vector<double> differences;
+        std::map<int, int> pictures;
         const double lead = 0.05;
         const MediaTime tick = hostTime() + MediaTime::fromSeconds(lead);
         int shown = 0;
@@ -97,6 +95,9 @@ public:
         m_player->setPictureObserver([&] { ++shown; });
         m_player->setPeriodicTimeObserver({1, 30}, [&](MediaTime time) {
             differences.push_back(std::abs((time - second->currentTime()).seconds()));
+            if (const auto apart = picturesApart(*m_player, *second)) {
+                ++pictures[*apart];
+            }
         });
         for (MediaPlayer* player : {m_player.get(), second.get()}) {
             player->setRate(1, {0, 1}, tick);
@@ -104,6 +105,9 @@ public:
         const double end = std::min<double>(seconds, length() - 0.1);
         m_loop.runUntil([&] { return m_player->currentTime().seconds() >= end; });
         print("difference of two players' times", std::move(differences));
+        for (const auto& [apart, count] : pictures) {
+            fmt::print("pictures {:+d} apart: {} times\n", apart, count);
+        }
         fmt::print("shown: {:.1f} pictures a second; processor {:.0f} % of a core for both\n",
                    shown / end, (processorSeconds() - processor) / end * 100);
     }
@@ -125,6 +129,60 @@ private:
     }
 
     double length() const { return m_length; }
+
+    /// How many pictures there are until numbers begin anew; absent where they have none.
+    std::optional<int> periodOf() {
+        seekThrough({length() - 0.001});
+        const auto last = numberOf(*m_player->currentPicture());
+        return last ? std::optional(*last + 1) : std::nullopt;
+    }
+
+    /// How far a number is from the one of another picture, the short way round.
+    int apart(int number, int other) const {
+        const int difference = ((number - other) % *m_period + *m_period) % *m_period;
+        return difference > *m_period / 2 ? difference - *m_period : difference;
+    }
+
+    std::optional<int> picturesApart(const MediaPlayer& a, const MediaPlayer& b) const {
+        const auto first = m_period ? numberOf(*a.currentPicture()) : std::nullopt;
+        const auto second = first ? numberOf(*b.currentPicture()) : std::nullopt;
+        return second ? std::optional(apart(*first, *second)) : std::nullopt;
+    }
+
+    /// How far the picture shown is from the one at `time`, in seconds.
+    std::optional<double> distanceFrom(double time) const {
+        const auto number = m_period ? numberOf(*m_player->currentPicture()) : std::nullopt;
+        const int wanted = static_cast<int>(time * kFrameRate + 1e-6);
+        return number ? std::optional(std::abs(apart(*number, wanted)) / kFrameRate) : std::nullopt;
+    }
+
+    /// 60 seeks a second to where the pointer is after so many seconds: how often the picture
+    /// changes, how far it is from the pointer's, and how long a call takes.
+    void drag(const std::string& name, int seconds, const std::function<double(double)>& pointer) {
+        seekThrough({pointer(0)});
+        int pictures = 0;
+        m_player->setPictureObserver([&] { ++pictures; });
+        std::vector<double> calls;
+        std::vector<double> distances;
+        const double start = now();
+        const double processor = processorSeconds();
+        for (int i = 0; i < seconds * 60; ++i) {
+            const double due = start + i / 60.0;
+            m_loop.runUntil([&] { return now() >= due; });
+            const double target = pointer(due - start);
+            if (const auto distance = distanceFrom(target)) {
+                distances.push_back(*distance);
+            }
+            const double before = now();
+            m_player->seek(MediaTime::fromSeconds(target));
+            calls.push_back(now() - before);
+        }
+        const double spent = processorSeconds() - processor;
+        fmt::print("scrub {}: {:.1f} pictures a second, {:.0f} % of a core\n", name,
+                   static_cast<double>(pictures) / seconds, spent / seconds * 100);
+        printMean("its distance from the pointer, in seconds of film", distances);
+        print("call of seek()", std::move(calls));
+    }
 
     std::vector<double> seekThrough(const std::vector<double>& times) {
         std::vector<double> seconds;
@@ -149,6 +207,7 @@ private:
     FfmpegMediaPlayers m_players{m_loop, m_colours, m_silence};
     std::unique_ptr<MediaPlayer> m_player;
     double m_length = 0;
+    std::optional<int> m_period; ///< See periodOf().
 };
 
 int run(const std::string& what, const std::string& file, int count) {

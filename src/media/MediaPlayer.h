@@ -28,7 +28,8 @@ struct PlayerItem {
 ///
 /// Item times run on the movie's timeline. Every seek is exact: what is shown is
 /// the picture in force at the time asked for. While seeks come faster than
-/// pictures can be decoded, the newest wins and older ones are dropped.
+/// pictures can be decoded, the newest wins and older ones are dropped; meanwhile pictures on the
+/// way there are shown, each nearer to the time asked for than the one before it.
 /// A file that can't be read has no picture, no sound and no end.
 /// Threads: main only; nothing here waits for decoding. Observers are called on the main
 /// thread, never from inside an operation, and not after the player is gone.

@@ -3,6 +3,7 @@
 #include "platform/ffmpeg/FfmpegAsset.h"
 #include "platform/ffmpeg/HostDeadline.h"
 
+#include <algorithm>
 #include <pthread.h>
 #include <utility>
 
@@ -51,11 +52,13 @@ void PictureLoader::stop() {
 void PictureLoader::setClock(const PlayerClock& clock, bool isJump) {
     {
         const std::lock_guard lock(m_mutex);
+        const MediaTime now = hostNow();
+        const bool isServed = m_hasArrived || m_run.inForce(wanted(now)) != nullptr;
         m_clock = clock;
         m_isGoingBack = m_isGoingBack && !clock.isMoving();
         if (isJump) {
-            m_isChased = !m_hasArrived && !m_run.isEmpty();
-            m_waitingSince = m_isChased ? m_waitingSince : hostNow();
+            m_isChased = !isServed && m_shownTime;
+            m_waitingSince = m_isChased ? m_waitingSince : now;
             m_hasArrived = false;
         }
     }
@@ -174,13 +177,17 @@ void PictureLoader::decode(std::unique_lock<std::mutex>& lock, MediaTime time) {
     } else {
         endTrack(lock);
     }
-    const MediaTime now = hostNow();
-    const std::size_t ahead = m_run.countAfter(wanted(now));
-    if (ahead == 1 || m_run.isTrackEnd() || (ahead == 0 && (m_hasArrived || isLenient(now)))) {
+    if (isWorthTelling(hostNow())) {
         lock.unlock();
         m_observer.changed();
         lock.lock();
     }
+}
+
+/// Whether due() may tell something else since a picture was added.
+bool PictureLoader::isWorthTelling(MediaTime now) const {
+    const std::size_t ahead = m_run.countAfter(wanted(now));
+    return ahead == 1 || m_run.isTrackEnd() || isLenient(now) || (ahead == 0 && m_hasArrived);
 }
 
 void PictureLoader::endTrack(std::unique_lock<std::mutex>& lock) {
@@ -206,11 +213,13 @@ void PictureLoader::take(AVFrame& picture, MediaTime wantedTime) {
     }
     AVFrame* kept = av_frame_alloc();
     av_frame_move_ref(kept, &picture);
-    m_run.append({time, std::shared_ptr<AVFrame>(kept, FreeFrame())}, wantedTime);
+    m_latest = {time, std::shared_ptr<AVFrame>(kept, FreeFrame())};
+    m_run.append(m_latest, wantedTime);
 }
 
 bool PictureLoader::isLenient(MediaTime now) const {
-    return (m_clock.isMoving() || m_isChased) && now - m_waitingSince > kPatience;
+    return (m_isChased && now - m_waitingSince > kChasePace) ||
+           (m_clock.isMoving() && now - m_waitingSince > kPatience);
 }
 
 DuePicture PictureLoader::due(MediaTime now) {
@@ -240,18 +249,30 @@ DuePicture PictureLoader::due(MediaTime now) {
 }
 
 const DecodedPicture* PictureLoader::shown(MediaTime trackTime, MediaTime now) {
-    if (const DecodedPicture* picture = m_run.inForce(trackTime)) {
+    const DecodedPicture* picture = m_run.inForce(trackTime);
+    const bool isInForce = picture != nullptr;
+    const bool isLate = !isInForce && isLenient(now);
+    if (isInForce) {
         m_hasArrived = true;
         m_isChased = false;
-        m_waitingSince = now;
-        return picture;
+    } else if (m_isChased) {
+        picture = isLate ? nearerThanShown(trackTime) : nullptr;
+    } else if (m_hasArrived || isLate) {
+        picture = m_run.latest(trackTime);
     }
-    const bool isLate = isLenient(now);
-    if (!m_hasArrived && !isLate) {
-        return nullptr;
+    if (picture != nullptr) {
+        m_waitingSince = isInForce || isLate ? now : m_waitingSince;
+        m_shownTime = picture->time;
     }
-    m_waitingSince = isLate ? now : m_waitingSince;
-    return m_run.latest(trackTime);
+    return picture;
+}
+
+/// The picture decoded last, unless what is shown is as near to `trackTime`.
+const DecodedPicture* PictureLoader::nearerThanShown(MediaTime trackTime) const {
+    const auto distance = [trackTime](MediaTime time) {
+        return std::max(time, trackTime) - std::min(time, trackTime);
+    };
+    return distance(m_latest.time) < distance(*m_shownTime) ? &m_latest : nullptr;
 }
 
 } // namespace tavi

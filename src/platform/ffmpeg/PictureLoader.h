@@ -51,9 +51,10 @@ public:
     /// Ends decoding soon.
     void stop();
 
-    /// What is shown at `now` of the host clock. Where decoding is behind for longer than
-    /// kPatience that may be the latest picture before the one in force: while it moves, and
-    /// while jumps follow each other so fast that none could be served.
+    /// What is shown at `now` of the host clock. While it moves and decoding is behind for longer
+    /// than kPatience that may be the latest picture before the one in force. While jumps follow
+    /// each other so fast that none could be served (a pointer is dragged) it is whatever was
+    /// decoded and is nearer to the wanted time than what is shown, key frames above all.
     DuePicture due(MediaTime now);
 
     /// The track as the file describes it; null while and where there is none. Set before the
@@ -63,6 +64,10 @@ public:
     static constexpr MediaTime kPatience{1, 10};
 
 private:
+    /// How soon one picture follows another in a chase: more than screens show cost time that
+    /// decoding lacks.
+    static constexpr MediaTime kChasePace{1, 60};
+
     enum class Step { wait, jump, goOn };
 
     void run();
@@ -75,8 +80,10 @@ private:
     void decode(std::unique_lock<std::mutex>& lock, MediaTime time);
     void endTrack(std::unique_lock<std::mutex>& lock);
     void take(AVFrame& picture, MediaTime wantedTime);
+    bool isWorthTelling(MediaTime now) const;
     bool isLenient(MediaTime now) const;
     const DecodedPicture* shown(MediaTime trackTime, MediaTime now);
+    const DecodedPicture* nearerThanShown(MediaTime trackTime) const;
 
     const PlayerItem m_item;
     const Observer m_observer;
@@ -95,8 +102,10 @@ private:
     bool m_hasArrived = false; ///< What the last jump asked for was known.
     bool m_isChased = false;   ///< Jumped again before it had arrived.
     bool m_isGoingBack = false;
-    MediaTime
-        m_waitingSince; ///< Host time of the first jump not served, or of what was shown last.
+    /// Host time of the first jump not served, or of what was shown last.
+    MediaTime m_waitingSince;
+    DecodedPicture m_latest;              ///< Outlives the run that it was decoded for.
+    std::optional<MediaTime> m_shownTime; ///< In the track; absent before the first picture.
 
     std::thread m_thread;
 };
