@@ -25,7 +25,7 @@ constexpr std::array kH264{
 };
 
 /// Between key frames, in seconds, at most: a busy recording asks for more (KeyFrameSpacing).
-constexpr double kLiveKeyFrames = 0.5;
+constexpr double kLiveKeyFrames = 0.6;
 constexpr double kFilmKeyFrames = 2;
 
 /// The peak over the average: room for a window that opens.
@@ -37,7 +37,10 @@ constexpr int kFinestQuantizer = 12;
 
 /// libx265's rate factor of recordings: text stays crisp when it is zoomed into, and a standing
 /// screen costs next to nothing.
-constexpr std::int64_t kLiveQuality = 20;
+constexpr std::int64_t kLiveQuality = 22;
+
+/// Pixels; pictures are no smaller than a block. What stands still is decoded sooner in large ones.
+constexpr int kLargestBlock = 64;
 
 /// More threads than this only wait for each other within one picture.
 constexpr unsigned kMostPoolThreads = 16;
@@ -76,7 +79,11 @@ void configureX265(AVCodecContext& context, Options& options, const VideoSetting
         options.set("forced-idr", std::int64_t{1});
         // qcomp: the same quality in every picture, also right after a key frame.
         parameters +=
-            ":qcomp=1.0:bframes=0:early-skip=1:fast-intra=1:frame-threads=1:ref=1:rc-lookahead=0";
+            ":qcomp=1.0:bframes=0:early-skip=1:fast-intra=1:frame-threads=1:ref=1:rc-lookahead=0"
+            ":tu-intra-depth=3";
+        if (std::min(settings.width, settings.height) >= kLargestBlock) {
+            parameters += fmt::format(":ctu={}", kLargestBlock);
+        }
         options.set("preset", "ultrafast");
         options.set("tune", "zerolatency");
     } else {
