@@ -8,10 +8,8 @@
 
 #include <gmock/gmock.h>
 
-#include <chrono>
 #include <cmath>
 #include <numbers>
-#include <thread>
 
 namespace tavi {
 namespace {
@@ -24,9 +22,6 @@ constexpr double kLength = 2;  ///< Seconds of a take.
 constexpr int kRate = 48000;
 constexpr int kPieceLength = 960; ///< Moments of sound in a sample.
 constexpr Size kScreenSize{320, 180};
-
-/// The encoder's time for a camera's picture, which don't come all at once.
-constexpr std::chrono::milliseconds kBetweenPictures{40};
 
 /// A burst around `kBurst` seconds after time zero, and silence.
 constexpr double kBurst = 1.25;
@@ -170,7 +165,6 @@ TEST_F(RecordedDevicesTest, cameraHasAFileOfItsOwnAndItsMicrophoneTheScreens) {
     sendSound(0, 0.5);
     for (int i = 0; i < 8; ++i) {
         sendCameraPicture(0.5 + 0.1 * i, 100 + 10 * i);
-        std::this_thread::sleep_for(kBetweenPictures);
     }
     sendSound(0.5, kLength);
     stop();

@@ -26,8 +26,10 @@ constexpr std::chrono::milliseconds kLongestQueueTime{600};
 /// How much of the pace is that of the last picture.
 constexpr int kPaceShare = 4;
 
-/// Until the pace is known.
-constexpr std::chrono::milliseconds kFirstPace{100};
+/// Until the pace is known: a slow machine's for a picture of 1920x1080, in proportion less for
+/// smaller ones.
+constexpr std::chrono::microseconds kFirstPace{100'000};
+constexpr std::int64_t kFirstPacePixels = 1920 * 1080;
 
 /// Offline there is nothing to sit out: enough that the two sides overlap.
 constexpr std::size_t kOfflineQueue = 3;
@@ -54,6 +56,11 @@ std::size_t queueCapacity(const VideoSettings& settings) {
     return std::clamp(kQueueBytes / std::max<std::size_t>(bytes, 1), kShortestQueue, kLongestQueue);
 }
 
+std::chrono::microseconds firstPace(const VideoSettings& settings) {
+    const std::int64_t pixels = std::int64_t{settings.width} * settings.height;
+    return kFirstPace * std::min(pixels, kFirstPacePixels) / kFirstPacePixels;
+}
+
 } // namespace
 
 FfmpegVideoInput::FfmpegVideoInput(const VideoSettings& settings,
@@ -69,24 +76,25 @@ FfmpegVideoInput::FfmpegVideoInput(const VideoSettings& settings,
           file.addTrack(m_encoder->context(), settings.expectedFrameRate, trackName(*m_encoder))),
       m_capacity(queueCapacity(settings)),
       m_pool(settings.width, settings.height, kMostKept),
-      m_pictureTime(kFirstPace) {}
+      m_pictureTime(firstPace(settings)) {}
 
 FfmpegVideoInput::~FfmpegVideoInput() {
     stop();
 }
 
 /// Whether what waits and one more picture are encoded soon enough; an encoder that has nothing to
-/// do always gets one.
+/// do always gets one. The picture inside may take as long again as it did so far; that those
+/// behind it will be as slow isn't said, or every hiccup of a busy machine would lose pictures for
+/// which there is room.
 bool FfmpegVideoInput::isInTime() const {
     if (!m_settings.realTime || (m_queue.empty() && !m_encodingSince)) {
         return true;
     }
-    Clock::duration pace = m_pictureTime;
-    if (m_encodingSince) { // The one inside may take longer than any before it.
-        pace = std::max(pace, Clock::now() - *m_encodingSince);
+    Clock::duration left = m_pictureTime * (static_cast<int>(m_queue.size()) + 1);
+    if (m_encodingSince) {
+        left += std::max<Clock::duration>(m_pictureTime, Clock::now() - *m_encodingSince);
     }
-    const auto pictures = static_cast<int>(m_queue.size()) + (m_encodingSince ? 2 : 1);
-    return pace * pictures <= Clock::duration(kLongestQueueTime);
+    return left <= Clock::duration(kLongestQueueTime);
 }
 
 bool FfmpegVideoInput::hasRoom() const {

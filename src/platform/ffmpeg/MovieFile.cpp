@@ -30,8 +30,9 @@ constexpr std::int64_t kOneTick = 1;
 
 /// Packets that wait for their place among those of another track are written
 /// without it when they are so far ahead, in microseconds: a track may be silent
-/// for long, have ended, or never begin.
-constexpr std::int64_t kMostApart = 2'000'000;
+/// for long, have ended, or never begin. It is far more than encoders keep inside, on a busy
+/// machine too, since players that stream want tracks side by side; and it is memory.
+constexpr std::int64_t kMostApart = 10'000'000;
 
 /// A fragment is kept in memory until it is written.
 constexpr std::int64_t kFragmentBytes = 8 << 20;

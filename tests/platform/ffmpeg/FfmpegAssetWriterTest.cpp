@@ -346,6 +346,23 @@ TEST(FfmpegAssetWriter, aFullQueueSaysSoAndNeverBlocks) {
     EXPECT_EQ(readNumbers(file).size(), 60U - static_cast<unsigned>(refused));
 }
 
+/// As after a hiccup of a busy machine: what a camera sent meanwhile comes at once, and is kept.
+TEST(FfmpegAssetWriter, aBurstOfACamerasPicturesIsTaken) {
+    constexpr int kBurst = 8;
+    const fs::path file = freshPath("burst.mov");
+    VideoSettings video = settings(FileType::quickTimeMovie);
+    video.width = 640;
+    video.height = 480;
+    const Writing writing(file, FileType::quickTimeMovie, video);
+    const auto picture = std::make_shared<PixelBuffer>(video.width, video.height);
+    for (int n = 0; n < kBurst; ++n) {
+        EXPECT_TRUE(writing.input->isReadyForMoreMediaData()) << n;
+        EXPECT_TRUE(writing.input->append(picture, {n, 30})) << n;
+    }
+    ASSERT_TRUE(writing.writer->finishWriting());
+    EXPECT_EQ(readNumbers(file).size(), std::size_t{kBurst});
+}
+
 TEST(FfmpegAssetWriter, aSlowEncoderIsGivenLittleToWaitForAtTheEnd) {
     constexpr int kInMemory = 7; // What the queue would hold of these pictures.
     VideoSettings video = settings(FileType::quickTimeMovie);
