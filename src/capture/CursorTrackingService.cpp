@@ -62,9 +62,20 @@ std::optional<Date> CursorTrackingService::startDate() const {
     return std::isnan(date) ? std::nullopt : std::optional(Date{date});
 }
 
+void CursorTrackingService::moveCaptureFrame(Rect captureFrame) {
+    const std::lock_guard lock(m_frameMutex);
+    m_captureFrame = captureFrame;
+}
+
+Rect CursorTrackingService::captureFrame() const {
+    const std::lock_guard lock(m_frameMutex);
+    return m_captureFrame;
+}
+
 /// In points from the frame's top left corner, y downwards.
 Point CursorTrackingService::pointInFrame(Point pointer) const {
-    return {pointer.x - m_captureFrame.x, m_captureFrame.maxY() - pointer.y};
+    const Rect frame = captureFrame();
+    return {pointer.x - frame.x, frame.maxY() - pointer.y};
 }
 
 void CursorTrackingService::reset() {
@@ -131,7 +142,8 @@ void CursorTrackingService::recordEvent(CursorEventType type) {
 }
 
 bool CursorTrackingService::isInFrame(Point p) const {
-    return p.x >= 0 && p.x <= m_captureFrame.width && p.y >= 0 && p.y <= m_captureFrame.height;
+    const Rect frame = captureFrame();
+    return p.x >= 0 && p.x <= frame.width && p.y >= 0 && p.y <= frame.height;
 }
 
 std::int64_t CursorTrackingService::currentImageId() {

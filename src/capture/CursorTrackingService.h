@@ -39,7 +39,8 @@ struct CursorTrackingPorts {
 /// cursor images that were on screen.
 ///
 /// States: created -> tracking -> stopped; a service serves one take.
-/// Threads: everything on the main thread, except setStartDate() (any thread).
+/// Threads: everything on the main thread, except setStartDate() and moveCaptureFrame() (any
+/// thread).
 /// The helper's lines arrive on its reader thread and hop to the main thread.
 /// The destructor stops. No monitor fires after stopTracking() returns; a line
 /// that is on its way to the main thread may still be appended.
@@ -70,6 +71,9 @@ public:
     /// it is set once, from any thread.
     void setStartDate(Date date) { m_startDate = date.sinceReference; }
 
+    /// The recorded area is another one from now on: its display was moved or changed its mode.
+    void moveCaptureFrame(Rect captureFrame);
+
     /// The log, in order of arrival.
     const std::vector<CursorEvent>& events() const { return m_events; }
     /// One row per distinct image; the index is the id, 0 the arrow. After stopTracking().
@@ -83,6 +87,7 @@ private:
     struct Alive {};
 
     std::optional<Date> startDate() const;
+    Rect captureFrame() const;
     Point pointInFrame(Point pointer) const;
 
     void reset();
@@ -103,6 +108,7 @@ private:
     void handlePointerLine(const PointerLine& line);
     void appendOnMain(CursorEvent event);
 
+    mutable std::mutex m_frameMutex; ///< Guards what follows.
     Rect m_captureFrame;
     CursorTrackingPorts m_ports;
     std::shared_ptr<Alive> m_alive = std::make_shared<Alive>(); ///< Held weakly by closures.

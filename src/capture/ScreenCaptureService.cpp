@@ -129,6 +129,9 @@ bool ScreenCaptureService::handleSample(const ScreenSample& sample) {
     if (!m_sessionStarted) {
         startSession(sample.presentationTime);
     }
+    if (sample.movedTo && onSourceMoved) {
+        onSourceMoved(*sample.movedTo);
+    }
     if (!sample.image) {
         return true;
     }

@@ -47,6 +47,10 @@ public:
     /// Called once, on the capture queue, at the first frame; set before startCapture().
     std::function<void()> onSessionStarted;
 
+    /// Called on the capture queue when the source is elsewhere than before
+    /// (ScreenSample::movedTo); set before startCapture().
+    std::function<void(const Rect&)> onSourceMoved;
+
     /// Starts writing `outputURL` from the source.
     ///
     /// Shapes: `width` x `height` is the source in pixels, with no scale factor.

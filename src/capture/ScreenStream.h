@@ -1,5 +1,6 @@
 #pragma once
 
+#include "base/Geometry.h"
 #include "base/MediaTime.h"
 #include "base/PixelBuffer.h"
 #include "base/Result.h"
@@ -49,13 +50,18 @@ struct ScreenSample {
     /// encoders don't look at it, and to set it costs as much as all else together.
     PixelBufferPtr image;
     bool isValid = true;
+    /// What the picture shows now, in the global space, in points: in the first sample after a
+    /// display was moved or changed its mode. Windows take their place along and tell nothing.
+    std::optional<Rect> movedTo = std::nullopt;
 };
 
 /// A running view of one source.
 ///
 /// The cursor is in no picture. A picture comes at once when the stream starts, and from then on
 /// only when something changed, never faster than the minimum frame interval. A window that is not
-/// shown for a while keeps its last picture; one that is closed ends the stream. Threads: one
+/// shown for a while keeps its last picture; one that is closed ends the stream. A display that is
+/// moved or changes its mode is shown where it is then, one that became smaller with black at its
+/// right and its bottom; one that is disconnected ends the stream. Threads: one
 /// controlling thread; samples arrive on the queue given. The destructor stops the stream.
 class ScreenStream {
 public:

@@ -88,6 +88,9 @@ TakeRecorder::startScreen(const TakeSource& source,
         m_cursorTrackingService->setStartDate(now);
         m_recordingStartDate = now.sinceReference;
     };
+    m_screenCaptureService->onSourceMoved = [this](const Rect& frame) {
+        m_cursorTrackingService->moveCaptureFrame(frame);
+    };
     auto started = m_screenCaptureService->startCapture(
         source.filter, m_capturedWidth, m_capturedHeight, m_folder / take::kVideo,
         {.alpha = source.filter.windowId != 0, .audioSettings = audioSettings});

@@ -73,7 +73,7 @@ public:
 
     /// Starts recording the source and the devices into the folder. Blocks while the
     /// encoders are chosen and the camera is opened. The pointer is to be logged where the
-    /// source is now, also when a window is moved later.
+    /// source is now, also when a window is moved later; a display's log follows the display.
     ///
     /// Errors: a screen that can't be recorded leaves the folder empty.
     ///         Kept on purpose: a camera that can't be recorded does not stop the screen, which

@@ -173,6 +173,20 @@ TEST_F(CursorTrackingServiceTest, gateMovesOnWithADroppedMove) {
     EXPECT_THAT(service.events(), SizeIs(0));
 }
 
+TEST_F(CursorTrackingServiceTest, aFrameThatMovesIsFollowed) {
+    startStamped();
+    pointer.fire(Kind::leftMouseDown);
+    service.moveCaptureFrame({400, -200, 640, 480});
+    pointer.fire(Kind::leftMouseUp); // above it now
+    pointer.location = {500, 250};
+    pointer.fire(Kind::scrollWheel);
+    ASSERT_THAT(service.events(), SizeIs(2));
+    EXPECT_EQ(service.events()[0].x, 400);
+    EXPECT_EQ(service.events()[0].y, 300);
+    EXPECT_EQ(service.events()[1].x, 100);
+    EXPECT_EQ(service.events()[1].y, 30);
+}
+
 TEST_F(CursorTrackingServiceTest, clicksAndScrollsHaveNoGate) {
     startStamped();
     for (int i = 0; i < 3; ++i) {

@@ -92,6 +92,26 @@ TEST_F(TakeRecorderTest, leavesAFolderWithMetadataAndImages) {
     EXPECT_EQ(images.written.at("cursor_1.png")->row(1)[0], 7);
 }
 
+TEST_F(TakeRecorderTest, pointerIsLoggedWhereTheDisplayIsAfterAMove) {
+    ASSERT_TRUE(start());
+    sendFirstFrame();
+    ScreenSample sample;
+    sample.presentationTime = {2, 1};
+    sample.image = std::make_shared<PixelBuffer>(2, 2);
+    sample.movedTo = Rect{1000, 200, 640, 480};
+    screen.send(sample);
+    screen.settle();
+    pointer.location = {10, 10};
+    pointer.fire(PointerEventKind::leftMouseDown); // no longer on it
+    pointer.location = {1010, 210};
+    pointer.fire(PointerEventKind::leftMouseUp);
+    const RecordingMetadata metadata = metadataOf(*recorder.stop());
+    EXPECT_EQ(metadata.screenWidth, 640);
+    ASSERT_THAT(metadata.cursorEvents, SizeIs(1));
+    EXPECT_DOUBLE_EQ(metadata.cursorEvents[0].x, 10);
+    EXPECT_DOUBLE_EQ(metadata.cursorEvents[0].y, 470);
+}
+
 TEST_F(TakeRecorderTest, windowIsRecordedInItsOwnSizeAndSpace) {
     const Window window{9, "notes", "Editor", "editor", {100, 50, 301, 200}, true};
     ASSERT_TRUE(recorder.start(window, library.path()));

@@ -1,8 +1,9 @@
 #include "platform/x11/PictureFetcher.h"
 
+#include <xcb/xcbext.h>
+
 #include <algorithm>
 #include <cstring>
-#include <vector>
 
 namespace tavi {
 
@@ -24,14 +25,6 @@ std::uint32_t bounded(std::uint32_t pixel) {
 }
 
 } // namespace
-
-/// One piece on its way.
-struct PictureFetcher::Request {
-    PixelRect area; ///< Of the picture.
-    bool isInPlace;
-    std::size_t offset; ///< Bytes into the memory that it goes to.
-    xcb_shm_get_image_cookie_t cookie;
-};
 
 Result<PictureFetcher, CaptureError> PictureFetcher::make(const XConnection& x, int width,
                                                           int height) {
@@ -57,10 +50,13 @@ PictureFetcher::Request PictureFetcher::placed(const PixelRect& piece, const Sou
 }
 
 /// The requests go out together, each into its own part of the memory.
-bool PictureFetcher::fetch(const Source& source, const PixelRegion& region,
-                           FramePool::Frame& frame) {
+void PictureFetcher::request(const Source& source, const PixelRegion& region,
+                             FramePool::Frame& frame) {
     const PixelRegion wanted = region.within(source.content);
-    std::vector<Request> requests;
+    m_requests.clear();
+    m_answered = 0;
+    m_isComplete = true;
+    m_fourthByte = source.fourthByte;
     std::size_t scratchEnd = 0;
     for (const auto& piece : wanted.pieces()) {
         Request request = placed(piece, source, frame.image, scratchEnd);
@@ -70,19 +66,42 @@ bool PictureFetcher::fetch(const Source& source, const PixelRegion& region,
         request.cookie = xcb_shm_get_image(m_connection, source.drawable, r.x, r.y, r.width,
                                            r.height, ~0U, XCB_IMAGE_FORMAT_Z_PIXMAP, segment,
                                            static_cast<std::uint32_t>(request.offset));
-        requests.push_back(request);
+        m_requests.push_back(request);
     }
     xcb_flush(m_connection);
-    bool isComplete = true;
-    for (const auto& request : requests) {
-        const XOwned<xcb_shm_get_image_reply_t> reply(
-            xcb_shm_get_image_reply(m_connection, request.cookie, nullptr));
-        if (reply && !request.isInPlace) {
-            copyFromScratch(request.offset, request.area, source.fourthByte, frame.image);
+}
+
+void PictureFetcher::note(bool isComplete) {
+    m_isComplete = m_isComplete && isComplete;
+    ++m_answered;
+}
+
+bool PictureFetcher::hasCome() {
+    for (; m_answered < m_requests.size();) {
+        void* reply = nullptr;
+        xcb_generic_error_t* error = nullptr;
+        const auto sequence = m_requests[m_answered].cookie.sequence;
+        if (xcb_poll_for_reply(m_connection, sequence, &reply, &error) == 0) {
+            return false;
         }
-        isComplete = isComplete && reply;
+        note(XOwned<void>(reply) != nullptr);
+        const XOwned<xcb_generic_error_t> forgotten(error);
     }
-    return isComplete;
+    return true;
+}
+
+bool PictureFetcher::finish(FramePool::Frame& frame) {
+    while (m_answered < m_requests.size()) {
+        const XOwned<xcb_shm_get_image_reply_t> reply(
+            xcb_shm_get_image_reply(m_connection, m_requests[m_answered].cookie, nullptr));
+        note(reply != nullptr);
+    }
+    for (const auto& request : m_requests) {
+        if (!request.isInPlace) {
+            copyFromScratch(request.offset, request.area, m_fourthByte, frame.image);
+        }
+    }
+    return m_isComplete;
 }
 
 void PictureFetcher::copyFromScratch(std::size_t offset, const PixelRect& area,

@@ -3,6 +3,9 @@
 #include "capture/PictureEdges.h"
 #include "platform/x11/FramePool.h"
 
+#include <cstddef>
+#include <vector>
+
 namespace tavi {
 
 /// What the fourth byte of a drawable's pixels is.
@@ -31,13 +34,26 @@ public:
         FourthByte fourthByte = FourthByte::unused;
     };
 
-    /// Fetches what of `region` the source has, with one wait. False when the drawable didn't have
-    /// all of it. Unused fourth bytes become anything; a colour above its alpha becomes
-    /// the alpha.
-    bool fetch(const Source& source, const PixelRegion& region, FramePool::Frame& frame);
+    /// Asks for what of `region` the source has, to be written into `frame`, which nobody looks at
+    /// until finish(). One at a time.
+    void request(const Source& source, const PixelRegion& region, FramePool::Frame& frame);
+
+    /// Whether all of that has come. Reads the connection.
+    bool hasCome();
+
+    /// Waits for what hasn't come and completes the frame that was given to request(). False when
+    /// the drawable didn't have all of it. Unused fourth bytes become anything; a colour above its
+    /// alpha becomes the alpha.
+    bool finish(FramePool::Frame& frame);
 
 private:
-    struct Request;
+    /// One piece on its way.
+    struct Request {
+        PixelRect area; ///< Of the picture.
+        bool isInPlace = false;
+        std::size_t offset = 0; ///< Bytes into the memory that it goes to.
+        xcb_shm_get_image_cookie_t cookie{};
+    };
 
     PictureFetcher(xcb_connection_t* connection, SharedImage scratch)
         : m_connection(connection),
@@ -48,8 +64,14 @@ private:
     void copyFromScratch(std::size_t offset, const PixelRect& area, FourthByte fourthByte,
                          PixelBuffer& picture) const;
 
+    void note(bool isComplete);
+
     xcb_connection_t* m_connection;
     SharedImage m_scratch;
+    std::vector<Request> m_requests;
+    std::size_t m_answered = 0; ///< So many of them, the first ones.
+    bool m_isComplete = true;   ///< As far as they are answered.
+    FourthByte m_fourthByte = FourthByte::unused;
 };
 
 } // namespace tavi

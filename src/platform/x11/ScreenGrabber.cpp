@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <utility>
 
 namespace tavi {
 
@@ -66,9 +67,10 @@ ScreenGrabber::ScreenGrabber(XConnection x, PictureFetcher fetcher, DamageWatch 
       m_frames(std::move(frames)),
       m_monitor(monitor.id),
       m_monitorEvent(watchMonitors(m_x)),
-      m_area{monitor.area.x, monitor.area.y, std::min(monitor.area.width, m_frames.width()),
-             std::min(monitor.area.height, m_frames.height())},
       m_root{0, 0, m_x.screen().width_in_pixels, m_x.screen().height_in_pixels} {
+    show(monitor.area);
+    m_firstArea = m_area;
+    m_hasMoved = false;
     const std::uint32_t events = XCB_EVENT_MASK_STRUCTURE_NOTIFY; // for the root's size
     xcb_change_window_attributes(m_x.get(), m_x.root(), XCB_CW_EVENT_MASK, &events);
     xcb_flush(m_x.get());
@@ -83,6 +85,23 @@ bool ScreenGrabber::hasNews() {
         }
     });
     return m_hasNews;
+}
+
+/// Shows as much of the monitor as the picture has room for.
+void ScreenGrabber::show(const PixelRect& monitor) {
+    const PixelRect area{monitor.x, monitor.y, std::min(monitor.width, m_frames.width()),
+                         std::min(monitor.height, m_frames.height())};
+    if (area != m_area) {
+        m_area = area;
+        m_hasMoved = true;
+        m_hasNews = true;
+        m_mustFetchAll = true;
+    }
+}
+
+/// As it did at first, when what the picture has more than the monitor was its last column and row.
+bool ScreenGrabber::fillsPicture() const {
+    return m_area.width >= m_firstArea.width && m_area.height >= m_firstArea.height;
 }
 
 /// The root window's size and the monitors on it may have changed. A list that can't be had says
@@ -101,6 +120,9 @@ void ScreenGrabber::noteScreenEvent(const xcb_generic_event_t& event) {
     if (concernsMonitors) {
         const auto monitor = findMonitor(m_x, m_monitor);
         m_isGone = !monitor && monitor.error().kind == CaptureError::Kind::sourceGone;
+        if (monitor) {
+            show(monitor->area);
+        }
     }
 }
 
@@ -112,19 +134,34 @@ std::optional<CaptureError> ScreenGrabber::failure() const {
                     : std::nullopt;
 }
 
-PixelBufferPtr ScreenGrabber::grab() {
+bool ScreenGrabber::request() {
     m_hasNews = false;
     const PixelRegion changes = takeChanges();
     m_frames.markStale(changes);
-    const auto frame = changes.isEmpty() ? nullptr : m_frames.freeFrame(m_x);
-    if (!frame || !bringUpToDate(*frame)) {
-        // What was missed is fetched with the next change. Where the root shrank under the
-        // request, its news is on the way.
+    m_pending = changes.isEmpty() ? nullptr : m_frames.freeFrame(m_x);
+    if (!m_pending) {
         m_mustFetchAll = m_mustFetchAll || !changes.isEmpty();
         xcb_flush(m_x.get()); // else the damage stays with the server, and it is silent
-        return nullptr;
+        return false;
     }
     m_mustFetchAll = false;
+    m_move = std::exchange(m_hasMoved, false) ? std::optional(frame()) : std::nullopt;
+    requestStale(*m_pending);
+    return true;
+}
+
+/// What the server didn't have is fetched with the next change. Where the root shrank under the
+/// request, its news is on the way.
+PixelBufferPtr ScreenGrabber::collect() {
+    const auto frame = std::exchange(m_pending, nullptr);
+    if (!m_fetcher.finish(*frame)) {
+        m_mustFetchAll = true;
+        return nullptr;
+    }
+    frame->stale.clear();
+    if (fillsPicture()) {
+        repeatEdges(frame->image, m_area.width, m_area.height);
+    }
     return FramePool::publish(frame);
 }
 
@@ -137,21 +174,16 @@ PixelRegion ScreenGrabber::takeChanges() {
     return m_damage.take(m_area).within(m_area.intersected(m_root), -m_area.x, -m_area.y);
 }
 
-/// False when the root window doesn't have what is to be fetched.
-bool ScreenGrabber::bringUpToDate(FramePool::Frame& frame) {
+void ScreenGrabber::requestStale(FramePool::Frame& frame) {
     const PixelRect shown = m_area.intersected(m_root);
     const PixelRect content = shown.movedBy(-m_area.x, -m_area.y);
-    if (shown != m_area && frame.stale.bounds() == m_frames.wholePicture()) {
+    const bool hasBlack = shown != m_area || !fillsPicture();
+    if (hasBlack && frame.stale.bounds() == m_frames.wholePicture()) {
         blacken(frame.image);
     }
     const PictureFetcher::Source source{m_x.root(), m_area.x, m_area.y, content,
                                         FourthByte::unused};
-    if (!m_fetcher.fetch(source, frame.stale, frame)) {
-        return false;
-    }
-    frame.stale.clear();
-    repeatEdges(frame.image, m_area.width, m_area.height);
-    return true;
+    m_fetcher.request(source, frame.stale, frame);
 }
 
 } // namespace tavi

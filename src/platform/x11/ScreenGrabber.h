@@ -11,8 +11,11 @@
 
 namespace tavi {
 
-/// One monitor's area of the root window, where it was when this was made. It ends when the monitor
+/// One monitor's area of the root window, wherever that is. It ends when the monitor
 /// is no more. It is opaque; the fourth byte of its pixels means nothing.
+///
+/// A monitor that changes its mode stays at the top left of the picture: cut off, or with black
+/// beside it.
 ///
 /// It owns its connection and reads its events.
 class ScreenGrabber final : public Grabber {
@@ -27,7 +30,10 @@ public:
     bool hasNews() override;
     std::optional<CaptureError> failure() const override;
     bool hasAlpha() const override { return false; }
-    PixelBufferPtr grab() override;
+    bool request() override;
+    bool hasCome() override { return m_fetcher.hasCome(); }
+    PixelBufferPtr collect() override;
+    std::optional<Rect> move() const override { return m_move; }
 
     /// Where what is shown lies in the global space.
     Rect frame() const { return m_x.toGlobal(m_area); }
@@ -37,8 +43,10 @@ private:
                   const Monitor& monitor);
 
     void noteScreenEvent(const xcb_generic_event_t& event);
+    void show(const PixelRect& monitor);
+    bool fillsPicture() const;
     PixelRegion takeChanges();
-    bool bringUpToDate(FramePool::Frame& frame);
+    void requestStale(FramePool::Frame& frame);
 
     XConnection m_x;
     PictureFetcher m_fetcher;
@@ -47,10 +55,14 @@ private:
     std::uint32_t m_monitor;
     int m_monitorEvent = 0; ///< The number of RandR's first event.
     PixelRect m_area;       ///< What is shown, on the root window.
+    PixelRect m_firstArea;  ///< What was at first.
     PixelRect m_root;       ///< The root window as it is now.
     bool m_hasNews = true;
     bool m_mustFetchAll = true;
-    bool m_isGone = false; ///< The monitor.
+    bool m_hasMoved = false; ///< Since the last picture was asked for.
+    std::optional<Rect> m_move;
+    FramePool::FramePtr m_pending; ///< What was asked for.
+    bool m_isGone = false;         ///< The monitor.
 };
 
 } // namespace tavi

@@ -187,13 +187,22 @@ std::optional<CaptureError> WindowGrabber::failure() const {
                       : std::nullopt;
 }
 
-PixelBufferPtr WindowGrabber::grab() {
+bool WindowGrabber::request() {
     m_hasNews = false;
     const PixelRegion changes = takeChanges();
     m_frames.markStale(changes);
-    const auto frame = changes.isEmpty() ? nullptr : m_frames.freeFrame(m_x);
-    if (!frame || !m_fetcher.fetch(m_source, frame->stale, *frame)) {
+    m_pending = changes.isEmpty() ? nullptr : m_frames.freeFrame(m_x);
+    if (!m_pending) {
         xcb_flush(m_x.get()); // else the damage stays with the server, and it is silent
+        return false;
+    }
+    m_fetcher.request(m_source, m_pending->stale, *m_pending);
+    return true;
+}
+
+PixelBufferPtr WindowGrabber::collect() {
+    const auto frame = std::exchange(m_pending, nullptr);
+    if (!m_fetcher.finish(*frame)) {
         return nullptr;
     }
     frame->stale.clear();

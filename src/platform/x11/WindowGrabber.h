@@ -32,7 +32,9 @@ public:
     bool hasNews() override;
     std::optional<CaptureError> failure() const override;
     bool hasAlpha() const override { return m_source.fourthByte != FourthByte::unused; }
-    PixelBufferPtr grab() override;
+    bool request() override;
+    bool hasCome() override { return m_fetcher.hasCome(); }
+    PixelBufferPtr collect() override;
 
     /// What hasAlpha() of a grabber of the window would say; false for one that is not there.
     static bool hasAlpha(const std::string& displayName, std::uint32_t windowId);
@@ -53,6 +55,7 @@ private:
     DamageWatch m_damage;
     PictureFetcher::Source m_source; ///< The window's memory, past its border.
     FramePool m_frames;
+    FramePool::FramePtr m_pending; ///< What was asked for.
     bool m_hasNews = true;
     bool m_mustTakePixmap = true; ///< The window may have got new memory.
     bool m_hasNewShape = false;

@@ -69,7 +69,15 @@ private:
         }
     }
 
+    /// While something moves, one waking does all there is to do for a picture: it collects the one
+    /// that was asked for at the last, and asks for the next.
     SerialQueue::Wait step() {
+        if (m_asked && !m_grabber->hasCome()) {
+            return {.descriptor = m_grabber->descriptor()};
+        }
+        if (m_asked) {
+            send(m_grabber->collect(), *std::exchange(m_asked, std::nullopt));
+        }
         const bool hasNews = m_grabber->hasNews();
         if (auto failure = m_grabber->failure()) {
             m_failure = std::move(failure);
@@ -81,9 +89,8 @@ private:
             return {.descriptor = m_grabber->descriptor(),
                     .time = m_refused ? std::optional(m_again) : std::nullopt};
         }
-        // More damage before the next picture is no reason to wake up: where something moves
-        // all the time, one waking does for a picture.
-        if (now >= m_next && sendPicture(hasNews, std::max(now, m_earliest))) {
+        // More damage before the next picture is no reason to wake up.
+        if (now >= m_next && takePicture(hasNews, std::max(now, m_earliest))) {
             m_earliest = std::max(now, m_earliest) + m_interval;
             // Waking a little late is made up for, so that 60 a second stay 60.
             m_next = (now - m_next < kCatchUp ? m_next : now) + m_interval;
@@ -91,23 +98,37 @@ private:
         return {.time = m_next};
     }
 
-    /// False when nothing in the picture changed, and none is owed.
-    bool sendPicture(bool hasNews, std::int64_t time) {
-        PixelBufferPtr news = hasNews ? m_grabber->grab() : nullptr;
-        ScreenSample sample;
-        sample.presentationTime = MediaTime::fromNanoseconds(time);
-        sample.image = news ? std::move(news) : std::exchange(m_refused, nullptr);
-        if (!sample.image) {
+    /// False when nothing in the picture changed, and none is owed. The first picture is not waited
+    /// for until the next waking: what it starts begins at the moment of its time.
+    bool takePicture(bool hasNews, std::int64_t time) {
+        if (!hasNews || !m_grabber->request()) {
+            return m_refused && send(std::exchange(m_refused, nullptr), time);
+        }
+        if (m_isFirst) {
+            m_isFirst = !send(m_grabber->collect(), time);
+        } else {
+            m_asked = time;
+        }
+        return true;
+    }
+
+    bool send(PixelBufferPtr image, std::int64_t time) {
+        if (!image) {
             return false;
         }
+        const ScreenSample sample{.presentationTime = MediaTime::fromNanoseconds(time),
+                                  .image = std::move(image),
+                                  .movedTo = m_grabber->move()};
         m_refused = m_handler(sample) ? nullptr : sample.image;
         m_again = time + kAgain;
         return true;
     }
 
-    std::unique_ptr<Grabber> m_grabber; ///< The queue's own while the stream runs.
-    std::int64_t m_interval;            ///< Nanoseconds.
-    std::int64_t m_next = 0;            ///< When the next picture may be taken, likewise.
+    std::unique_ptr<Grabber> m_grabber;  ///< The queue's own while the stream runs.
+    std::int64_t m_interval;             ///< Nanoseconds.
+    std::int64_t m_next = 0;             ///< When the next picture may be taken, likewise.
+    std::optional<std::int64_t> m_asked; ///< The time of the picture that is on its way, likewise.
+    bool m_isFirst = true;
     std::int64_t m_earliest = 0; ///< The least time of the next picture, at most kCatchUp later.
     PixelBufferPtr m_refused;    ///< The latest picture, where it could not be used.
     std::int64_t m_again = 0;    ///< When it is sent again.

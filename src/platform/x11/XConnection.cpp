@@ -1,15 +1,19 @@
 #include "platform/x11/XConnection.h"
 
+#include <map>
+#include <mutex>
+
 namespace tavi {
 
 namespace {
 
-CaptureError cannotConnect(const std::string& displayName) {
+std::string serverName(const std::string& displayName) {
     const char* variable = std::getenv("DISPLAY");
-    std::string tried = displayName;
-    if (tried.empty()) {
-        tried = variable != nullptr ? variable : "";
-    }
+    return displayName.empty() && variable != nullptr ? variable : displayName;
+}
+
+CaptureError cannotConnect(const std::string& displayName) {
+    const std::string tried = serverName(displayName);
     return {CaptureError::Kind::noWindowSystem,
             tried.empty() ? "DISPLAY is not set" : "nothing answers at display " + tried};
 }
@@ -22,13 +26,26 @@ const xcb_screen_t* screenNumber(xcb_connection_t* connection, int number) {
     return screens.rem > 0 ? screens.data : nullptr;
 }
 
+/// What others hold of the server, or `height` if there is none. Any thread.
+std::shared_ptr<const int> globalZero(const std::string& server, int height) {
+    static std::mutex mutex;
+    static std::map<std::string, std::weak_ptr<const int>> zeros;
+    const std::lock_guard lock(mutex);
+    std::weak_ptr<const int>& known = zeros[server];
+    auto zero = known.lock();
+    if (!zero) {
+        known = zero = std::make_shared<const int>(height);
+    }
+    return zero;
+}
+
 } // namespace
 
 Result<XConnection, CaptureError> XConnection::open(const std::string& displayName) {
     int number = 0;
     xcb_connection_t* raw =
         xcb_connect(displayName.empty() ? nullptr : displayName.c_str(), &number);
-    XConnection connection(raw, nullptr);
+    XConnection connection(raw);
     if (connection.isBroken()) {
         return fail(cannotConnect(displayName));
     }
@@ -36,6 +53,8 @@ Result<XConnection, CaptureError> XConnection::open(const std::string& displayNa
     if (connection.m_screen == nullptr) {
         return fail(cannotConnect(displayName));
     }
+    connection.m_globalZero =
+        globalZero(serverName(displayName), connection.screen().height_in_pixels);
     return connection;
 }
 
@@ -49,13 +68,13 @@ XConnection::require(xcb_extension_t& extension, const std::string& name) const 
 }
 
 Rect XConnection::toGlobal(const PixelRect& rect) const {
-    const double bottom = m_screen->height_in_pixels - rect.y - rect.height;
+    const double bottom = *m_globalZero - rect.y - rect.height;
     return {static_cast<double>(rect.x), bottom, static_cast<double>(rect.width),
             static_cast<double>(rect.height)};
 }
 
 Point XConnection::toGlobal(int x, int y) const {
-    return {static_cast<double>(x), static_cast<double>(m_screen->height_in_pixels - y)};
+    return {static_cast<double>(x), static_cast<double>(*m_globalZero - y)};
 }
 
 } // namespace tavi

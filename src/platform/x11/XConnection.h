@@ -54,8 +54,9 @@ public:
                                                                      const std::string& name) const;
 
     /// Rectangles of the server (top left origin, y downwards) in the global
-    /// space (bottom left origin). Its zero is the bottom of the root window at
-    /// the time of connecting, so the mapping never changes under a caller.
+    /// space (bottom left origin). Its zero is the bottom of the root window when the first of
+    /// this process's connections with the server was made that are still there, so that it is
+    /// the same for all of them and never changes under a caller, whatever becomes of the screens.
     Rect toGlobal(const PixelRect& rect) const;
     Point toGlobal(int x, int y) const;
 
@@ -64,12 +65,11 @@ private:
         void operator()(xcb_connection_t* connection) const { xcb_disconnect(connection); }
     };
 
-    XConnection(xcb_connection_t* connection, const xcb_screen_t* screen)
-        : m_connection(connection),
-          m_screen(screen) {}
+    explicit XConnection(xcb_connection_t* connection) : m_connection(connection) {}
 
     std::unique_ptr<xcb_connection_t, Disconnect> m_connection;
-    const xcb_screen_t* m_screen;
+    const xcb_screen_t* m_screen = nullptr;
+    std::shared_ptr<const int> m_globalZero; ///< On the root window; one for the server.
 };
 
 } // namespace tavi
