@@ -168,6 +168,9 @@ int MovieFile::write(int index, AVPacket& packet) {
     int code = 0;
     if (track.held->data) {
         code = writeHeld(track, std::max(packet.dts - track.held->dts, kOneTick));
+        if (code >= 0) {
+            code = flushIfFirst();
+        }
     }
     if (code >= 0) {
         code = flushIfFull();
@@ -175,6 +178,11 @@ int MovieFile::write(int index, AVPacket& packet) {
     av_packet_move_ref(track.held.get(), &packet);
     track.heldSince = Clock::now();
     return code;
+}
+
+/// The first picture goes to the disk at once: a take opens from then on, whenever it is killed.
+int MovieFile::flushIfFirst() {
+    return isFragmented() && !std::exchange(m_opens, true) ? flushFragment() : 0;
 }
 
 int MovieFile::flushIfFull() {

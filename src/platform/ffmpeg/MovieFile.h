@@ -16,8 +16,8 @@ namespace tavi {
 
 /// The file of a writer while packets go into it.
 ///
-/// quickTimeMovie: written in fragments of about half a second straight to its
-/// path, so that what is there can be read at any time, also after the process
+/// quickTimeMovie: written in fragments of about half a second, the first one a picture, straight
+/// to its path, so that what is there can be read at any time, also after the process
 /// was killed; finish() turns it into a plain indexed file. mp4: written beside
 /// its path under a hidden name and renamed when it is whole.
 ///
@@ -91,6 +91,7 @@ private:
     AVStream& newStream(const AVCodecContext& encoder, int timescale);
     int writeHeader();
     int writeFragmentedHeader(Options& options);
+    int flushIfFirst();
     int flushIfFull();
     int writePacket(Track& track, AVPacket& packet);
     int writeHeld(Track& track, std::int64_t duration);
@@ -108,7 +109,8 @@ private:
     bool m_isOpen = false;
     std::atomic<bool> m_hasPictures = false;
     std::optional<std::chrono::steady_clock::time_point>
-        m_fragmentSince; ///< Set while one is open.
+        m_fragmentSince;  ///< Set while one is open.
+    bool m_opens = false; ///< A picture is in the file of a take.
     std::int64_t m_fragmentBytes = 0;
     std::int64_t m_wholeBytes = 0;       ///< Up to the end of the last fragment.
     std::unique_ptr<PlainMovie> m_plain; ///< What it becomes; null where nothing can be prepared.

@@ -390,6 +390,24 @@ TEST(FfmpegAssetWriter, aSlowEncoderIsGivenLittleToWaitForAtTheEnd) {
     ASSERT_TRUE(writing.writer->finishWriting());
 }
 
+/// A recorder that is killed in its first second leaves something.
+TEST(FfmpegAssetWriter, aTakesFirstPictureGoesToTheDiskByItself) {
+    const fs::path file = freshPath("first.mov");
+    const Writing writing(file, FileType::quickTimeMovie);
+    for (int n = 0; n < 5; ++n) {
+        EXPECT_TRUE(writing.append(numbered(n), {n, 60}));
+    }
+    std::string text;
+    while ((text = readText(file)).find("trun") == std::string::npos) {
+        std::this_thread::sleep_for(std::chrono::milliseconds(1));
+    }
+    const std::size_t count = text.find("trun") + 8; // behind the version and the flags
+    ASSERT_LT(count + 4, text.size());
+    EXPECT_EQ(text.substr(count, 4), std::string("\0\0\0\1", 4));
+    ASSERT_TRUE(writing.writer->finishWriting());
+    EXPECT_EQ(readNumbers(file).size(), 5U);
+}
+
 TEST(FfmpegAssetWriter, cancelLeavesNothing) {
     for (const FileType type : {FileType::quickTimeMovie, FileType::mp4}) {
         const fs::path folder = freshFolder("cancelled");
