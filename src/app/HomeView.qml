@@ -22,13 +22,13 @@ FocusScope {
     // The focused item gets its keys first, so a text field keeps its own.
     Keys.onPressed: event => {
         if (event.key === Qt.Key_A && event.modifiers & Qt.ControlModifier) {
-            homeViewModel.selectAll()
+            grid.selectAllByKeys()
             event.accepted = true
         } else if (selecting && (event.key === Qt.Key_Delete || event.key === Qt.Key_Backspace)) {
             dialogs.askToDeleteSelection()
             event.accepted = true
         } else if (selecting && event.key === Qt.Key_Escape) {
-            homeViewModel.clearSelection()
+            grid.clearSelectionByKeys()
             event.accepted = true
         }
     }

@@ -11,11 +11,14 @@ Item {
     required property bool selected
     /// Where the keyboard is.
     required property bool current
+    /// The selection is being changed by the keyboard, which moves a little more slowly.
+    required property bool selectedByKeys
     signal clicked(bool toggles)
     signal menuAsked(real x, real y)
 
     readonly property url url: item.url
     readonly property alias picture: picture
+    readonly property alias selection: selection
 
     function load() {
         picture.source = thumbnails.image(url)
@@ -24,6 +27,7 @@ Item {
     }
 
     onUrlChanged: load()
+    onSelectedChanged: selection.isSlow = selectedByKeys
     GridView.onPooled: thumbnails.forget(url)
     GridView.onReused: load()
     Component.onDestruction: thumbnails?.forget(url)
@@ -45,9 +49,12 @@ Item {
     }
     Spring {
         id: selection
+
+        property bool isSlow: false
+
         to: card.selected ? 1 : 0
-        response: 0.25
-        damping: 0.8
+        response: isSlow ? 0.3 : 0.25
+        damping: isSlow ? 0.85 : 0.8
     }
 
     Rectangle {

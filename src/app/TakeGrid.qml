@@ -14,7 +14,8 @@ GridView {
     signal renameAsked(var item)
 
     readonly property real gap: Theme.gap
-    readonly property int columns: Math.max(1, Math.floor((width - leftMargin - rightMargin + gap) / (280 + gap)))
+    // The margin at the right is a gap narrower, since every cell ends with a gap.
+    readonly property int columns: Math.max(1, Math.floor((width - leftMargin - rightMargin) / (280 + gap)))
 
     /// What a click, or Return, does with a recording.
     function activate(item: var, toggles: bool) {
@@ -22,6 +23,16 @@ GridView {
             homeViewModel.toggleSelection(item.id)
         else
             opened(item)
+    }
+    function selectAllByKeys() {
+        selectingByKeys = true
+        homeViewModel.selectAll()
+        selectingByKeys = false
+    }
+    function clearSelectionByKeys() {
+        selectingByKeys = true
+        homeViewModel.clearSelection()
+        selectingByKeys = false
     }
     function currentTake(): var {
         return currentIndex >= 0 ? homeViewModel.recordings[currentIndex] : undefined
@@ -93,6 +104,7 @@ GridView {
         item: modelData
         thumbnails: grid.thumbnails
         selected: grid.homeViewModel.selectedItems.includes(modelData.id)
+        selectedByKeys: grid.selectingByKeys
         current: grid.activeFocus && grid.keyboardUsed && index === grid.currentIndex
 
         onClicked: toggles => {
@@ -106,6 +118,8 @@ GridView {
             grid.menuAsked(modelData, this, x, y)
         }
     }
+
+    property bool selectingByKeys: false
 
     /// The ring stands around the current card only for who uses the keyboard.
     property bool keyboardUsed: false

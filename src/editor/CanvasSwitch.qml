@@ -10,5 +10,6 @@ ChoiceRow {
     name: qsTr("Canvas")
     choices: [{ text: qsTr("Raw") }, { text: qsTr("Preview") }]
     currentIndex: screen.canvasMode
+    textWeight: Font.DemiBold
     onChosen: index => screen.canvasMode = index
 }

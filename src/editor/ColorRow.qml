@@ -45,7 +45,7 @@ Item {
         markable: false
         onClicked: {
             row.take()
-            picker.open()
+            picker.visible = !picker.visible
         }
     }
     Popover {

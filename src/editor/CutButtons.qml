@@ -28,6 +28,7 @@ RowLayout {
                   : hovered ? AppPalette.primaryText : AppPalette.secondaryText
         hint: marking ? qsTr("Finish cut at playhead (⌘B)") : qsTr("Start cut at playhead (⌘B)")
         onClicked: row.editor.toggleCut()
+        Behavior on foreground { ColorAnimation { duration: Theme.hover } }
 
         background: Rectangle {
             radius: cut.cornerRadius

@@ -16,9 +16,10 @@ Rectangle {
     color: AppPalette.surface
 
     RowLayout {
-        anchors.fill: parent
+        id: left
+        anchors.left: parent.left
         anchors.leftMargin: 12
-        anchors.rightMargin: 12
+        height: parent.height
         spacing: 4
 
         BackButton {
@@ -36,11 +37,24 @@ Rectangle {
             Layout.fillWidth: false
             screen: bar.screen
         }
-        Item { Layout.fillWidth: true }
-        TransportButtons {
-            screen: bar.screen
-        }
-        Item { Layout.fillWidth: true }
+    }
+    // In the middle of the bar where there is room, so that it stays under the pointer while
+    // buttons beside it come and go.
+    TransportButtons {
+        readonly property real first: left.x + left.width + 4
+        readonly property real last: right.x - width - 4
+
+        x: Math.round(Math.max(first, Math.min(last, (bar.width - width) / 2)))
+        height: parent.height
+        screen: bar.screen
+    }
+    RowLayout {
+        id: right
+        anchors.right: parent.right
+        anchors.rightMargin: 12
+        height: parent.height
+        spacing: 4
+
         CutButtons {
             screen: bar.screen
         }

@@ -28,6 +28,7 @@ Column {
             FocusTrackingTextField {
                 width: (parent.width - link.width - 2 * parent.spacing) / 2
                 name: qsTr("Width")
+                subject: view.settings
                 shown: view.settings.customWidth
                 onBlurred: text => view.settings.commitWidth(text)
             }
@@ -41,6 +42,7 @@ Column {
             FocusTrackingTextField {
                 width: (parent.width - link.width - 2 * parent.spacing) / 2
                 name: qsTr("Height")
+                subject: view.settings
                 shown: view.settings.customHeight
                 onBlurred: text => view.settings.commitHeight(text)
             }
@@ -61,6 +63,7 @@ Column {
             visible: view.settings.isCustomFPS
             width: parent.width
             name: qsTr("Frames per second")
+            subject: view.settings
             shown: view.settings.customFPSText
             onBlurred: text => view.settings.commitFPS(text)
         }

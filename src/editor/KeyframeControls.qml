@@ -6,7 +6,8 @@ Column {
     id: view
 
     required property QtObject zoom
-    property bool showZoomDetails: false
+    required property bool showZoomDetails
+    signal detailsToggled
 
     spacing: 12
 
@@ -61,7 +62,7 @@ Column {
         text: qsTr("Details")
         textSize: 11
         foreground: hovered ? AppPalette.primaryText : AppPalette.secondaryText
-        onClicked: view.showZoomDetails = !view.showZoomDetails
+        onClicked: view.detailsToggled()
     }
     Column {
         visible: view.showZoomDetails

@@ -8,6 +8,7 @@ Rectangle {
 
     required property QtObject screen
     property int selectedTab: 0
+    property bool showZoomDetails: false
 
     color: AppPalette.surface
 
@@ -52,6 +53,8 @@ Rectangle {
         id: zoom
         ZoomTab {
             screen: view.screen
+            showZoomDetails: view.showZoomDetails
+            onDetailsToggled: view.showZoomDetails = !view.showZoomDetails
         }
     }
     Component {

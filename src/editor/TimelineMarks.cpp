@@ -63,7 +63,7 @@ double shownLevel(const ZoomKeyframe& keyframe, double time, double videoWidth) 
     if (time < keyframe.timestamp + ramp) {
         return 1 + (level - 1) * (time - keyframe.timestamp) / ramp;
     }
-    return time > exit ? level + (1 - level) * (time - exit) / ramp : level;
+    return time > exit && ramp > 0 ? level + (1 - level) * (time - exit) / ramp : level;
 }
 
 std::vector<Point> curveLine(const TimelineGeometry& geometry, const ZoomKeyframe& keyframe,

@@ -24,6 +24,8 @@ MouseArea {
         cursorShape = shape === 1 ? Qt.SizeHorCursor : shape === 2 ? Qt.OpenHandCursor : Qt.ArrowCursor
     }
     function openMenu(mouse: MouseEvent) {
+        if (mouse.y < lanesTop)
+            return
         const lane = laneAt(mouse.y)
         const subject = timeline.openMenu(lane, mouse.x - padding, mouse.y - laneTop(lane))
         if (subject === "cut")

@@ -61,6 +61,7 @@ Item {
             parent: stop
             text: stop.hint
             shown: true
+            timeout: 4000 // it stands over the timeline as long as the focus is here
         }
     }
 }

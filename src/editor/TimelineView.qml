@@ -55,7 +55,7 @@ Rectangle {
     }
     Rectangle { // under the pointer
         visible: pointer.containsMouse && pointer.isOnLane && view.timeline.hasContent
-        x: Math.round(pointer.mouseX)
+        x: Math.round(Math.max(view.padding, Math.min(view.width - view.padding, pointer.mouseX)))
         y: view.lanesTop
         width: 1
         height: parent.height - y

@@ -6,6 +6,8 @@ Column {
     id: tab
 
     required property QtObject screen
+    required property bool showZoomDetails
+    signal detailsToggled
     readonly property QtObject zoom: screen.zoom
 
     spacing: 12
@@ -67,6 +69,8 @@ Column {
         id: keyframe
         KeyframeControls {
             zoom: tab.zoom
+            showZoomDetails: tab.showZoomDetails
+            onDetailsToggled: tab.detailsToggled()
         }
     }
 }

@@ -18,6 +18,10 @@ T.AbstractButton {
     /// For assistive technology: whether it can be chosen, and is.
     property bool markable: false
     property bool marked: false
+    /// Pressed since the pointer came: whoever did that needs no tip any more.
+    property bool wasPressed: false
+    /// Null while the pointer is elsewhere.
+    readonly property alias tip: tipLoader.item
 
     /// What a click does.
     function press() {
@@ -28,6 +32,8 @@ T.AbstractButton {
     implicitWidth: implicitContentWidth + leftPadding + rightPadding
     implicitHeight: implicitContentHeight + topPadding + bottomPadding
     hoverEnabled: true
+    onPressed: wasPressed = true
+    onHoveredChanged: wasPressed = false
     focusPolicy: Qt.TabFocus
     opacity: enabled ? 1 : 0.5
 
@@ -86,11 +92,12 @@ T.AbstractButton {
         cornerRadius: button.cornerRadius
     }
     Loader {
+        id: tipLoader
         active: button.hint !== "" && button.hovered
         sourceComponent: HoverTip {
             parent: button
             text: button.hint
-            shown: button.hovered && !button.pressed
+            shown: button.hovered && !button.wasPressed
         }
     }
 }

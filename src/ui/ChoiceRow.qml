@@ -11,6 +11,7 @@ RowLayout {
     /// Objects with `text` and perhaps `symbol`.
     required property var choices
     property int currentIndex: 0
+    property int textWeight: Font.Medium
     signal chosen(int index)
 
     // Grows as the pills tell their widths.
@@ -51,6 +52,7 @@ RowLayout {
             Layout.minimumWidth: row.widest
             text: modelData.text
             symbol: modelData.symbol ?? ""
+            textWeight: row.textWeight
             chosen: index === row.currentIndex
             focusPolicy: chosen || activeFocus ? Qt.TabFocus : Qt.NoFocus
             onClicked: row.choose(index)

@@ -150,6 +150,15 @@ TEST(TimelineMarks, shownLevelComesInFromOneAndGoesBack) {
     EXPECT_EQ(TimelineMarks::shownLevel(zoom, 20, 1000), 1);
 }
 
+TEST(TimelineMarks, withoutRampsTheLevelIsWholeUpToTheEnd) {
+    ZoomKeyframe zoom = keyframe(10, 20, 0);
+    zoom.rect.width = 250;
+    for (const double time :
+         {10.0, 20.0, std::nextafter(20.0, 21.0)}) { // sums may end a little late
+        EXPECT_EQ(TimelineMarks::shownLevel(zoom, time, 1000), 4) << time;
+    }
+}
+
 TEST(TimelineMarks, withoutACurveTheRectangleTellsTheLevel) {
     ZoomKeyframe zoom = keyframe(10, 20, 2);
     EXPECT_EQ(TimelineMarks::shownLevel(zoom, 15, 1000), 1) << "no rectangle";

@@ -1,58 +1,13 @@
-#include "Scene.h"
-#include "TestEditor.h"
-
-#include <QFileInfo>
-#include <QQmlContext>
-#include <QQuickItem>
-#include <QTest>
-#include <gtest/gtest.h>
+#include "EditorSceneTest.h"
 
 namespace tavi::test {
 namespace {
 
-/// The editor's screen with its keyframe 3 selected, in a window that gets keys.
-class EditorKeys : public testing::Test {
+/// With keyframe 3 selected.
+class EditorKeys : public EditorSceneTest {
 protected:
-    static QString file() {
-        return sceneFiles().filter(QStringLiteral("/editor-keyframe.qml")).value(0);
-    }
-
-    EditorViewModel& editor() {
-        auto* test = m_scene.window()
-                         .rootContext()
-                         ->contextProperty(QStringLiteral("testEditor"))
-                         .value<TestEditor*>();
-        return *qobject_cast<EditorScreenViewModel*>(test->screen())->editor();
-    }
-
-    void key(Qt::Key key, Qt::KeyboardModifiers modifiers = {}) {
-        QTest::keyClick(&m_scene.window(), key, modifiers);
-        QCoreApplication::processEvents();
-    }
-
-    /// Goes on with Tab until the focused item suits.
-    template<typename Suits>
-    QQuickItem* tabTo(const Suits& suits) {
-        for (int i = 0; i < 100; ++i) {
-            key(Qt::Key_Tab);
-            QQuickItem* focus = m_scene.window().activeFocusItem();
-            if (focus && suits(*focus)) {
-                return focus;
-            }
-        }
-        ADD_FAILURE() << "Tab never came there";
-        return nullptr;
-    }
-
-    Scene m_scene{file()};
+    EditorKeys() : EditorSceneTest(QStringLiteral("editor-keyframe")) {}
 };
-
-auto hasText(const char* text) {
-    return [=](const QQuickItem& item) { return item.property("text").toString() == text; };
-}
-auto isA(const char* type) {
-    return [=](const QQuickItem& item) { return item.inherits(type); };
-}
 
 TEST_F(EditorKeys, spacePlaysAlsoWhileAButtonHasTheFocus) {
     ASSERT_TRUE(tabTo(hasText("Delete")));
@@ -123,7 +78,7 @@ TEST_F(EditorKeys, timelineIsReachedAndEdited) {
     EXPECT_NEAR(editor().project().keyframes[0].zoomCurve[0].zoomLevel, level + 0.1, 1e-9);
     key(Qt::Key_Delete);
     EXPECT_EQ(editor().project().keyframes[0].zoomCurve.size(), 1U);
-    EXPECT_TRUE(named("Zoom of")(*m_scene.window().activeFocusItem())) << "the next one";
+    EXPECT_TRUE(named("Zoom of")(*focus())) << "the next one";
 }
 
 } // namespace

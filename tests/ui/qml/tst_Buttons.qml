@@ -66,6 +66,20 @@ Item {
             mouseClick(data.button)
             verify(primary.activeFocus)
         }
+        function test_theTipIsForWhoRestsAndNotForWhoHasClicked() {
+            mouseMove(root, 390, 290)
+            mouseMove(icon, 10, 10)
+            tryVerify(() => icon.tip?.opened)
+            mouseClick(icon, 10, 10)
+            tryVerify(() => !icon.tip.visible)
+            mouseMove(icon, 12, 12)
+            verify(!icon.tip.visible)
+            mouseMove(root, 390, 290)
+            tryVerify(() => icon.tip === null)
+            mouseMove(icon, 10, 10)
+            tryVerify(() => icon.tip?.opened)
+            mouseMove(root, 390, 290)
+        }
         function test_theRingShowsForTheKeyboardOnly() {
             primary.forceActiveFocus(Qt.MouseFocusReason)
             plain.forceActiveFocus(Qt.TabFocusReason)

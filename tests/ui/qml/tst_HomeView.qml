@@ -8,6 +8,10 @@ AppScene {
     width: 960
     height: 640
 
+    /// Keys that nothing took.
+    property var leftKeys: []
+    Keys.onPressed: event => leftKeys.push(event.key)
+
     TestCase {
         name: "HomeView"
         when: windowShown
@@ -79,8 +83,22 @@ AppScene {
         function test_controlAWithoutRecordingsSelectsNothingAndIsConsumed() {
             scene.library.fill(0)
             home.forceActiveFocus()
+            scene.leftKeys = []
+            keyClick(Qt.Key_B, Qt.ControlModifier)
             keyClick(Qt.Key_A, Qt.ControlModifier)
             compare(scene.library.selectedCount, 0)
+            verify(scene.leftKeys.includes(Qt.Key_B))
+            verify(!scene.leftKeys.includes(Qt.Key_A))
+        }
+        function test_theKeyboardSelectsALittleMoreSlowlyThanClicks() {
+            const motion = card(1).selection
+            keyClick(Qt.Key_A, Qt.ControlModifier)
+            compare([motion.to, motion.response, motion.damping], [1, 0.3, 0.85])
+            mouseClick(card(1))
+            compare([motion.to, motion.response, motion.damping], [0, 0.25, 0.8])
+            keyClick(Qt.Key_Escape)
+            compare(card(2).selection.response, 0.3)
+            compare(motion.response, 0.25) // it stayed where it was
         }
         function test_theKeyboardGoesToTheTakesWhenTheyArrive() {
             scene.app.currentMode = "permission"
@@ -244,7 +262,8 @@ AppScene {
         }
         function test_columnsAreAsManyAsFit_data() {
             return [{ tag: "800", width: 800, columns: 2 }, { tag: "960", width: 960, columns: 3 },
-                    { tag: "1300", width: 1300, columns: 4 }]
+                    { tag: "1300", width: 1300, columns: 4 },
+                    { tag: "one too few", width: 907, columns: 2 }, { tag: "just enough", width: 908, columns: 3 }]
         }
         function test_columnsAreAsManyAsFit(data) {
             scene.width = data.width
