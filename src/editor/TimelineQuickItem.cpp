@@ -100,7 +100,13 @@ void TimelineQuickItem::paint(QPainter* painter) {
         }
     } else {
         for (const ZoomKeyframe& keyframe : keyframes) {
-            paintKeyframe(*painter, keyframe);
+            paintRamps(*painter, keyframe);
+        }
+        for (const ZoomKeyframe& keyframe : keyframes) {
+            paintBody(*painter, keyframe);
+        }
+        for (const ZoomKeyframe& keyframe : keyframes) {
+            paintEdges(*painter, keyframe);
         }
         painter->translate(0, kLowerTop - kUpperTop);
         for (const ZoomKeyframe& keyframe : keyframes) {
@@ -170,14 +176,19 @@ void TimelineQuickItem::paintPendingCut(QPainter& painter) const {
     painter.fillRect(QRectF(cut.markerX - 0.75, 0, 1.5, kUpper), at(m_danger, 0.7));
 }
 
-void TimelineQuickItem::paintKeyframe(QPainter& painter, const ZoomKeyframe& keyframe) const {
-    constexpr double kRadius = 3;
+void TimelineQuickItem::paintRamps(QPainter& painter, const ZoomKeyframe& keyframe) const {
     const KeyframeMarks marks =
         TimelineMarks::keyframeMarks(m_timeline->model().geometry, keyframe);
     for (const TimelineSpan& ramp : {marks.entry, marks.exit}) {
         painter.fillRect(inLane(ramp, kUpper), at(m_accent, 0.06));
         hatch(painter, inLane(ramp, kUpper), at(m_accent, 0.15));
     }
+}
+
+void TimelineQuickItem::paintBody(QPainter& painter, const ZoomKeyframe& keyframe) const {
+    constexpr double kRadius = 3;
+    const KeyframeMarks marks =
+        TimelineMarks::keyframeMarks(m_timeline->model().geometry, keyframe);
     const bool isSelected = m_timeline->editor().selectedKeyframeID() == keyframe.id;
     const QRectF body = inLane(marks.body, kUpper);
     if (isSelected) { // a soft glow around it
@@ -192,6 +203,9 @@ void TimelineQuickItem::paintKeyframe(QPainter& painter, const ZoomKeyframe& key
     painter.drawRoundedRect(body, kRadius, kRadius);
     strokeInside(painter, body, kRadius,
                  QPen(at(m_accent, isSelected ? 0.8 : 0.3), isSelected ? 1.5 : 1.0));
+}
+
+void TimelineQuickItem::paintEdges(QPainter& painter, const ZoomKeyframe& keyframe) const {
     const auto dragged = m_timeline->gestures().draggingEdge();
     const TimelineGeometry geometry = m_timeline->model().geometry;
     paintEdge(painter, geometry.x(keyframe.timestamp),

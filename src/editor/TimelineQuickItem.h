@@ -49,7 +49,9 @@ private:
     void paintTrim(QPainter& painter) const;
     void paintCut(QPainter& painter, const TimelineSpan& span) const;
     void paintPendingCut(QPainter& painter) const;
-    void paintKeyframe(QPainter& painter, const ZoomKeyframe& keyframe) const;
+    void paintRamps(QPainter& painter, const ZoomKeyframe& keyframe) const;
+    void paintBody(QPainter& painter, const ZoomKeyframe& keyframe) const;
+    void paintEdges(QPainter& painter, const ZoomKeyframe& keyframe) const;
     void paintEdge(QPainter& painter, double x, bool isDragged) const;
     void paintCurve(QPainter& painter, const ZoomKeyframe& keyframe) const;
     void paintCurvePoints(QPainter& painter, const ZoomKeyframe& keyframe) const;

@@ -1,6 +1,5 @@
 #include "TestPictures.h"
 
-#include <QBuffer>
 #include <QPainter>
 
 namespace tavi::test {
@@ -38,15 +37,6 @@ QImage TestPictures::screen(int number) const {
                 number);
     painter.end();
     return image;
-}
-
-QUrl TestPictures::screenUrl() const {
-    QByteArray bytes;
-    QBuffer buffer(&bytes);
-    screen(1)
-        .scaled(1280, 720, Qt::IgnoreAspectRatio, Qt::SmoothTransformation)
-        .save(&buffer, "PNG");
-    return QUrl(QStringLiteral("data:image/png;base64,") + QString::fromLatin1(bytes.toBase64()));
 }
 
 } // namespace tavi::test

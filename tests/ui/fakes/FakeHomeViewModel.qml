@@ -22,7 +22,7 @@ QtObject {
                 url: "file:///takes/" + i,
                 path: "/takes/" + i,
                 name: i < names.length ? names[i] : "Recording " + (i + 1),
-                dateText: "Nov " + (1 + (40 - i % 20) % 28) + ", 2026 at 3:04 PM",
+                dateText: "Nov " + (1 + (40 - i % 20) % 28) + ", 2026, 3:04 PM",
                 durationText: (i * 7) % 12 + ":" + String((i * 17) % 60).padStart(2, "0")
             })
         recordings = list

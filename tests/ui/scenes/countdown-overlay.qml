@@ -2,15 +2,15 @@ import QtQuick
 import "../fakes"
 
 import Tavi.Capture
+import Tavi.Ui
 
 Item {
     implicitWidth: 960
     implicitHeight: 640
 
-    Image {
+    Picture {
         anchors.fill: parent
-        fillMode: Image.PreserveAspectCrop
-        source: testPictures.screenUrl
+        source: testPictures.screen(1)
     }
     CountdownOverlayView {
         anchors.fill: parent
