@@ -7,6 +7,19 @@ Rectangle {
 
     required property int value
 
+    /// Where the copies stand that make a shadow of radius 20, and how dark each is: half a black
+    /// in all.
+    readonly property var shadow: {
+        const copies = [{ x: 0, y: 0, opacity: 1 }]
+        for (const [radius, count] of [[5, 6], [11, 10], [17, 15]])
+            for (let i = 0; i < count; ++i)
+                copies.push({ x: radius * Math.cos(2 * Math.PI * i / count),
+                              y: radius * Math.sin(2 * Math.PI * i / count),
+                              opacity: Math.exp(-radius * radius / 200) })
+        const all = copies.reduce((sum, copy) => sum + copy.opacity, 0)
+        return copies.map(copy => ({ x: copy.x, y: copy.y, opacity: 0.5 * copy.opacity / all }))
+    }
+
     color: AppPalette.at(AppPalette.black, 0.35)
 
     Column {
@@ -46,21 +59,21 @@ Rectangle {
         implicitHeight: digits.implicitHeight
         anchors.horizontalCenter: parent.horizontalCenter
 
-        // A soft shadow out of a few faint copies: no effect is needed for it.
+        // A soft shadow out of faint copies in rings, as a bell curve weighs them: no effect is
+        // needed for it. The copies stand closer together than a stroke is wide.
         Repeater {
-            model: [[0, 4, 0.16], [-3, 4, 0.1], [3, 4, 0.1], [0, 8, 0.1], [-2, 1, 0.08], [2, 1, 0.08],
-                    [-5, 6, 0.06], [5, 6, 0.06], [0, 12, 0.05]]
+            model: view.shadow
 
             TextLabel {
                 required property var modelData
 
-                x: modelData[0]
-                y: modelData[1]
+                x: modelData.x
+                y: modelData.y + 4
                 text: digits.text
                 size: 150
                 weight: Font.ExtraLight
                 tabular: true
-                color: AppPalette.at(AppPalette.black, modelData[2])
+                color: AppPalette.at(AppPalette.black, modelData.opacity)
                 Accessible.ignored: true
             }
         }

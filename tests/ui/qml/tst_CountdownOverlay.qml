@@ -36,5 +36,14 @@ CountdownOverlayView {
         function test_dimsWhatIsUnderIt() {
             fuzzyCompare(view.color.a, 0.35, 1e-4)
         }
+        function test_theNumbersShadowIsSoftAndEndsBehindItsRadius() {
+            const weights = view.shadow.map(copy => copy.opacity)
+            fuzzyCompare(weights.reduce((sum, weight) => sum + weight), 0.5, 1e-9)
+            verify(view.shadow.every(copy => Math.hypot(copy.x, copy.y) <= 20))
+            const middle = view.shadow.reduce((sum, copy) => Qt.point(sum.x + copy.x * copy.opacity,
+                                                                      sum.y + copy.y * copy.opacity), Qt.point(0, 0))
+            fuzzyCompare(middle.x, 0, 1e-9)
+            fuzzyCompare(middle.y, 0, 1e-9)
+        }
     }
 }
