@@ -21,7 +21,7 @@ ContentView {
 
     Timer {
         interval: 50
-        running: true
+        running: scene.Window.active // when cards stand where they belong
         onTriggered: scene.shown()
     }
 }
