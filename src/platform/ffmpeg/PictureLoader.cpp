@@ -53,11 +53,13 @@ void PictureLoader::setClock(const PlayerClock& clock, bool isJump) {
     {
         const std::lock_guard lock(m_mutex);
         const MediaTime now = hostNow();
-        const bool isServed = m_hasArrived || m_run.inForce(wanted(now)) != nullptr;
+        const bool isServed = !m_isAwaited || m_run.inForce(wanted(now)) != nullptr;
         m_clock = clock;
         m_isGoingBack = m_isGoingBack && !clock.isMoving();
         if (isJump) {
-            m_isChased = !isServed && m_shownTime;
+            m_isChased = !isServed;
+            m_isAwaited = true;
+            m_latest = m_isChased ? m_latest : DecodedPicture{};
             m_waitingSince = m_isChased ? m_waitingSince : now;
             m_hasArrived = false;
         }
@@ -237,6 +239,8 @@ DuePicture PictureLoader::due(MediaTime now) {
                    : std::nullopt;
     };
     if (!time) {
+        m_isAwaited = false;
+        m_shownTime.reset();
         return {DuePicture::Kind::nothing, nullptr, hostOf({})};
     }
     const DecodedPicture* picture = shown(*time, now);
@@ -262,6 +266,7 @@ const DecodedPicture* PictureLoader::shown(MediaTime trackTime, MediaTime now) {
     }
     if (picture != nullptr) {
         m_waitingSince = isInForce || isLate ? now : m_waitingSince;
+        m_isAwaited = m_isChased;
         m_shownTime = picture->time;
     }
     return picture;
@@ -272,7 +277,8 @@ const DecodedPicture* PictureLoader::nearerThanShown(MediaTime trackTime) const 
     const auto distance = [trackTime](MediaTime time) {
         return std::max(time, trackTime) - std::min(time, trackTime);
     };
-    return distance(m_latest.time) < distance(*m_shownTime) ? &m_latest : nullptr;
+    const bool isNearer = !m_shownTime || distance(m_latest.time) < distance(*m_shownTime);
+    return isNearer && m_latest.frame ? &m_latest : nullptr;
 }
 
 } // namespace tavi

@@ -100,12 +100,13 @@ private:
     PlayerClock m_clock;
     PictureRun m_run;
     bool m_hasArrived = false; ///< What the last jump asked for was known.
-    bool m_isChased = false;   ///< Jumped again before it had arrived.
+    bool m_isAwaited = false;  ///< Nothing of what the last jump asked for was shown.
+    bool m_isChased = false;   ///< Jumped again while one was awaited.
     bool m_isGoingBack = false;
     /// Host time of the first jump not served, or of what was shown last.
     MediaTime m_waitingSince;
-    DecodedPicture m_latest;              ///< Outlives the run that it was decoded for.
-    std::optional<MediaTime> m_shownTime; ///< In the track; absent before the first picture.
+    DecodedPicture m_latest;              ///< Since a jump that nothing chased; outlives its run.
+    std::optional<MediaTime> m_shownTime; ///< In the track; absent while none is shown.
 
     std::thread m_thread;
 };

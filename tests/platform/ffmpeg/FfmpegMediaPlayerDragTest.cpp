@@ -70,5 +70,18 @@ TEST_F(PlayerDrag, endsExactlyWhereItIsLetGo) {
     }
 }
 
+/// Where there is no picture none of those on the way is left standing.
+TEST_F(PlayerDrag, knowsWhereALaterTrackBegins) {
+    open(PlayerItem{largeFilm(), DelayedTrack{{0, {}, {}}, {kSeconds, 1}, {2, 1}}});
+    for (const int frame : {59, 70, 30, 100, 61}) {
+        drag(frame % 10 + 5);
+        player().seek({frame, kRate});
+        const int wanted = frame < 2 * kRate ? kNoPicture : frame - 2 * kRate;
+        EXPECT_TRUE(waitForNumber(wanted)) << frame << ": " << number();
+        main.runFor(0.05);
+        EXPECT_EQ(number(), wanted);
+    }
+}
+
 } // namespace
 } // namespace tavi::testing
