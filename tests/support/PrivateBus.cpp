@@ -93,9 +93,16 @@ QString PrivateBus::address() const {
 }
 
 QDBusConnection PrivateBus::connect() {
-    m_connections << QStringLiteral("%1#%2").arg(address()).arg(m_connections.size());
-    auto connection = QDBusConnection::connectToBus(address(), m_connections.last());
-    EXPECT_TRUE(connection.isConnected());
+    const QString name = QStringLiteral("%1#%2").arg(address()).arg(m_connections.size());
+    m_connections << name;
+    auto connection = QDBusConnection::connectToBus(address(), name);
+    EXPECT_TRUE(waitPatiently([&] { // the socket is there a moment before anyone listens
+        if (!connection.isConnected()) {
+            QDBusConnection::disconnectFromBus(name);
+            connection = QDBusConnection::connectToBus(address(), name);
+        }
+        return connection.isConnected();
+    }));
     return connection;
 }
 

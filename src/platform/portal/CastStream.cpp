@@ -111,7 +111,8 @@ CastStream::CastStream(int remote, std::uint32_t node, Ports ports, CastAlpha al
     : m_ports(std::move(ports)),
       m_node(node),
       m_alpha(alpha),
-      m_graph("pw-screen", *this, remote) {
+      m_graph("pw-screen", *this, remote),
+      m_silence(*m_graph.loop()) {
     m_timer = pw_loop_add_timer(m_graph.loop(), Callbacks::turn, this);
 }
 
@@ -170,6 +171,7 @@ void CastStream::openStream() {
 
 void CastStream::closeStream() {
     wakeAt(0);
+    m_silence.stop();
     m_waiting.reset();
     m_pace.reset();
     if (m_stream == nullptr) {
@@ -266,6 +268,7 @@ void CastStream::addBuffer(pw_buffer& buffer) {
         added->planes.push_back(std::make_unique<MappedPlane>(buffer.buffer->datas[i]));
     }
     m_buffers[&buffer] = std::move(added);
+    m_silence.watch(*m_stream);
 }
 
 /// A picture that waits goes with its buffer: a new one follows the change that took it away.
@@ -320,6 +323,7 @@ void CastStream::look(pw_buffer& buffer) {
         release(std::move(m_waiting->buffer));
     }
     m_waiting = Waiting{known->second, picture, timeOf(*buffer.buffer, hostNow())};
+    m_silence.pictureCame();
     if (!m_firstArea) {
         m_firstArea = shownArea(picture);
         m_graph.signal();

@@ -10,6 +10,7 @@
 #include "platform/portal/FramePace.h"
 #include "platform/portal/PortalPointer.h"
 #include "platform/portal/SampleOutlet.h"
+#include "platform/portal/SilentStart.h"
 
 #include <map>
 #include <memory>
@@ -107,6 +108,7 @@ private:
     PipeWireGraph m_graph;
     // All below belong to the connection's thread; others look with its lock.
     spa_source* m_timer = nullptr; ///< For a picture that came too early, or comes again.
+    SilentStart m_silence;
     pw_stream* m_stream = nullptr;
     spa_hook m_streamHook{};
     std::optional<CastFormat> m_format;

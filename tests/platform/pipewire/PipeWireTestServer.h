@@ -53,7 +53,8 @@ private:
     TemporaryFolder m_folder;
 };
 
-/// Polls until `condition` holds; false when it doesn't within ten seconds.
-bool waitFor(const std::function<bool()>& condition, double seconds = 10);
+/// Polls until `condition` holds; false when it doesn't within so many seconds, which a busy
+/// machine may need.
+bool waitFor(const std::function<bool()>& condition, double seconds = 60);
 
 } // namespace tavi::test

@@ -1,165 +1,20 @@
-#include "platform/portal/CastStream.h"
-
-#include "base/Clock.h"
-#include "capture/CursorImageBytes.h"
-#include "fakes/FakeExecutor.h"
-#include "platform/pipewire/PipeWireTestServer.h"
-#include "platform/portal/FakeCast.h"
-#include "render/YuvConverter.h"
-
-#include <gmock/gmock.h>
-
-#include <chrono>
-#include <cstring>
-#include <future>
-#include <thread>
+#include "platform/portal/CastOfACompositor.h"
 
 namespace tavi {
 namespace {
 
 using test::CastFrame;
 using test::CastLayout;
-using test::CastPointerNews;
+using test::CastOfACompositor;
+using test::distance;
 using test::FakeCast;
+using test::halves;
+using test::kGreen;
+using test::kViolet;
+using test::pixel;
+using test::plain;
+using test::pointerOnly;
 using test::waitFor;
-
-constexpr std::uint32_t kGreen = 0xFF20C040;
-constexpr std::uint32_t kViolet = 0xFF6020A0;
-
-CastFrame plain(std::uint32_t colour) {
-    CastFrame frame;
-    frame.pixel = [colour](int, int) { return colour; };
-    return frame;
-}
-
-CastFrame halves(std::uint32_t left, std::uint32_t right, int border) {
-    CastFrame frame;
-    frame.pixel = [=](int x, int) { return x < border ? left : right; };
-    return frame;
-}
-
-CastFrame pointerOnly(CastPointerNews news) {
-    CastFrame frame;
-    frame.pointer.push_back(std::move(news));
-    return frame;
-}
-
-std::uint32_t pixel(const ScreenSample& sample, int x, int y) {
-    std::uint32_t value = 0;
-    std::memcpy(&value, sample.image->row(y) + std::ptrdiff_t{x} * 4, sizeof value);
-    return value;
-}
-
-/// Largest difference of a channel, the fourth byte left out.
-int distance(std::uint32_t a, std::uint32_t b) {
-    int largest = 0;
-    for (int shift = 0; shift < 24; shift += 8) {
-        largest = std::max(largest, std::abs(static_cast<int>(a >> shift & 255) -
-                                             static_cast<int>(b >> shift & 255)));
-    }
-    return largest;
-}
-
-/// How soon a compositor paints again.
-constexpr std::chrono::milliseconds kRepaint{300};
-
-/// A stream over a private PipeWire from a compositor that the test plays.
-class CastOfACompositor : public testing::Test {
-protected:
-    ~CastOfACompositor() override { stop(); }
-
-    /// Opens the stream; its first picture is `first`.
-    void open(const CastLayout& layout, const CastFrame& first = plain(kGreen),
-              FakeCast::Metas metas = FakeCast::Metas::all, CastAlpha alpha = CastAlpha::unwanted) {
-        cast = std::make_unique<FakeCast>(layout, metas);
-        auto opening = std::async(std::launch::async, [this, alpha] {
-            return CastStream::open(FakeCast::openRemote(), cast->node(),
-                                    {std::make_shared<YuvConverter>(), pointer}, alpha);
-        });
-        ASSERT_TRUE(cast->waitForReader());
-        // What is sent while the reader's side is still being set up goes nowhere, and a
-        // compositor paints again.
-        do {
-            ASSERT_TRUE(cast->send(first));
-        } while (opening.wait_for(kRepaint) != std::future_status::ready);
-        auto opened = opening.get();
-        ASSERT_TRUE(opened) << opened.error().description();
-        stream = std::move(*opened);
-    }
-
-    /// Starts it; pictures are `width` x `height`, as large as the source where that is 0.
-    void start(int width = 0, int height = 0) {
-        stream->configure(
-            {width != 0 ? width : stream->width(), height != 0 ? height : stream->height()});
-        ASSERT_TRUE(stream->addStreamOutput(queue, [this](const ScreenSample& sample) {
-            const std::lock_guard lock(mutex);
-            samples.push_back(sample);
-            return refusals-- <= 0;
-        }));
-        ASSERT_TRUE(stream->startCapture());
-        ASSERT_TRUE(waitForSamples(1));
-    }
-
-    void stop() {
-        if (stream) {
-            static_cast<void>(stream->stopCapture());
-        }
-        stream.reset();
-        queue.sync([] {});
-    }
-
-    std::size_t count() {
-        const std::lock_guard lock(mutex);
-        return samples.size();
-    }
-    ScreenSample sample(std::size_t index) {
-        const std::lock_guard lock(mutex);
-        return samples.at(index);
-    }
-    ScreenSample last() {
-        const std::lock_guard lock(mutex);
-        return samples.back();
-    }
-    bool waitForSamples(std::size_t wanted) {
-        return waitFor([&] { return count() >= wanted; });
-    }
-
-    /// Sends a picture and waits for the sample of it.
-    void show(const CastFrame& frame) {
-        const std::size_t before = count();
-        ASSERT_TRUE(waitFor([&] { return cast->send(frame); }));
-        ASSERT_TRUE(waitForSamples(before + 1));
-    }
-
-    /// The same after a change of what both sides agreed upon.
-    void showAnew(const CastFrame& frame) {
-        const std::size_t before = count();
-        ASSERT_TRUE(waitFor([&] {
-            cast->send(frame);
-            std::this_thread::sleep_for(kRepaint);
-            return count() > before;
-        }));
-    }
-
-    /// Sends what makes no sample, and then something that does.
-    void expectNoSampleOf(const CastFrame& frame) {
-        const std::size_t before = count();
-        ASSERT_TRUE(waitFor([&] { return cast->send(frame); }));
-        show(plain(kViolet));
-        EXPECT_EQ(count(), before + 1);
-        EXPECT_LE(distance(pixel(last(), 0, 0), kViolet), 2);
-    }
-
-    test::PipeWireTestServer server;
-    FakeExecutor main;
-    PortalPointer pointer{main, [] { return std::nullopt; }};
-    SerialQueue queue{"test"};
-    std::unique_ptr<FakeCast> cast;
-    std::unique_ptr<CastStream> stream;
-    std::mutex mutex;
-    std::vector<ScreenSample> samples; ///< By the mutex, as the next.
-    int refusals = 0;                  ///< So many pictures can't be used.
-};
 
 TEST_F(CastOfACompositor, beginsWithWhatWasOnTheScreenBefore) {
     const MediaTime before = SystemClock().hostTime();
@@ -170,6 +25,20 @@ TEST_F(CastOfACompositor, beginsWithWhatWasOnTheScreenBefore) {
     EXPECT_EQ(pixel(last(), 10, 10) & 0xFFFFFF, kGreen & 0xFFFFFF);
     EXPECT_GE(last().presentationTime, before);
     EXPECT_LE(last().presentationTime, SystemClock().hostTime());
+}
+
+TEST_F(CastOfACompositor, beginsAgainWhenItsFirstPictureIsLost) {
+    cast = std::make_unique<FakeCast>(CastLayout{});
+    auto opening = std::async(std::launch::async, [this] {
+        return CastStream::open(FakeCast::openRemote(), cast->node(), {nullptr, pointer});
+    });
+    ASSERT_TRUE(cast->waitForReader());
+    cast->paintLater(plain(kGreen)); // as if the stream had begun with it, and nobody had seen it
+    auto opened = opening.get();
+    ASSERT_TRUE(opened) << opened.error().description();
+    stream = std::move(*opened);
+    start();
+    EXPECT_EQ(pixel(last(), 10, 10) & 0xFFFFFF, kGreen & 0xFFFFFF);
 }
 
 TEST_F(CastOfACompositor, silenceIsNoError) {
@@ -373,13 +242,11 @@ TEST_F(CastOfACompositor, newSizeStaysAtTheTopLeftOfTheOldPictures) {
     open({});
     start();
     cast->resize(100, 30);
-    showAnew(plain(kViolet));
+    showAnew(plain(kViolet), 63, 47, kViolet);
     EXPECT_EQ(last().image->width(), 64);
     EXPECT_EQ(last().image->height(), 48);
-    EXPECT_EQ(pixel(last(), 63, 47) & 0xFFFFFF, kViolet & 0xFFFFFF);
     cast->resize(20, 90);
-    showAnew(halves(kGreen, kViolet, 19));
-    EXPECT_EQ(pixel(last(), 18, 47) & 0xFFFFFF, kGreen & 0xFFFFFF);
+    showAnew(halves(kGreen, kViolet, 19), 18, 47, kGreen);
     EXPECT_EQ(pixel(last(), 63, 47) & 0xFFFFFF, kViolet & 0xFFFFFF);
 }
 
@@ -393,7 +260,7 @@ TEST_F(CastOfACompositor, picturesThatAreKeptStayAsTheyAreWhateverComes) {
         EXPECT_EQ(pixel(sample(i), 7, 7) & 0xFFFFFF, i);
     }
     cast->resize(32, 32); // takes the memory away
-    showAnew(plain(kGreen));
+    showAnew(plain(kGreen), 7, 7, kGreen);
     stop();
     cast.reset();
     EXPECT_EQ(pixel(sample(40), 7, 7) & 0xFFFFFF, 40U);
@@ -409,70 +276,6 @@ TEST_F(CastOfACompositor, neverStarvesACompositorWithTwoBuffers) {
         show(plain(0xFF000000U + i));
     }
     EXPECT_EQ(pixel(last(), 7, 7) & 0xFFFFFF, 60U);
-}
-
-TEST_F(CastOfACompositor, tellsWhereThePointerIsAndHowItLooks) {
-    open({});
-    start();
-    CastPointerNews news{.x = 10, .y = 5, .hotSpotX = 1, .hotSpotY = 0};
-    news.pixels = {0xFF0000FF, 0x80008000, 0, 0xFFFFFFFF};
-    news.width = 2;
-    for (const auto format : {SPA_VIDEO_FORMAT_BGRA, SPA_VIDEO_FORMAT_RGBA, SPA_VIDEO_FORMAT_ARGB,
-                              SPA_VIDEO_FORMAT_ABGR}) {
-        SCOPED_TRACE(format);
-        news.format = format;
-        news.x += 1;
-        ASSERT_TRUE(waitFor([&] { return cast->send(pointerOnly(news)); }));
-        ASSERT_TRUE(waitFor([&] { return pointer.query() == Point{1.0 * news.x, 48.0 - 5}; }));
-        const auto image = pointer.currentSystemCursor();
-        ASSERT_TRUE(image);
-        EXPECT_EQ(image->hotSpot, (Point{1, 0}));
-        EXPECT_EQ(image->size, (Size{2, 2}));
-        const auto pixels = cursorImageFromBytes(image->imageBytes);
-        ASSERT_TRUE(pixels);
-        for (std::size_t i = 0; i < 4; ++i) {
-            std::uint32_t value = 0;
-            std::memcpy(&value, pixels->row(static_cast<int>(i / 2)) + i % 2 * 4, 4);
-            EXPECT_EQ(value, news.pixels[i]);
-        }
-    }
-}
-
-TEST_F(CastOfACompositor, pointerWithoutAnIdIsElsewhere) {
-    open({});
-    start();
-    cast->send(pointerOnly({.x = 10, .y = 5}));
-    ASSERT_TRUE(waitFor([&] { return pointer.query().x == 10; }));
-    cast->send(pointerOnly({.id = 0, .x = 11, .y = 5}));
-    EXPECT_TRUE(waitFor([&] { return pointer.query().x < 0; }));
-    EXPECT_EQ(pointer.lastKnown(), (Point{10, 48 - 5}));
-    cast->send(pointerOnly({.x = 100, .y = 5})); // beside the picture
-    EXPECT_TRUE(waitFor([&] { return pointer.query() == Point{100, 48 - 5}; }));
-}
-
-TEST_F(CastOfACompositor, pointerStaysInStepWithACropAndATransform) {
-    CastFrame frame = plain(kGreen);
-    frame.crop = {{10, 4}, {30, 20}};
-    frame.transform = SPA_META_TRANSFORMATION_180;
-    frame.pointer.push_back({.x = 12, .y = 5});
-    open({}, frame);
-    start();
-    EXPECT_EQ(pointer.query(), (Point{27, 20 - 18}));
-}
-
-TEST_F(CastOfACompositor, pointerPictureThatLiesOutsideItsMemoryIsLeftOut) {
-    open({});
-    start();
-    CastPointerNews news{.x = 10, .y = 5};
-    news.pixels.assign(16, 0xFFFFFFFF);
-    news.width = 4;
-    for (const std::int32_t lie : {1 << 20, 0x7FFFFF00, -64}) {
-        news.lie = lie;
-        news.x += 1;
-        cast->send(pointerOnly(news));
-        ASSERT_TRUE(waitFor([&] { return pointer.query().x == news.x; }));
-        EXPECT_FALSE(pointer.currentSystemCursor()) << lie;
-    }
 }
 
 TEST_F(CastOfACompositor, compositorThatGoesEndsTheStream) {

@@ -21,6 +21,7 @@ namespace tavi::test {
 
 namespace {
 
+constexpr long kRefresh = 16'000'000; ///< Of the monitor, nanoseconds.
 constexpr int kPointerSide = 64;
 constexpr int kPointerBytes = static_cast<int>(sizeof(spa_meta_cursor) + sizeof(spa_meta_bitmap)) +
                               kPointerSide * kPointerSide * 4;
@@ -67,6 +68,7 @@ FakeCast::FakeCast(const CastLayout& layout, Metas metas)
                             "fake-cast", nullptr)),
       m_layout(layout),
       m_metas(metas) {
+    m_painter = pw_loop_add_timer(loop(), paint, this);
     std::vector<std::uint8_t> memory(4096);
     connect(offers(memory), PW_STREAM_FLAG_ALLOC_BUFFERS);
     m_node = pw_stream_get_node_id(m_stream);
@@ -74,6 +76,7 @@ FakeCast::FakeCast(const CastLayout& layout, Metas metas)
 
 FakeCast::~FakeCast() {
     stop();
+    pw_loop_destroy_source(loop(), m_painter);
 }
 
 std::vector<const spa_pod*> FakeCast::offers(std::vector<std::uint8_t>& memory) const {
@@ -110,7 +113,17 @@ std::vector<const spa_pod*> FakeCast::offers(std::vector<std::uint8_t>& memory) 
 }
 
 void FakeCast::stateChanged(void* data, pw_stream_state, pw_stream_state now, const char*) {
-    of(data).m_isStreaming = now == PW_STREAM_STATE_STREAMING;
+    auto& cast = of(data);
+    cast.m_isStreaming = now == PW_STREAM_STATE_STREAMING;
+    timespec refresh{0, cast.m_isStreaming && cast.m_shown.pixel ? kRefresh : 0};
+    pw_loop_update_timer(cast.loop(), cast.m_painter, &refresh, nullptr, false);
+}
+
+void FakeCast::paint(void* data, std::uint64_t) {
+    auto& cast = of(data);
+    if (cast.m_layout.width > 0 && cast.queue(cast.m_shown)) {
+        cast.isTaken();
+    }
 }
 
 int FakeCast::rowBytes() const {
@@ -205,13 +218,33 @@ bool FakeCast::waitForReader() {
 
 bool FakeCast::send(const CastFrame& frame) {
     pw_thread_loop_lock(m_loop);
-    pw_buffer* buffer = pw_stream_dequeue_buffer(m_stream);
-    if (buffer != nullptr) {
-        fill(*buffer, frame);
-        pw_stream_queue_buffer(m_stream, buffer);
+    if (frame.pixel) {
+        m_shown = frame;
     }
+    const bool isQueued = queue(frame);
     pw_thread_loop_unlock(m_loop);
-    return buffer != nullptr && waitFor([this] { return isTaken(); });
+    return isQueued && waitFor([this] { return isTaken(); });
+}
+
+void FakeCast::paintLater(const CastFrame& frame) {
+    pw_thread_loop_lock(m_loop);
+    m_shown = frame;
+    pw_thread_loop_unlock(m_loop);
+}
+
+/// On the loop's thread or with its lock.
+bool FakeCast::queue(const CastFrame& frame) {
+    pw_buffer* buffer = pw_stream_dequeue_buffer(m_stream);
+    if (buffer == nullptr) {
+        return false;
+    }
+    // Between two sizes there are still buffers of the old one.
+    const bool isOfSize = buffer->buffer->datas[0].maxsize >= static_cast<unsigned>(planeBytes(0));
+    if (isOfSize) {
+        fill(*buffer, frame);
+    }
+    pw_stream_queue_buffer(m_stream, buffer);
+    return isOfSize;
 }
 
 /// A buffer that is queued while the one before is handed over stays until the next is.

@@ -52,7 +52,8 @@ struct CastFrame {
     std::vector<CastPointerNews> pointer; ///< None or one.
 };
 
-/// A compositor's stream on the test's own PipeWire: one buffer at each send().
+/// A compositor's stream on the test's own PipeWire: one buffer at each send(), and the newest
+/// picture again whenever the stream begins.
 class FakeCast : private FakeSource {
 public:
     enum class Metas { all, none };
@@ -68,6 +69,9 @@ public:
     /// False when there is no free buffer.
     bool send(const CastFrame& frame);
 
+    /// What is sent when the stream begins the next time, and not before.
+    void paintLater(const CastFrame& frame);
+
     /// Another size from now on; waits until it is agreed upon.
     void resize(int width, int height);
 
@@ -80,9 +84,11 @@ private:
     static void addBuffer(void* data, pw_buffer* buffer);
     static void removeBuffer(void* data, pw_buffer* buffer);
     static void process(void*) {}
+    static void paint(void* data, std::uint64_t);
     static FakeCast& of(void* data);
 
     bool isTaken();
+    bool queue(const CastFrame& frame);
     std::vector<const spa_pod*> offers(std::vector<std::uint8_t>& memory) const;
     int rowBytes() const;
     int chromaRowBytes() const;
@@ -94,9 +100,11 @@ private:
 
     CastLayout m_layout;
     Metas m_metas;
+    spa_source* m_painter = nullptr; ///< When the stream begins again.
     std::uint32_t m_node = 0;
     bool m_isStreaming = false; ///< With the loop's lock, as the next.
     int m_buffers = 0;
+    CastFrame m_shown; ///< Of the newest picture.
 };
 
 } // namespace tavi::test
