@@ -2,8 +2,8 @@ import QtQuick
 import QtQuick.Templates as T
 import Tavi.Ui
 
-/// The recordings as cards, as many in a row as fit; cards are reused while it
-/// scrolls, so thousands cost what a screenful costs.
+/// The recordings as cards, as many in a row as fit. Only the cards around the screenful exist (a
+/// Qt that pools those of grids reuses them), so thousands cost what a screenful costs.
 GridView {
     id: grid
 

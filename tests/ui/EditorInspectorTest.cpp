@@ -96,5 +96,20 @@ TEST_F(ZoomControls, withoutASelectionGenerateAndClearAreThere) {
     EXPECT_TRUE(find(hasText("Generate")));
 }
 
+TEST_F(ZoomControls, theMenuOfACutIsInItsLaneAndNotOnTheRuler) {
+    QQuickItem* timeline = find(isA("tavi::TimelineQuickItem"));
+    ASSERT_TRUE(timeline);
+    const TimelineViewModel& model = *screen().timeline();
+    const double x = TimelineGeometry::kLanePadding + model.model().geometry.x(30); // in the cut
+    const auto menuAt = [&](double y) {
+        QTest::mouseClick(&m_scene.window(), Qt::RightButton, {},
+                          timeline->mapToScene(QPointF(x, y)).toPoint());
+        m_scene.settle();
+        return find(hasText("Restore Section"));
+    };
+    EXPECT_FALSE(menuAt(TimelineGeometry::kRulerHeight / 2));
+    EXPECT_TRUE(menuAt(TimelineGeometry::kRulerHeight + TimelineGeometry::kUpperLaneHeight / 2));
+}
+
 } // namespace
 } // namespace tavi::test
