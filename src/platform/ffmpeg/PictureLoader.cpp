@@ -272,13 +272,15 @@ const DecodedPicture* PictureLoader::shown(MediaTime trackTime, MediaTime now) {
     return picture;
 }
 
-/// The picture decoded last, unless what is shown is as near to `trackTime`.
+/// The picture decoded last, unless what is shown is as near to `trackTime`; while it moves none
+/// before its time.
 const DecodedPicture* PictureLoader::nearerThanShown(MediaTime trackTime) const {
     const auto distance = [trackTime](MediaTime time) {
         return std::max(time, trackTime) - std::min(time, trackTime);
     };
     const bool isNearer = !m_shownTime || distance(m_latest.time) < distance(*m_shownTime);
-    return isNearer && m_latest.frame ? &m_latest : nullptr;
+    const bool isEarly = m_clock.isMoving() && m_latest.time > trackTime;
+    return isNearer && !isEarly && m_latest.frame ? &m_latest : nullptr;
 }
 
 } // namespace tavi
