@@ -2,6 +2,8 @@
 
 #include "platform/portal/WakeAttempt.h"
 
+#include <QPointer>
+
 #include <utility>
 
 namespace tavi {
@@ -11,12 +13,16 @@ namespace {
 class DesktopWakeLock final : public WakeLock {
 public:
     explicit DesktopWakeLock(WakeAttempt* attempt) : m_attempt(attempt) {}
-    ~DesktopWakeLock() override { m_attempt->release(); }
+    ~DesktopWakeLock() override {
+        if (m_attempt) {
+            m_attempt->release();
+        }
+    }
     DesktopWakeLock(const DesktopWakeLock&) = delete;
     DesktopWakeLock& operator=(const DesktopWakeLock&) = delete;
 
 private:
-    WakeAttempt* m_attempt; ///< Ends itself when it is released.
+    QPointer<WakeAttempt> m_attempt; ///< Ends itself when it is released, or with the program.
 };
 
 } // namespace

@@ -1,5 +1,6 @@
 #include "platform/portal/WakeAttempt.h"
 
+#include <QCoreApplication>
 #include <QDBusMessage>
 #include <QDBusObjectPath>
 #include <QDBusPendingCallWatcher>
@@ -37,7 +38,8 @@ QString requestPath(const QDBusConnection& bus, const QString& token) {
 
 WakeAttempt::WakeAttempt(QDBusConnection session, QDBusConnection system, QString reason,
                          DesktopWakeLocks::Told told)
-    : m_session(std::move(session)),
+    : QObject(QCoreApplication::instance()), // ends with it, where no loop runs any more to end it
+      m_session(std::move(session)),
       m_system(std::move(system)),
       m_reason(std::move(reason)),
       m_told(std::move(told)) {}
