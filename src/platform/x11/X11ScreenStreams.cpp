@@ -25,7 +25,7 @@ std::int64_t intervalNanoseconds(MediaTime interval) {
 
 /// A picture may be taken so much sooner after one that came late; its time is still
 /// an interval after that one's. Nanoseconds.
-constexpr std::int64_t kCatchUp = 1'000'000;
+constexpr std::int64_t kCatchUp = 4'000'000;
 
 /// When a picture that could not be used is sent again, if nothing changed until then: time for
 /// an encoder to work off some. Nanoseconds.
