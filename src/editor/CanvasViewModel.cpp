@@ -1,9 +1,12 @@
 #include "editor/CanvasViewModel.h"
 
+#include "media/PixelBufferPool.h"
+
 #include <QPointer>
 
 #include <cmath>
 #include <mutex>
+#include <optional>
 #include <utility>
 
 namespace tavi {
@@ -21,6 +24,10 @@ std::shared_ptr<const EditProject> sceneOf(const EditProject& project) {
     return scene;
 }
 
+/// Free pictures of the canvas that are used again: fresh memory of that size costs more than to
+/// compose in it. One is shown and one on its way there.
+constexpr std::size_t kKeptPictures = 2;
+
 int evenPixels(double length) {
     return static_cast<int>(std::floor(length / 2)) * 2;
 }
@@ -30,6 +37,7 @@ int evenPixels(double length) {
 struct CanvasViewModel::Work {
     std::mutex mutex; ///< The composer is the background's, but for a click's question.
     PreviewComposer composer;
+    std::optional<PixelBufferPool> pictures; ///< Of the size that is composed.
 };
 
 CanvasViewModel::CanvasViewModel(EditorViewModel& editor, Executor& main, Executor& background,
@@ -169,9 +177,13 @@ void CanvasViewModel::compose() {
     m_background.post([self = QPointer(this), &main = m_main, work = m_work, scene = m_scene,
                        videoSize = m_editor.videoSize(), size, ratio = m_pixelRatio,
                        moment = std::move(moment)] {
-        auto picture = std::make_shared<PixelBuffer>(size.width, size.height);
+        std::shared_ptr<PixelBuffer> picture;
         {
             const std::lock_guard lock(work->mutex);
+            if (!work->pictures || work->composer.frameSize() != size) {
+                work->pictures.emplace(size.width, size.height, kKeptPictures);
+            }
+            picture = work->pictures->make();
             work->composer.setScene(*scene, videoSize, size, ratio);
             work->composer.compose(moment, *picture);
         }

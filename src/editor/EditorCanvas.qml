@@ -29,7 +29,7 @@ Item {
         y: view.canvas.frame.y
         width: view.canvas.frame.width
         height: view.canvas.frame.height
-        source: view.canvas.picture
+        holder: view.canvas
         stretched: true
         Accessible.role: Accessible.Graphic
         Accessible.name: qsTr("Canvas")

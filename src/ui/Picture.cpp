@@ -2,6 +2,7 @@
 
 #include "base/PixelBuffer.h"
 
+#include <QMetaProperty>
 #include <QPainter>
 #include <QPainterPath>
 #include <QQuickWindow>
@@ -12,6 +13,8 @@
 namespace tavi {
 
 namespace {
+
+constexpr auto kHeld = "picture"; ///< The property of a holder.
 
 /// A rectangle whose upper and lower corners are rounded differently.
 QPainterPath roundedShape(QSizeF size, double top, double bottom) {
@@ -69,6 +72,27 @@ void Picture::setSource(const QVariant& source) {
     m_image = imageOf(source);
     emit sourceChanged();
     emit lookChanged();
+}
+
+void Picture::setHolder(QObject* holder) {
+    if (m_holder == holder) {
+        return;
+    }
+    if (m_holder) {
+        m_holder->disconnect(this);
+    }
+    m_holder = holder;
+    if (holder) {
+        const QMetaObject& type = *holder->metaObject();
+        connect(holder, type.property(type.indexOfProperty(kHeld)).notifySignal(), this,
+                metaObject()->method(metaObject()->indexOfSlot("takeHeldPicture()")));
+        takeHeldPicture();
+    }
+    emit holderChanged();
+}
+
+void Picture::takeHeldPicture() {
+    setSource(m_holder->property(kHeld));
 }
 
 void Picture::geometryChange(const QRectF& now, const QRectF& before) {

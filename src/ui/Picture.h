@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QImage>
+#include <QPointer>
 #include <QQuickItem>
 #include <QVariant>
 
@@ -18,6 +19,10 @@ class Picture : public QQuickItem {
     QML_ELEMENT
     /// A QImage or a PixelBufferPtr; anything else is no picture.
     Q_PROPERTY(QVariant source READ source WRITE setSource NOTIFY sourceChanged)
+    /// An object whose property `picture` is the source from now on, whenever it changes. For live
+    /// pictures: a binding to them leaves each in the heap of QML until that is tidied up, and the
+    /// heap doesn't know how large they are.
+    Q_PROPERTY(QObject* holder READ holder WRITE setHolder NOTIFY holderChanged)
     Q_PROPERTY(bool empty READ isEmpty NOTIFY sourceChanged)
     /// Corners in points: the upper two and the lower two.
     Q_PROPERTY(double topRadius MEMBER m_topRadius NOTIFY lookChanged)
@@ -30,10 +35,13 @@ public:
 
     QVariant source() const { return m_source; }
     void setSource(const QVariant& source);
+    QObject* holder() const { return m_holder; }
+    void setHolder(QObject* holder);
     bool isEmpty() const { return m_image.isNull(); }
 
 signals:
     void sourceChanged();
+    void holderChanged();
     void lookChanged();
 
 protected:
@@ -41,10 +49,14 @@ protected:
     void geometryChange(const QRectF& now, const QRectF& before) override;
     void itemChange(ItemChange change, const ItemChangeData& data) override;
 
+private slots:
+    void takeHeldPicture();
+
 private:
     QImage drawn(double ratio) const;
 
     QVariant m_source;
+    QPointer<QObject> m_holder;
     QImage m_image;
     double m_topRadius = 0;
     double m_bottomRadius = 0;
