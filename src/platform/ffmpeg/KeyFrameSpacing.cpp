@@ -13,8 +13,9 @@ constexpr double kBitsPerPixel = 0.07;
 /// What may follow a key frame, in bits for each pixel: 50 ms of one core at 1920x1080.
 constexpr double kMostBitsPerPixel = 2.3;
 
-/// Key frames take less than half of the bits of what lies between them.
-constexpr double kKeyFramesShare = 2;
+/// What may follow a key frame at least, as a multiple of it: so key frames are at most two fifths
+/// of what is decoded.
+constexpr double kKeyFramesShare = 1.5;
 
 } // namespace
 
