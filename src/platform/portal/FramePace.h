@@ -13,8 +13,9 @@ namespace tavi {
 /// clock.
 class FramePace {
 public:
-    /// A picture may come so much before its turn, since the steps of a compositor's clock tremble.
-    static constexpr std::int64_t kTolerance = 1'000'000;
+    /// A picture may come so much before or after its turn, since the steps of a compositor's clock
+    /// tremble, on a busy machine by a quarter of an interval.
+    static constexpr std::int64_t kTolerance = 4'000'000;
 
     explicit FramePace(MediaTime interval)
         : m_interval((interval.value * MediaTime::kNanoseconds + interval.timescale - 1) /

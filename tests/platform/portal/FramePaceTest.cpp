@@ -32,11 +32,11 @@ TEST(FramePace, sixtyTremblingPicturesASecondAreAllAdmittedAnIntervalApart) {
     FramePace pace(kInterval);
     std::int64_t last = -kSixtieth;
     for (int i = 0; i < 600; ++i) {
-        const std::int64_t now = i * kSixtieth + (i % 3 - 1) * 400'000 + kMillisecond;
+        const std::int64_t now = i * kSixtieth + (i % 3 - 1) * 1'900'000 + 2 * kMillisecond;
         const auto time = pace.admit(now, now);
         ASSERT_TRUE(time) << "picture " << i;
         ASSERT_GE(*time - last, kSixtieth) << "picture " << i;
-        ASSERT_LE(std::abs(*time - now), 2 * kMillisecond) << "picture " << i;
+        ASSERT_LE(std::abs(*time - now), 5 * kMillisecond) << "picture " << i;
         last = *time;
     }
 }
