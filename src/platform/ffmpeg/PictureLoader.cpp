@@ -262,7 +262,7 @@ const DecodedPicture* PictureLoader::shown(MediaTime trackTime, MediaTime now) {
     } else if (m_isChased) {
         picture = isLate ? nearerThanShown(trackTime) : nullptr;
     } else if (m_hasArrived || isLate) {
-        picture = m_run.latest(trackTime);
+        picture = latestUnlessBack(trackTime);
     }
     if (picture != nullptr) {
         m_waitingSince = isInForce || isLate ? now : m_waitingSince;
@@ -270,6 +270,15 @@ const DecodedPicture* PictureLoader::shown(MediaTime trackTime, MediaTime now) {
         m_shownTime = picture->time;
     }
     return picture;
+}
+
+/// The latest picture at or before `trackTime`. Null when that would be a step back from what the
+/// last jump led to: pictures are decoded anew from a key frame before it when one that is
+/// decoded, but not yet shown, at `trackTime` was taken for the nearer way there.
+const DecodedPicture* PictureLoader::latestUnlessBack(MediaTime trackTime) const {
+    const DecodedPicture* picture = m_run.latest(trackTime);
+    const bool isBack = picture != nullptr && m_shownTime && picture->time < *m_shownTime;
+    return isBack && !m_isAwaited ? nullptr : picture;
 }
 
 /// The picture decoded last, unless what is shown is as near to `trackTime`; while it moves none

@@ -83,6 +83,7 @@ private:
     bool isWorthTelling(MediaTime now) const;
     bool isLenient(MediaTime now) const;
     const DecodedPicture* shown(MediaTime trackTime, MediaTime now);
+    const DecodedPicture* latestUnlessBack(MediaTime trackTime) const;
     const DecodedPicture* nearerThanShown(MediaTime trackTime) const;
 
     const PlayerItem m_item;
