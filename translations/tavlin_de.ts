@@ -1038,6 +1038,21 @@ Bitte erteilen Sie sie in den Einstellungen Ihres Desktops.</translation>
     </message>
 </context>
 <context>
+    <name>tavi::CrosshairViewModel</name>
+    <message>
+        <source>%1 % from the left, %2 % from the top. Arrow keys move, with Shift further; Return points the zoom there, Escape ends</source>
+        <translation>%1 % von links, %2 % von oben. Pfeiltasten bewegen, mit Umschalt weiter; Eingabe richtet den Zoom dorthin, Esc beendet</translation>
+    </message>
+    <message>
+        <source>Return points the selected zoom at a place</source>
+        <translation>Eingabe richtet den gewählten Zoom auf eine Stelle</translation>
+    </message>
+    <message>
+        <source>Select a keyframe at the playhead to point its zoom at a place</source>
+        <translation>Ein Keyframe am Abspielkopf wählen, um seinen Zoom auf eine Stelle zu richten</translation>
+    </message>
+</context>
+<context>
     <name>tavi::DesktopSavePanel</name>
     <message>
         <source>Export</source>

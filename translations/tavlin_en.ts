@@ -1037,6 +1037,21 @@ Please grant permission in your desktop&apos;s settings.</translation>
     </message>
 </context>
 <context>
+    <name>tavi::CrosshairViewModel</name>
+    <message>
+        <source>%1 % from the left, %2 % from the top. Arrow keys move, with Shift further; Return points the zoom there, Escape ends</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Return points the selected zoom at a place</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Select a keyframe at the playhead to point its zoom at a place</source>
+        <translation type="unfinished"></translation>
+    </message>
+</context>
+<context>
     <name>tavi::DesktopSavePanel</name>
     <message>
         <source>Export</source>

@@ -47,6 +47,7 @@ CanvasViewModel::CanvasViewModel(EditorViewModel& editor, Executor& main, Execut
       m_main(main),
       m_background(background),
       m_clock(clock),
+      m_crosshair(editor, [this](QPointF place) { addPoint(place); }),
       m_scene(sceneOf(editor.project())),
       m_work(std::make_shared<Work>()) {
     connect(&editor, &EditorViewModel::projectChanged, this, &CanvasViewModel::projectMayBeOther);
@@ -154,6 +155,12 @@ void CanvasViewModel::tap(double x, double y) {
         point = m_work->composer.videoPointAt({x * m_pixelRatio, y * m_pixelRatio});
     }
     m_editor.addWaypoint(point.x, point.y);
+}
+
+/// `place` is a share of the content.
+void CanvasViewModel::addPoint(QPointF place) {
+    const QRectF room = content().translated(-frame().topLeft());
+    tap(room.x() + place.x() * room.width(), room.y() + place.y() * room.height());
 }
 
 void CanvasViewModel::compose() {

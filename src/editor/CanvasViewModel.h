@@ -1,6 +1,7 @@
 #pragma once
 
 #include "editor/CanvasGeometry.h"
+#include "editor/CrosshairViewModel.h"
 #include "editor/EditorViewModel.h"
 #include "editor/PreviewComposer.h"
 
@@ -30,6 +31,7 @@ class CanvasViewModel : public QObject {
     Q_PROPERTY(QVariant picture READ picture NOTIFY pictureChanged)
     /// True while the background moves by itself: then tick() is wanted 30 times a second.
     Q_PROPERTY(bool isAnimated READ isAnimated NOTIFY isAnimatedChanged)
+    Q_PROPERTY(tavi::CrosshairViewModel* crosshair READ crosshair CONSTANT)
 
 public:
     CanvasViewModel(EditorViewModel& editor, Executor& main, Executor& background,
@@ -45,6 +47,7 @@ public:
     QVariant picture() const;
     const PixelBufferPtr& pixels() const { return m_picture; }
     bool isAnimated() const;
+    CrosshairViewModel* crosshair() { return &m_crosshair; }
 
     /// The next picture of a moving background.
     Q_INVOKABLE void tick();
@@ -69,11 +72,13 @@ private:
     void projectMayBeOther();
     void compose();
     void composed(PixelBufferPtr picture);
+    void addPoint(QPointF place);
 
     EditorViewModel& m_editor;
     Executor& m_main;
     Executor& m_background;
     const Clock& m_clock;
+    CrosshairViewModel m_crosshair;
     QSizeF m_size;
     double m_pixelRatio = 1;
     CanvasGeometry m_geometry;

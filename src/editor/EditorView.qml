@@ -14,6 +14,7 @@ Rectangle {
 
     KeyMonitor {
         editor: view.screen.editor
+        leavesArrows: canvas.isPointing
     }
     EditorToolbar {
         id: toolbar
@@ -30,6 +31,7 @@ Rectangle {
         anchors.right: divider.left
 
         EditorCanvas {
+            id: canvas
             anchors.top: parent.top
             anchors.left: parent.left
             anchors.right: parent.right

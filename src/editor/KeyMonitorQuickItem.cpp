@@ -48,8 +48,12 @@ bool KeyMonitorQuickItem::isTyping() const {
     return focus && focus->flags().testFlag(ItemAcceptsInputMethod);
 }
 
+bool KeyMonitorQuickItem::isLeft(int key) const {
+    return m_leavesArrows && (key == Qt::Key_Left || key == Qt::Key_Right || key == Qt::Key_Escape);
+}
+
 bool KeyMonitorQuickItem::keyPressed(const QKeyEvent& event) {
-    const bool isTaken = isListening() && !isTyping() &&
+    const bool isTaken = isListening() && !isTyping() && !isLeft(event.key()) &&
                          m_editor->handleKey(event.key(), static_cast<int>(event.modifiers()));
     if (isTaken) {
         m_taken.insert(event.key());

@@ -20,12 +20,15 @@ class KeyMonitorQuickItem : public QQuickItem {
     Q_OBJECT
     QML_NAMED_ELEMENT(KeyMonitor)
     Q_PROPERTY(tavi::EditorViewModel* editor MEMBER m_editor NOTIFY editorChanged)
+    /// Left, Right and Escape go to the focused item: it is moved by them.
+    Q_PROPERTY(bool leavesArrows MEMBER m_leavesArrows NOTIFY leavesArrowsChanged)
 
 public:
     explicit KeyMonitorQuickItem(QQuickItem* parent = nullptr);
 
 signals:
     void editorChanged();
+    void leavesArrowsChanged();
 
 protected:
     void itemChange(ItemChange change, const ItemChangeData& data) override;
@@ -34,12 +37,14 @@ protected:
 private:
     bool isListening() const;
     bool isTyping() const;
+    bool isLeft(int key) const;
     bool keyPressed(const QKeyEvent& event);
     bool keyReleased(const QKeyEvent& event);
     void endTyping(const QPointF& place);
 
     tavi::EditorViewModel* m_editor = nullptr;
     QQuickWindow* m_window = nullptr;
+    bool m_leavesArrows = false;
     std::set<int> m_taken; ///< Keys that are down and belong to the editor.
 };
 

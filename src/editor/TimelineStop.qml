@@ -55,13 +55,8 @@ Item {
         cornerRadius: 3
         border.color: AppPalette.white // what it stands around is of the accent's colour
     }
-    Loader {
-        active: stop.activeFocus
-        sourceComponent: HoverTip {
-            parent: stop
-            text: stop.hint
-            shown: true
-            timeout: 4000 // it stands over the timeline as long as the focus is here
-        }
+    FocusHint {
+        target: stop
+        text: stop.hint
     }
 }

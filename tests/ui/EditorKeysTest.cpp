@@ -81,5 +81,39 @@ TEST_F(EditorKeys, timelineIsReachedAndEdited) {
     EXPECT_TRUE(named("Zoom of")(*focus())) << "the next one";
 }
 
+TEST_F(EditorKeys, canvasPointsByArrowsAndReturn) {
+    const auto waypoints = [this] { return editor().project().keyframes[2].waypoints.size(); };
+    const std::size_t before = waypoints();
+    editor().seek(editor().project().keyframes[2].timestamp + 0.5);
+    ASSERT_TRUE(tabTo(isA("tavi::Picture")));
+    const double time = editor().currentTime();
+    key(Qt::Key_Return);
+    key(Qt::Key_Right, Qt::ShiftModifier);
+    key(Qt::Key_Right);
+    key(Qt::Key_Up);
+    EXPECT_EQ(editor().currentTime(), time) << "the arrow keys are the crosshair's";
+    EXPECT_EQ(screen().canvas()->crosshair()->place(), QPointF(0.61, 0.49));
+    key(Qt::Key_Return);
+    EXPECT_EQ(waypoints(), before + 1);
+    key(Qt::Key_Escape);
+    EXPECT_TRUE(editor().selectedKeyframeID()) << "Escape ended the pointing alone";
+    key(Qt::Key_Right);
+    EXPECT_GT(editor().currentTime(), time) << "the arrow keys are the editor's again";
+    key(Qt::Key_Up);
+    EXPECT_EQ(screen().canvas()->crosshair()->place(), QPointF(0.61, 0.49));
+}
+
+TEST_F(EditorKeys, canvasLosesTheFocusAndPointsNoMore) {
+    editor().seek(editor().project().keyframes[2].timestamp + 0.5);
+    ASSERT_TRUE(tabTo(isA("tavi::Picture")));
+    key(Qt::Key_Return);
+    ASSERT_TRUE(screen().canvas()->crosshair()->isPointing());
+    key(Qt::Key_Tab);
+    EXPECT_FALSE(screen().canvas()->crosshair()->isPointing());
+    const double time = editor().currentTime();
+    key(Qt::Key_Right);
+    EXPECT_GT(editor().currentTime(), time);
+}
+
 } // namespace
 } // namespace tavi::test
