@@ -1,7 +1,9 @@
 #include "app/PathText.h"
 #include "app/TaviApp.h"
 #include "app/program/LiveSystem.h"
+#include "app/program/MemoryReturn.h"
 #include "app/program/Translations.h"
+#include "base/ProcessMemory.h"
 #include "capture/RecorderLock.h"
 #include "editor/TimelineQuickItem.h"
 #include "platform/desktop/SingleInstance.h"
@@ -68,6 +70,7 @@ int show(QApplication& application, SingleInstance& instance, const Arguments& a
     registerEditorItems();
     LiveSystem system(engine);
     TaviApp app(system.ports(), system.package(), {TAVI_VERSION, TAVI_BUILD}, QLocale());
+    const MemoryReturn memoryReturn(app);
     QtApplicationWindows windows;
     QObject::connect(&application, &QGuiApplication::applicationStateChanged,
                      [&app](Qt::ApplicationState state) {
@@ -131,6 +134,7 @@ int run(int argc, char** argv) {
 
 /// The desktop application.
 int main(int argc, char** argv) {
+    tavi::keepLargeBlocksApart();
     try {
         return run(argc, argv);
     } catch (const std::exception& error) {

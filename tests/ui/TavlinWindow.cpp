@@ -6,6 +6,7 @@
 #include <gtest/gtest.h>
 
 #include <fstream>
+#include <iterator>
 #include <sstream>
 #include <unistd.h>
 
@@ -218,6 +219,20 @@ void TavlinWindow::pass(double seconds) {
 
 bool TavlinWindow::hasEnded() {
     return m_program.state() == QProcess::NotRunning || m_program.waitForFinished(kPatience);
+}
+
+std::size_t TavlinWindow::processEntries(const std::string& folder) {
+    const std::filesystem::directory_iterator entries(
+        "/proc/" + std::to_string(m_program.processId()) + folder);
+    return static_cast<std::size_t>(std::distance(begin(entries), end(entries)));
+}
+
+std::size_t TavlinWindow::threads() {
+    return processEntries("/task");
+}
+
+std::size_t TavlinWindow::descriptors() {
+    return processEntries("/fd");
 }
 
 double TavlinWindow::processorSeconds() {

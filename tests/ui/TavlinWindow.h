@@ -8,6 +8,7 @@
 #include <QProcess>
 #include <QSize>
 
+#include <cstddef>
 #include <filesystem>
 #include <functional>
 #include <string>
@@ -60,6 +61,9 @@ public:
     bool hasEnded();
     /// Processor time that the program took until now.
     double processorSeconds();
+    /// How many threads it has, and how many files and connections are open.
+    std::size_t threads();
+    std::size_t descriptors();
 
 protected:
     /// What a program that is run in the window's surroundings prints.
@@ -71,6 +75,8 @@ protected:
 private:
     QStringList moveTo(QPoint place) const;
     void pressKey(const std::string& key);
+    /// How many entries a folder of the program in /proc has.
+    std::size_t processEntries(const std::string& folder);
 
     TemporaryFolder m_folder;
     XTestServer m_server;

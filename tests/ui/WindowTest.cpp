@@ -179,6 +179,25 @@ TEST_F(TavlinWindowTest, opensATakeByAClickAndComesBack) {
     EXPECT_TRUE(isHome());
 }
 
+TEST_F(TavlinWindowTest, leavesTakesWithoutThreadsAndFilesOfTheirs) {
+    const auto visit = [this](int card) {
+        m_window.click(cardMiddle(card));
+        ASSERT_TRUE(hasNot(newRecording(), kAccent));
+        m_window.press("space"); // plays
+        m_window.click({40, kHeader / 2});
+        ASSERT_TRUE(isHome());
+    };
+    visit(0); // what the first of all takes brings may stay
+    m_window.waitUntilStill();
+    const std::size_t threads = m_window.threads();
+    const std::size_t descriptors = m_window.descriptors();
+    for (int i = 0; i < 9; ++i) {
+        visit(i % 3);
+    }
+    EXPECT_TRUE(m_window.eventually([&] { return m_window.threads() <= threads; }));
+    EXPECT_TRUE(m_window.eventually([&] { return m_window.descriptors() <= descriptors; }));
+}
+
 TEST_F(TavlinWindowTest, isNoSmallerThanItsScreensNeed) {
     m_window.resize({300, 200});
     EXPECT_TRUE(m_window.eventually([&] { return m_window.size() == QSize(800, 600); }));
