@@ -204,6 +204,205 @@
     </message>
 </context>
 <context>
+    <name>Errors</name>
+    <message>
+        <source>&quot;%1&quot; is not there any more.</source>
+        <translation>„%1“ ist nicht mehr da.</translation>
+    </message>
+    <message>
+        <source>&quot;%1&quot; exists already.</source>
+        <translation>„%1“ gibt es schon.</translation>
+    </message>
+    <message>
+        <source>Cannot add microphone input.</source>
+        <translation>Das Mikrofon lässt sich nicht als Eingang hinzufügen.</translation>
+    </message>
+    <message>
+        <source>Cannot add audio output.</source>
+        <translation>Der Ton lässt sich nicht als Ausgang hinzufügen.</translation>
+    </message>
+    <message>
+        <source>Cannot add camera input.</source>
+        <translation>Die Kamera lässt sich nicht als Eingang hinzufügen.</translation>
+    </message>
+    <message>
+        <source>Cannot add camera output.</source>
+        <translation>Das Kamerabild lässt sich nicht als Ausgang hinzufügen.</translation>
+    </message>
+    <message>
+        <source>The system&apos;s media service does not answer; see that PipeWire runs.</source>
+        <translation>Der Mediendienst des Systems antwortet nicht; bitte prüfen, ob PipeWire läuft.</translation>
+    </message>
+    <message>
+        <source>%1 is not there; plug it in or choose another one.</source>
+        <translation>%1 ist nicht da; bitte anschließen oder ein anderes Gerät wählen.</translation>
+    </message>
+    <message>
+        <source>%1 can&apos;t be used; another program may have it, or permission is missing.</source>
+        <translation>%1 kann nicht benutzt werden; vielleicht hat es ein anderes Programm, oder die Erlaubnis fehlt.</translation>
+    </message>
+    <message>
+        <source>%1 delivers no format that can be recorded; choose another one.</source>
+        <translation>%1 liefert kein Format, das aufgenommen werden kann; bitte ein anderes Gerät wählen.</translation>
+    </message>
+    <message>
+        <source>%1 sends nothing; see that it is switched on, or plug it in again.</source>
+        <translation>%1 sendet nichts; bitte einschalten oder neu anschließen.</translation>
+    </message>
+    <message>
+        <source>%1 is not connected by the system; see that WirePlumber, or another session manager of PipeWire, runs.</source>
+        <translation>%1 wird vom System nicht verbunden; bitte prüfen, ob WirePlumber oder eine andere Sitzungsverwaltung von PipeWire läuft.</translation>
+    </message>
+    <message>
+        <source>%1 can&apos;t be used.</source>
+        <translation>%1 kann nicht benutzt werden.</translation>
+    </message>
+    <message>
+        <source>The device</source>
+        <translation>Das Gerät</translation>
+    </message>
+    <message>
+        <source>No display server could be reached; start this from a graphical session or set DISPLAY</source>
+        <translation>Kein Anzeigeserver ist erreichbar; bitte in einer grafischen Sitzung starten oder DISPLAY setzen</translation>
+    </message>
+    <message>
+        <source>This Wayland desktop has no portal for screen casts; install xdg-desktop-portal with the back end of this desktop and log in again</source>
+        <translation>Diese Wayland-Arbeitsfläche hat kein Portal für Bildschirmübertragungen; bitte xdg-desktop-portal mit der Anbindung dieser Arbeitsfläche installieren und neu anmelden</translation>
+    </message>
+    <message>
+        <source>The display server lacks an extension that recording needs</source>
+        <translation>Dem Anzeigeserver fehlt eine Erweiterung, die zum Aufnehmen gebraucht wird</translation>
+    </message>
+    <message>
+        <source>The display&apos;s pixel format can&apos;t be recorded; set it to 24-bit colour</source>
+        <translation>Das Pixelformat des Bildschirms kann nicht aufgenommen werden; bitte auf 24-Bit-Farbe stellen</translation>
+    </message>
+    <message>
+        <source>The chosen source is not there; `tavi sources` lists what is</source>
+        <translation>Die gewählte Quelle ist nicht da; `tavi sources` zeigt, was da ist</translation>
+    </message>
+    <message>
+        <source>The recorded window was closed</source>
+        <translation>Das aufgenommene Fenster wurde geschlossen</translation>
+    </message>
+    <message>
+        <source>The recorded display was disconnected or switched off</source>
+        <translation>Der aufgenommene Bildschirm wurde abgezogen oder ausgeschaltet</translation>
+    </message>
+    <message>
+        <source>The display server ended the connection</source>
+        <translation>Der Anzeigeserver hat die Verbindung beendet</translation>
+    </message>
+    <message>
+        <source>The desktop did not start its screen cast; try again, and log in again if that doesn&apos;t help</source>
+        <translation>Die Arbeitsfläche hat ihre Bildschirmübertragung nicht begonnen; bitte noch einmal versuchen und sich neu anmelden, wenn das nicht hilft</translation>
+    </message>
+    <message>
+        <source>The desktop ended the screen cast, or the recorded source was closed</source>
+        <translation>Die Arbeitsfläche hat die Bildschirmübertragung beendet, oder die aufgenommene Quelle wurde geschlossen</translation>
+    </message>
+    <message>
+        <source>The recording failed</source>
+        <translation>Die Aufnahme ist fehlgeschlagen</translation>
+    </message>
+    <message>
+        <source>A recording is running already; `tavi stop` ends it.</source>
+        <translation>Es läuft schon eine Aufnahme; `tavi stop` beendet sie.</translation>
+    </message>
+    <message>
+        <source>The folder %1 can&apos;t be used; set XDG_RUNTIME_DIR to a folder that is yours alone.</source>
+        <translation>Der Ordner %1 kann nicht benutzt werden; bitte XDG_RUNTIME_DIR auf einen Ordner setzen, der nur Ihnen gehört.</translation>
+    </message>
+    <message>
+        <source>The video can&apos;t be written.</source>
+        <translation>Das Video kann nicht geschrieben werden.</translation>
+    </message>
+    <message>
+        <source>The file can&apos;t be opened</source>
+        <translation>Die Datei lässt sich nicht öffnen</translation>
+    </message>
+    <message>
+        <source>The file is no video that can be read</source>
+        <translation>Die Datei ist kein lesbares Video</translation>
+    </message>
+    <message>
+        <source>No video track found in recording</source>
+        <translation>In der Aufnahme ist keine Videospur</translation>
+    </message>
+    <message>
+        <source>The video can&apos;t be decoded</source>
+        <translation>Das Video lässt sich nicht decodieren</translation>
+    </message>
+    <message>
+        <source>The file can&apos;t be written</source>
+        <translation>Die Datei lässt sich nicht schreiben</translation>
+    </message>
+    <message>
+        <source>The disk is full; free some space and try again</source>
+        <translation>Der Datenträger ist voll; bitte Platz schaffen und noch einmal versuchen</translation>
+    </message>
+    <message>
+        <source>No video encoder works on this machine; run &quot;tavi doctor&quot;</source>
+        <translation>Kein Video-Encoder arbeitet auf diesem Rechner; bitte „tavi doctor“ ausführen</translation>
+    </message>
+    <message>
+        <source>The video encoder failed</source>
+        <translation>Der Video-Encoder ist fehlgeschlagen</translation>
+    </message>
+    <message>
+        <source>Media error</source>
+        <translation>Medienfehler</translation>
+    </message>
+    <message>
+        <source>it is a folder</source>
+        <translation>sie ist ein Ordner</translation>
+    </message>
+    <message>
+        <source>it is empty</source>
+        <translation>sie ist leer</translation>
+    </message>
+    <message>
+        <source>it has no index: it was cut short or is still being written</source>
+        <translation>sie hat kein Verzeichnis: sie wurde abgebrochen oder wird noch geschrieben</translation>
+    </message>
+    <message>
+        <source>its format is not supported</source>
+        <translation>ihr Format wird nicht unterstützt</translation>
+    </message>
+    <message>
+        <source>it has no tracks</source>
+        <translation>sie hat keine Spuren</translation>
+    </message>
+    <message>
+        <source>its picture size is out of bounds</source>
+        <translation>ihre Bildgröße liegt außerhalb der Grenzen</translation>
+    </message>
+    <message>
+        <source>its sound&apos;s rate or number of channels is out of bounds</source>
+        <translation>Abtastrate oder Kanalzahl ihres Tons liegt außerhalb der Grenzen</translation>
+    </message>
+    <message>
+        <source>no picture could be decoded</source>
+        <translation>kein Bild konnte decodiert werden</translation>
+    </message>
+    <message>
+        <source>no sound could be decoded</source>
+        <translation>kein Ton konnte decodiert werden</translation>
+    </message>
+    <message>
+        <source>No video track found in recording.</source>
+        <translation>In der Aufnahme ist keine Videospur.</translation>
+    </message>
+    <message>
+        <source>Export was cancelled.</source>
+        <translation>Der Export wurde abgebrochen.</translation>
+    </message>
+    <message>
+        <source>Nothing was exported, no kept part of the take holds a picture</source>
+        <translation>Nichts wurde exportiert, kein behaltener Teil der Aufnahme enthält ein Bild</translation>
+    </message>
+</context>
+<context>
     <name>ExportOverlayView</name>
     <message>
         <source>Export Complete</source>

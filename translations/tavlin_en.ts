@@ -204,6 +204,205 @@
     </message>
 </context>
 <context>
+    <name>Errors</name>
+    <message>
+        <source>&quot;%1&quot; is not there any more.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>&quot;%1&quot; exists already.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Cannot add microphone input.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Cannot add audio output.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Cannot add camera input.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Cannot add camera output.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>The system&apos;s media service does not answer; see that PipeWire runs.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>%1 is not there; plug it in or choose another one.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>%1 can&apos;t be used; another program may have it, or permission is missing.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>%1 delivers no format that can be recorded; choose another one.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>%1 sends nothing; see that it is switched on, or plug it in again.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>%1 is not connected by the system; see that WirePlumber, or another session manager of PipeWire, runs.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>%1 can&apos;t be used.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>The device</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>No display server could be reached; start this from a graphical session or set DISPLAY</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>This Wayland desktop has no portal for screen casts; install xdg-desktop-portal with the back end of this desktop and log in again</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>The display server lacks an extension that recording needs</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>The display&apos;s pixel format can&apos;t be recorded; set it to 24-bit colour</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>The chosen source is not there; `tavi sources` lists what is</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>The recorded window was closed</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>The recorded display was disconnected or switched off</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>The display server ended the connection</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>The desktop did not start its screen cast; try again, and log in again if that doesn&apos;t help</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>The desktop ended the screen cast, or the recorded source was closed</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>The recording failed</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>A recording is running already; `tavi stop` ends it.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>The folder %1 can&apos;t be used; set XDG_RUNTIME_DIR to a folder that is yours alone.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>The video can&apos;t be written.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>The file can&apos;t be opened</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>The file is no video that can be read</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>No video track found in recording</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>The video can&apos;t be decoded</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>The file can&apos;t be written</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>The disk is full; free some space and try again</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>No video encoder works on this machine; run &quot;tavi doctor&quot;</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>The video encoder failed</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Media error</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>it is a folder</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>it is empty</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>it has no index: it was cut short or is still being written</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>its format is not supported</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>it has no tracks</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>its picture size is out of bounds</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>its sound&apos;s rate or number of channels is out of bounds</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>no picture could be decoded</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>no sound could be decoded</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>No video track found in recording.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Export was cancelled.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Nothing was exported, no kept part of the take holds a picture</source>
+        <translation type="unfinished"></translation>
+    </message>
+</context>
+<context>
     <name>ExportOverlayView</name>
     <message>
         <source>Export Complete</source>

@@ -3,6 +3,7 @@
 #include "app/PathText.h"
 #include "app/RecordingName.h"
 #include "app/RecordingTexts.h"
+#include "base/MessageText.h"
 
 #include <algorithm>
 #include <utility>
@@ -98,8 +99,7 @@ QString HomeViewModel::rename(const QString& id, const QString& text) {
         return problem;
     }
     if (const auto renamed = m_app.renameRecording(item, pathOf(name).string()); !renamed) {
-        return tr("Could not rename: %1")
-            .arg(QString::fromStdString(renamed.error().description()));
+        return tr("Could not rename: %1").arg(translated(renamed.error().message()));
     }
     tellWhatIsGone({item.url});
     return {};
@@ -114,8 +114,7 @@ QString HomeViewModel::deleteItem(const QString& id) {
     const auto deleted = m_app.deleteRecording(item);
     tellWhatIsGone({item.url});
     return deleted ? QString()
-                   : tr("Could not delete: %1")
-                         .arg(QString::fromStdString(deleted.error().description()));
+                   : tr("Could not delete: %1").arg(translated(deleted.error().message()));
 }
 
 QString HomeViewModel::deleteSelected() {
@@ -131,8 +130,7 @@ QString HomeViewModel::deleteSelected() {
     clearSelection();
     tellWhatIsGone(folders);
     return deleted ? QString()
-                   : tr("Could not delete: %1")
-                         .arg(QString::fromStdString(deleted.error().description()));
+                   : tr("Could not delete: %1").arg(translated(deleted.error().message()));
 }
 
 void HomeViewModel::tellWhatIsGone(const std::vector<std::filesystem::path>& folders) {

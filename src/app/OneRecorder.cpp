@@ -1,5 +1,7 @@
 #include "app/OneRecorder.h"
 
+#include "base/MessageText.h"
+
 #include <utility>
 
 namespace tavi {
@@ -43,7 +45,7 @@ void OneRecorder::follow() {
         m_lock.emplace(std::move(*lock));
     } else {
         m_model.cancelCountdown();
-        m_refuse(lock.error().description());
+        m_refuse(translated(lock.error().message()).toStdString());
     }
 }
 

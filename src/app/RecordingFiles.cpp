@@ -35,17 +35,17 @@ std::error_code renameToFreeName(const fs::path& from, const fs::path& to) {
 
 } // namespace
 
-std::string RecordingFileError::description() const {
-    const std::string name = "\"" + path.filename().string() + "\"";
+Message RecordingFileError::message() const {
+    const std::string name = path.filename().string();
     switch (kind) {
     case Kind::notFound:
-        return name + " is not there any more.";
+        return {TAVI_TEXT("Errors", "\"%1\" is not there any more."), {name}};
     case Kind::nameTaken:
-        return name + " exists already.";
+        return {TAVI_TEXT("Errors", "\"%1\" exists already."), {name}};
     case Kind::failed:
         break;
     }
-    return name + ": " + detail + ".";
+    return {"\"%1\": %2.", {name, detail}};
 }
 
 Result<void, RecordingFileError> removeRecording(const fs::path& folder) {

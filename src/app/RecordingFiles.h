@@ -1,5 +1,6 @@
 #pragma once
 
+#include "base/Message.h"
 #include "base/Result.h"
 
 #include <filesystem>
@@ -19,7 +20,8 @@ struct RecordingFileError {
     std::filesystem::path path; ///< What it happened to.
     std::string detail;         ///< The system's own words.
 
-    std::string description() const;
+    Message message() const;
+    std::string description() const { return message().english(); }
 };
 
 /// Removes a take's folder with everything in it. What was removed before a failure stays removed.

@@ -91,8 +91,8 @@ void TaviApp::openRecordingScreen() {
 }
 
 void TaviApp::takeEndedByItself(const QString& folder) {
-    m_appViewModel.setNotice(m_recordingViewModel ? m_recordingViewModel->failureText()
-                                                  : std::string());
+    m_appViewModel.setNotice(
+        m_recordingViewModel ? m_recordingViewModel->failureString().toStdString() : std::string());
     m_appViewModel.finishRecording(folder.isEmpty() ? std::nullopt : std::optional(pathOf(folder)));
 }
 

@@ -2,12 +2,12 @@
 
 namespace tavi {
 
-std::string AudioCaptureError::description() const {
+Message AudioCaptureError::message() const {
     switch (kind) {
     case Kind::cannotAddInput:
-        return "Cannot add microphone input.";
+        return TAVI_TEXT("Errors", "Cannot add microphone input.");
     case Kind::cannotAddOutput:
-        return "Cannot add audio output.";
+        return TAVI_TEXT("Errors", "Cannot add audio output.");
     case Kind::system:
         return reason;
     }

@@ -15,14 +15,15 @@ struct AudioCaptureError {
     };
 
     Kind kind = Kind::cannotAddInput;
-    std::string reason;
+    Message reason;
 
     static AudioCaptureError from(const CaptureDeviceError& error) {
-        return {Kind::system, error.description()};
+        return {Kind::system, error.message()};
     }
 
     /// One line for the user.
-    std::string description() const;
+    Message message() const;
+    std::string description() const { return message().english(); }
 
     bool operator==(const AudioCaptureError&) const = default;
 };

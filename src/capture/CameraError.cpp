@@ -2,12 +2,12 @@
 
 namespace tavi {
 
-std::string CameraError::description() const {
+Message CameraError::message() const {
     switch (kind) {
     case Kind::cannotAddInput:
-        return "Cannot add camera input.";
+        return TAVI_TEXT("Errors", "Cannot add camera input.");
     case Kind::cannotAddOutput:
-        return "Cannot add camera output.";
+        return TAVI_TEXT("Errors", "Cannot add camera output.");
     case Kind::system:
         return reason;
     }

@@ -16,15 +16,16 @@ struct CameraError {
     };
 
     Kind kind = Kind::cannotAddInput;
-    std::string reason;
+    Message reason;
 
     static CameraError from(const CaptureDeviceError& error) {
-        return {Kind::system, error.description()};
+        return {Kind::system, error.message()};
     }
-    static CameraError from(const MediaError& error) { return {Kind::system, error.description()}; }
+    static CameraError from(const MediaError& error) { return {Kind::system, error.message()}; }
 
     /// One line for the user.
-    std::string description() const;
+    Message message() const;
+    std::string description() const { return message().english(); }
 
     bool operator==(const CameraError&) const = default;
 };

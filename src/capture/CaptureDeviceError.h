@@ -1,5 +1,7 @@
 #pragma once
 
+#include "base/Message.h"
+
 #include <string>
 
 namespace tavi {
@@ -19,7 +21,8 @@ struct CaptureDeviceError {
     std::string device; ///< Its name for users; may be empty.
 
     /// One line for the user: what happened and what to do.
-    std::string description() const;
+    Message message() const;
+    std::string description() const { return message().english(); }
 
     bool operator==(const CaptureDeviceError&) const = default;
 };

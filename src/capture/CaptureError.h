@@ -1,5 +1,7 @@
 #pragma once
 
+#include "base/Message.h"
+
 #include <string>
 
 namespace tavi {
@@ -17,15 +19,17 @@ struct CaptureError {
         connectionLost,    ///< The display server went away during the take.
         castRefused,       ///< The desktop did not start its screen cast.
         castEnded,         ///< The desktop, or its user there, ended the screen cast.
-        writer,            ///< The file can't be made or written; `detail` is a whole sentence.
-        camera,            ///< The camera can't be recorded; `detail` is a whole sentence.
+        writer,            ///< The file can't be made or written; `cause` says why.
+        camera,            ///< The camera can't be recorded; `cause` says why.
     };
 
     Kind kind = Kind::noWindowSystem;
     std::string detail; ///< What it was about: a display's name, an extension; may be empty.
+    Message cause;      ///< A whole sentence, where the kind tells less than another error.
 
     /// One line for the user: what happened and what to do.
-    std::string description() const;
+    Message message() const;
+    std::string description() const { return message().english(); }
 
     bool operator==(const CaptureError&) const = default;
 };

@@ -33,13 +33,14 @@ bool isPrivate(const std::filesystem::path& folder) {
 
 } // namespace
 
-std::string RecorderLockError::description() const {
+Message RecorderLockError::message() const {
     switch (kind) {
     case Kind::alreadyRunning:
-        return "A recording is running already; `tavi stop` ends it.";
+        return TAVI_TEXT("Errors", "A recording is running already; `tavi stop` ends it.");
     case Kind::noFolder:
-        return "The folder " + detail +
-               " can't be used; set XDG_RUNTIME_DIR to a folder that is yours alone.";
+        return {TAVI_TEXT("Errors", "The folder %1 can't be used; set XDG_RUNTIME_DIR to a folder "
+                                    "that is yours alone."),
+                {detail}};
     }
     return detail;
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "base/Message.h"
 #include "base/Result.h"
 
 #include <filesystem>
@@ -19,7 +20,8 @@ struct RecorderLockError {
     Kind kind = Kind::noFolder;
     std::string detail;
 
-    std::string description() const;
+    Message message() const;
+    std::string description() const { return message().english(); }
 };
 
 /// One recorder per user: held from before a take starts until its files are

@@ -325,7 +325,7 @@ void RecordingViewModel::tick() {
 void RecordingViewModel::watchTake() {
     tick();
     const auto interruption = m_recorder->interruption();
-    publish(m_interruptionText, interruption ? interruption->description() : std::string(),
+    publish(m_interruption, interruption ? interruption->message() : Message(),
             &RecordingViewModel::interruptionTextChanged);
     if (m_recorder->failure()) {
         endByItself();
@@ -369,7 +369,7 @@ void RecordingViewModel::reset() {
     setFailure(m_recorder->failure());
     m_recorder.reset();
     m_wakeLock.reset();
-    publish(m_interruptionText, {}, &RecordingViewModel::interruptionTextChanged);
+    publish(m_interruption, {}, &RecordingViewModel::interruptionTextChanged);
     publish(m_isRecording, false, &RecordingViewModel::isRecordingChanged);
     publish(m_elapsedTime, 0.0, &RecordingViewModel::elapsedTimeChanged);
     publish(m_isStopping, false, &RecordingViewModel::isStoppingChanged);

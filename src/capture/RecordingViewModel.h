@@ -1,5 +1,6 @@
 #pragma once
 
+#include "base/MessageText.h"
 #include "capture/CaptureMode.h"
 #include "capture/CountdownOverlayService.h"
 #include "capture/CursorMode.h"
@@ -149,7 +150,7 @@ public:
     std::string failureText() const { return m_failure ? m_failure->description() : ""; }
 
     /// Why the camera or the microphone sends nothing now, for the user; empty while all is well.
-    const std::string& interruptionText() const { return m_interruptionText; }
+    std::string interruptionText() const { return m_interruption.english(); }
 
     /// The folder of the last take that was saved; empty before the first.
     const std::filesystem::path& folder() const { return m_folder; }
@@ -207,8 +208,10 @@ public:
     QString pointerWarning() const;
     QString captureModeName() const; ///< The raw value.
     void setCaptureModeName(const QString& name);
-    QString failureString() const { return QString::fromStdString(failureText()); }
-    QString interruptionString() const { return QString::fromStdString(m_interruptionText); }
+    QString failureString() const {
+        return m_failure ? translated(m_failure->message()) : QString();
+    }
+    QString interruptionString() const { return translated(m_interruption); }
 
 signals:
     void availableDisplaysChanged();
@@ -294,7 +297,7 @@ private:
     bool m_isStopping = false;
     double m_elapsedTime = 0;
     std::optional<CaptureError> m_failure;
-    std::string m_interruptionText;
+    Message m_interruption;
     std::string m_microphoneError;
     std::filesystem::path m_folder;
 

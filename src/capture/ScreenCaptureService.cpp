@@ -11,7 +11,7 @@ int roundedUpToEven(int length) {
 }
 
 CaptureError writerError(const MediaError& error) {
-    return {CaptureError::Kind::writer, error.description()};
+    return {CaptureError::Kind::writer, {}, error.message()};
 }
 
 } // namespace
@@ -202,7 +202,9 @@ std::optional<CaptureError> ScreenCaptureService::failure() const {
     if (m_assetWriter && m_assetWriter->status() == AssetWriterStatus::failed) {
         const auto error = m_assetWriter->error();
         return error ? writerError(*error)
-                     : CaptureError{CaptureError::Kind::writer, "The video can't be written."};
+                     : CaptureError{CaptureError::Kind::writer,
+                                    {},
+                                    TAVI_TEXT("Errors", "The video can't be written.")};
     }
     return std::nullopt;
 }

@@ -109,7 +109,7 @@ Result<void, CaptureError> TakeRecorder::startCamera(TakeDevices& devices) {
         service->startCapture(*devices.camera, m_folder / take::kCamera, microphone);
     if (!started) {
         abandonJournal();
-        return fail(CaptureError{CaptureError::Kind::camera, started.error().description()});
+        return fail(CaptureError{CaptureError::Kind::camera, {}, started.error().message()});
     }
     m_cameraCaptureService = std::move(service);
     return {};

@@ -186,7 +186,7 @@ void TakeRunner::watch() {
     RecordingViewModel& model = m_ports.model;
     QEventLoop loop;
     const auto look = [&] {
-        const std::string& trouble = model.interruptionText();
+        const std::string trouble = model.interruptionText();
         m_ports.line.show(trouble.empty() ? elapsedText(model.elapsedTime()) : trouble);
         const double left = m_options.duration.value_or(INFINITY) - model.elapsedTime();
         if (left <= 0) {

@@ -1,5 +1,6 @@
 #include "editor/EditorScreenViewModel.h"
 
+#include "base/MessageText.h"
 #include "editor/EditorText.h"
 
 #include <algorithm>
@@ -88,7 +89,7 @@ QString EditorScreenViewModel::remainingText(double seconds) {
 }
 
 QString EditorScreenViewModel::exportError() const {
-    return QString::fromStdString(m_export->error().value_or(""));
+    return translated(m_export->errorMessage().value_or(Message()));
 }
 
 void EditorScreenViewModel::startExport() {

@@ -7,36 +7,34 @@ namespace {
 const char* sentence(MediaError::Kind kind) {
     switch (kind) {
     case MediaError::Kind::notFound:
-        return "The file can't be opened";
+        return TAVI_TEXT("Errors", "The file can't be opened");
     case MediaError::Kind::notMedia:
-        return "The file is no video that can be read";
+        return TAVI_TEXT("Errors", "The file is no video that can be read");
     case MediaError::Kind::noVideoTrack:
-        return "No video track found in recording";
+        return TAVI_TEXT("Errors", "No video track found in recording");
     case MediaError::Kind::cannotDecode:
-        return "The video can't be decoded";
+        return TAVI_TEXT("Errors", "The video can't be decoded");
     case MediaError::Kind::cannotWrite:
-        return "The file can't be written";
+        return TAVI_TEXT("Errors", "The file can't be written");
     case MediaError::Kind::diskFull:
-        return "The disk is full; free some space and try again";
+        return TAVI_TEXT("Errors", "The disk is full; free some space and try again");
     case MediaError::Kind::noEncoder:
-        return "No video encoder works on this machine; run \"tavi doctor\"";
+        return TAVI_TEXT("Errors", "No video encoder works on this machine; run \"tavi doctor\"");
     case MediaError::Kind::cannotEncode:
-        return "The video encoder failed";
+        return TAVI_TEXT("Errors", "The video encoder failed");
     }
-    return "Media error";
+    return TAVI_TEXT("Errors", "Media error");
 }
 
 } // namespace
 
-std::string MediaError::description() const {
-    std::string text = sentence(kind);
-    if (!file.empty()) {
-        text += ": " + file;
+Message MediaError::message() const {
+    const Message what = sentence(kind);
+    if (file.empty()) {
+        return reason.empty() ? what : Message("%1 (%2)", {what, reason});
     }
-    if (!reason.empty()) {
-        text += " (" + reason + ")";
-    }
-    return text;
+    return reason.empty() ? Message("%1: %2", {what, file})
+                          : Message("%1: %2 (%3)", {what, file, reason});
 }
 
 } // namespace tavi

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "base/Message.h"
+
 #include <string>
 
 namespace tavi {
@@ -22,7 +24,8 @@ struct MediaError {
     std::string reason; ///< What the system or the library said; may be empty.
 
     /// One line for the user: what happened, to which file, what to do.
-    std::string description() const;
+    Message message() const;
+    std::string description() const { return message().english(); }
 };
 
 } // namespace tavi

@@ -2,21 +2,25 @@
 
 namespace tavi {
 
-std::string description(ExportError error) {
+Message messageOf(ExportError error) {
     switch (error) {
     case ExportError::noVideoTrack:
-        return "No video track found in recording.";
+        return TAVI_TEXT("Errors", "No video track found in recording.");
     case ExportError::cancelled:
-        return "Export was cancelled.";
+        return TAVI_TEXT("Errors", "Export was cancelled.");
     }
     return {};
 }
 
-std::string description(const ExportFailure& failure) {
+Message messageOf(const ExportFailure& failure) {
     if (const auto* own = std::get_if<ExportError>(&failure)) {
-        return description(*own);
+        return messageOf(*own);
     }
-    return std::get<MediaError>(failure).description();
+    return std::get<MediaError>(failure).message();
+}
+
+std::string description(const ExportFailure& failure) {
+    return messageOf(failure).english();
 }
 
 } // namespace tavi

@@ -13,13 +13,14 @@ enum class ExportError {
     cancelled,
 };
 
-/// The text for the user.
-std::string description(ExportError error);
+/// For the user.
+Message messageOf(ExportError error);
 
 /// Our own errors, and those of the media stack as they come.
 using ExportFailure = std::variant<ExportError, MediaError>;
 
-/// The text for the user.
+/// For the user.
+Message messageOf(const ExportFailure& failure);
 std::string description(const ExportFailure& failure);
 
 } // namespace tavi

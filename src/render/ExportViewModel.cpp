@@ -123,7 +123,7 @@ void ExportViewModel::finish(const VideoExportService* service, const std::files
     }
     // A film that is silently broken serves nobody: a writer that failed is a failure.
     const auto problem =
-        outcome ? problemOf(*outcome, output) : std::optional(description(outcome.error()));
+        outcome ? problemOf(*outcome, output) : std::optional(messageOf(outcome.error()));
     if (problem) {
         publish(m_error, problem, &ExportViewModel::errorChanged);
     } else {

@@ -44,7 +44,12 @@ public:
     double progress() const { return m_progress; }     ///< From 0 to about 1.
     bool isExporting() const { return m_isExporting; } ///< Choosing a file counts.
     const std::optional<std::filesystem::path>& exportedURL() const { return m_exportedURL; }
-    const std::optional<std::string>& error() const { return m_error; } ///< For the user.
+    /// For the user; absent while all is well.
+    const std::optional<Message>& errorMessage() const { return m_error; }
+    /// The same in English.
+    std::optional<std::string> error() const {
+        return m_error ? std::optional(m_error->english()) : std::nullopt;
+    }
 
     /// Seconds; absent until two percent are done, which are too noisy to judge by.
     std::optional<double> estimatedTimeRemaining() const { return m_estimatedTimeRemaining; }
@@ -92,7 +97,7 @@ private:
     double m_progress = 0;
     bool m_isExporting = false;
     std::optional<std::filesystem::path> m_exportedURL;
-    std::optional<std::string> m_error;
+    std::optional<Message> m_error;
     std::optional<double> m_estimatedTimeRemaining;
     std::optional<ExportReport> m_report;
     std::shared_ptr<VideoExportService> m_exportService; ///< Of the last export.

@@ -17,13 +17,14 @@ constexpr std::int64_t kQhdPixels = 3'686'400;
 
 } // namespace
 
-std::optional<std::string> problemOf(const ExportReport& report,
-                                     const std::filesystem::path& output) {
+std::optional<Message> problemOf(const ExportReport& report, const std::filesystem::path& output) {
     if (report.writerError) {
-        return report.writerError->description();
+        return report.writerError->message();
     }
     if (!report.hasFile()) {
-        return "Nothing was exported, no kept part of the take holds a picture: " + output.string();
+        return Message("%1: %2", {TAVI_TEXT("Errors", "Nothing was exported, no kept part of the "
+                                                      "take holds a picture"),
+                                  output.string()});
     }
     return std::nullopt;
 }

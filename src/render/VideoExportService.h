@@ -33,8 +33,7 @@ struct ExportReport {
 
 /// Why an export that ran to its end left no film at `output`, for the user; absent
 /// when there is one.
-std::optional<std::string> problemOf(const ExportReport& report,
-                                     const std::filesystem::path& output);
+std::optional<Message> problemOf(const ExportReport& report, const std::filesystem::path& output);
 
 /// Turns a project with its take into an MP4: reads every kept range frame by
 /// frame, composes a new picture for each point of a regular grid and encodes it.

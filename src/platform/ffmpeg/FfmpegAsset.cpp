@@ -36,13 +36,13 @@ std::optional<MediaError> plainFileError(const fs::path& path) {
                           failure ? failure.message() : std::strerror(ENOENT));
     }
     if (fs::is_directory(status)) {
-        return mediaError(Kind::notMedia, path, "it is a folder");
+        return mediaError(Kind::notMedia, path, TAVI_TEXT("Errors", "it is a folder"));
     }
     if (::access(path.c_str(), R_OK) != 0) {
         return mediaError(Kind::notFound, path, std::strerror(errno));
     }
     if (fs::is_regular_file(status) && fs::file_size(path, failure) == 0) {
-        return mediaError(Kind::notMedia, path, "it is empty");
+        return mediaError(Kind::notMedia, path, TAVI_TEXT("Errors", "it is empty"));
     }
     return std::nullopt;
 }
@@ -50,9 +50,10 @@ std::optional<MediaError> plainFileError(const fs::path& path) {
 std::string refusalReason(const fs::path& path, int code) {
     const MovieHeader header = readMovieHeader(path);
     if (header.isMovie && !header.hasIndex) {
-        return "it has no index: it was cut short or is still being written";
+        return TAVI_TEXT("Errors", "it has no index: it was cut short or is still being written");
     }
-    return code == AVERROR(EINVAL) ? "its format is not supported" : ffmpegReason(code);
+    return code == AVERROR(EINVAL) ? TAVI_TEXT("Errors", "its format is not supported")
+                                   : ffmpegReason(code);
 }
 
 bool isIncomplete(const AVFormatContext& input) {
@@ -124,7 +125,8 @@ Result<InputHandle, MediaError> openInput(const fs::path& path) {
         avformat_find_stream_info(input.get(), nullptr);
     }
     if (input->nb_streams == 0) {
-        return fail(mediaError(MediaError::Kind::notMedia, path, "it has no tracks"));
+        return fail(
+            mediaError(MediaError::Kind::notMedia, path, TAVI_TEXT("Errors", "it has no tracks")));
     }
     return input;
 }

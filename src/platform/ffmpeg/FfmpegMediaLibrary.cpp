@@ -38,7 +38,7 @@ FfmpegMediaLibrary::makeVideoReader(const Asset& asset, const VideoTrack& track,
     const Size size = track.naturalSize;
     if (!isReasonable(size)) {
         return fail(mediaError(MediaError::Kind::cannotDecode, asset.path,
-                               "its picture size is out of bounds"));
+                               TAVI_TEXT("Errors", "its picture size is out of bounds")));
     }
     auto decoder = VideoDecoder::open(asset.path, track.index);
     if (!decoder) {
@@ -52,8 +52,9 @@ FfmpegMediaLibrary::makeVideoReader(const Asset& asset, const VideoTrack& track,
 Result<std::unique_ptr<AudioReader>, MediaError>
 FfmpegMediaLibrary::makeAudioReader(const Asset& asset, const AudioTrack& track) {
     if (!isReasonable(track)) {
-        return fail(mediaError(MediaError::Kind::cannotDecode, asset.path,
-                               "its sound's rate or number of channels is out of bounds"));
+        return fail(mediaError(
+            MediaError::Kind::cannotDecode, asset.path,
+            TAVI_TEXT("Errors", "its sound's rate or number of channels is out of bounds")));
     }
     auto decoder = AudioDecoder::open(asset.path, track.index, track.sampleRate, track.channels);
     if (!decoder) {

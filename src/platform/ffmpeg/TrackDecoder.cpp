@@ -174,7 +174,8 @@ void TrackDecoder::noteEnd() {
     }
     const bool isVideo = m_type == AVMEDIA_TYPE_VIDEO;
     if (!m_hasDecoded && !m_error && (isVideo || m_hasPackets)) {
-        m_error = unreadable(isVideo ? "no picture could be decoded" : "no sound could be decoded");
+        m_error = unreadable(isVideo ? TAVI_TEXT("Errors", "no picture could be decoded")
+                                     : TAVI_TEXT("Errors", "no sound could be decoded"));
     }
 }
 
