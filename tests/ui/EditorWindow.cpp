@@ -149,6 +149,18 @@ void EditorWindow::enter(const QString& field, const std::string& text) {
     press("Return");
 }
 
+bool EditorWindow::dialogStandsBeforeTheWindow() {
+    const std::string found = output(QStringLiteral("xdotool"),
+                                     {QStringLiteral("search"), QStringLiteral("--onlyvisible"),
+                                      QStringLiteral("--name"), QStringLiteral("^Export$")});
+    const std::string parent =
+        output(QStringLiteral("xprop"),
+               {QStringLiteral("-id"), QString::fromStdString(found).section(u'\n', 0, 0),
+                QStringLiteral("WM_TRANSIENT_FOR")});
+    return QString::fromStdString(parent).contains(
+        QStringLiteral("# 0x%1").arg(std::stoul(id()), 0, 16));
+}
+
 void EditorWindow::chooseFile(const std::string& name) {
     const auto isOpen = [this] {
         return !output(QStringLiteral("xdotool"),
@@ -157,6 +169,7 @@ void EditorWindow::chooseFile(const std::string& name) {
                     .empty();
     };
     ASSERT_TRUE(eventually(isOpen)) << "no dialog";
+    EXPECT_TRUE(eventually([this] { return dialogStandsBeforeTheWindow(); }));
     pass(0.3); // until it has the keyboard
     press("ctrl+a");
     type((library() / name).string());

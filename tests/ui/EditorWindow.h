@@ -72,6 +72,7 @@ private:
         double width = 0;
     };
     Track track();
+    bool dialogStandsBeforeTheWindow();
     void makeTake();
     void makeFilm(const char* name, const char* source);
 

@@ -297,7 +297,7 @@ TEST_F(EditorWindowTest, exportsAndCancels) {
     m_window.expectChanges({{"outputSettings.fps", 24},
                             {"outputSettings.resolution[0]", 320},
                             {"outputSettings.resolution[1]", 180}});
-    m_window.chooseFile("second.mp4");
+    m_window.chooseFile("second"); // the extension comes by itself
     m_window.find("Export Complete");
     EXPECT_EQ(m_window.probe("second.mp4"), "hevc,hvc1,320,180,24/1,192\n");
     m_window.click("Close");

@@ -71,6 +71,8 @@ protected:
     /// For the program, before it is started.
     void setVariable(const QString& name, const QString& value);
     const TemporaryFolder& folder() const { return m_folder; }
+    /// The window's number in the X server, in decimal digits.
+    const std::string& id() const { return m_window; }
 
 private:
     QStringList moveTo(QPoint place) const;
