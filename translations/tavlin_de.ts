@@ -778,6 +778,25 @@
     </message>
 </context>
 <context>
+    <name>LeaveAlert</name>
+    <message>
+        <source>Stop Exporting?</source>
+        <translation>Export abbrechen?</translation>
+    </message>
+    <message>
+        <source>The film isn&apos;t finished yet. Leaving the recording now cancels its export.</source>
+        <translation>Der Film ist noch nicht fertig. Wer die Aufnahme jetzt verlässt, bricht den Export ab.</translation>
+    </message>
+    <message>
+        <source>Keep Exporting</source>
+        <translation>Weiter exportieren</translation>
+    </message>
+    <message>
+        <source>Stop and Leave</source>
+        <translation>Abbrechen und verlassen</translation>
+    </message>
+</context>
+<context>
     <name>LibraryDialogs</name>
     <message>
         <source>Rename Recording</source>
@@ -1323,6 +1342,10 @@ Bitte erteilen Sie sie in den Einstellungen Ihres Desktops.</translation>
     <message>
         <source>The pointer of this desktop can&apos;t be followed, so nothing can be recorded here.</source>
         <translation>Dem Zeiger dieses Desktops kann nicht gefolgt werden; darum kann hier nichts aufgenommen werden.</translation>
+    </message>
+    <message>
+        <source>An export is running. Open the other recording when it is done.</source>
+        <translation>Es läuft ein Export. Die andere Aufnahme bitte öffnen, wenn er fertig ist.</translation>
     </message>
 </context>
 <context>

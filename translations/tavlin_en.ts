@@ -778,6 +778,25 @@
     </message>
 </context>
 <context>
+    <name>LeaveAlert</name>
+    <message>
+        <source>Stop Exporting?</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>The film isn&apos;t finished yet. Leaving the recording now cancels its export.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Keep Exporting</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Stop and Leave</source>
+        <translation type="unfinished"></translation>
+    </message>
+</context>
+<context>
     <name>LibraryDialogs</name>
     <message>
         <source>Rename Recording</source>
@@ -1321,6 +1340,10 @@ Please grant permission in your desktop&apos;s settings.</translation>
     <name>tavi::TaviApp</name>
     <message>
         <source>The pointer of this desktop can&apos;t be followed, so nothing can be recorded here.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>An export is running. Open the other recording when it is done.</source>
         <translation type="unfinished"></translation>
     </message>
 </context>

@@ -14,6 +14,13 @@ Rectangle {
     readonly property alias screen: screen.item
     readonly property alias settings: settings
     readonly property alias noticeAlert: noticeAlert
+    /// Something would be lost if the program ended now.
+    readonly property bool isBusy: screen.item?.isExporting ?? false
+
+    /// Calls `go`, or lets the user keep what runs.
+    function leave(go: var) {
+        isBusy ? screen.item.leave(go) : go()
+    }
 
     color: AppPalette.background
 

@@ -7,6 +7,18 @@ Window {
     id: window
 
     required property QtObject taviApp
+    /// The user knows what is lost with the window.
+    property bool isAgreed: false
+
+    onClosing: close => {
+        if (!content.isBusy || isAgreed)
+            return
+        close.accepted = false
+        content.leave(() => {
+            window.isAgreed = true
+            window.close()
+        })
+    }
 
     width: 1120
     height: 720
@@ -22,9 +34,10 @@ Window {
     }
     Shortcut {
         sequences: [StandardKey.Quit]
-        onActivated: Qt.quit()
+        onActivated: content.leave(Qt.quit)
     }
     ContentView {
+        id: content
         anchors.fill: parent
         focus: true
         taviApp: window.taviApp

@@ -96,6 +96,15 @@ void TaviApp::takeEndedByItself(const QString& folder) {
     m_appViewModel.finishRecording(folder.isEmpty() ? std::nullopt : std::optional(pathOf(folder)));
 }
 
+void TaviApp::openTake(const std::filesystem::path& folder) {
+    if (m_editorScreen && m_editorScreen->exportState() == QLatin1String("exporting")) {
+        m_appViewModel.setNoticeText(
+            tr("An export is running. Open the other recording when it is done."));
+    } else {
+        m_appViewModel.openTake(folder);
+    }
+}
+
 void TaviApp::stopTake() {
     if (RecordingStatusBarService* item = m_appViewModel.statusBarService()) {
         item->stopRecording();

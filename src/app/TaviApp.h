@@ -74,6 +74,10 @@ public:
     RecordingViewModel* recordingViewModel() { return m_recordingViewModel.get(); }
     EditorScreenViewModel* editorScreen() { return m_editorScreen.get(); }
 
+    /// Opens a take from outside. While a film is made of the open one, that stays, and a notice
+    /// says so.
+    void openTake(const std::filesystem::path& folder);
+
     /// Ends the running take as a click on the status item would; nothing without one.
     void stopTake();
 

@@ -43,7 +43,7 @@ void describeProgram(QApplication& application) {
 /// Shows what is already open, and the take on it.
 void showFromOutside(TaviApp& app, QtApplicationWindows& windows, const QString& take) {
     if (!take.isEmpty()) {
-        app.appViewModel()->openTake(pathOf(take));
+        app.openTake(pathOf(take));
     }
     // Under X11 the task bar brings back a window that is away for a take. Under Wayland there may
     // be none: who starts the program again wants to see it.

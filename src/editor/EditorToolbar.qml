@@ -12,6 +12,9 @@ Rectangle {
     /// Too narrow for the words of all buttons.
     readonly property bool isNarrow: width < 950
 
+    /// The way to the library was chosen.
+    signal back
+
     implicitHeight: Theme.headerHeight
     color: AppPalette.surface
 
@@ -25,7 +28,7 @@ Rectangle {
         BackButton {
             text: bar.isNarrow ? "" : qsTr("Library")
             hint: bar.isNarrow ? qsTr("Library") : ""
-            onClicked: bar.appViewModel.leaveEditor()
+            onClicked: bar.back()
         }
         IconButton {
             symbol: "gearshape"

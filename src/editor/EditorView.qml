@@ -9,6 +9,13 @@ Rectangle {
     required property QtObject appViewModel
     required property QtObject screen
     property alias selectedTab: inspector.selectedTab
+    /// Leaving would lose a film that is being made.
+    readonly property bool isExporting: screen.exportState === "exporting"
+
+    /// Calls `go`, or lets the user keep what runs.
+    function leave(go: var) {
+        leaveAlert.leave(go)
+    }
 
     color: AppPalette.background
 
@@ -22,6 +29,7 @@ Rectangle {
         z: 1
         appViewModel: view.appViewModel
         screen: view.screen
+        onBack: view.leave(() => view.appViewModel.leaveEditor())
     }
     Item {
         id: left
@@ -71,5 +79,9 @@ Rectangle {
         anchors.right: parent.right
         width: 300
         screen: view.screen
+    }
+    LeaveAlert {
+        id: leaveAlert
+        isExporting: view.isExporting
     }
 }

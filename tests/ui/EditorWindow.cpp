@@ -177,6 +177,10 @@ void EditorWindow::chooseFile(const std::string& name) {
     ASSERT_TRUE(eventually([&] { return !isOpen(); }));
 }
 
+void EditorWindow::openFromOutside() {
+    output(QStringLiteral(TAVI_BINARY_DIR "/tavlin"), {QString::fromStdString(take().string())});
+}
+
 std::string EditorWindow::tavi(const QStringList& arguments) {
     return output(QStringLiteral(TAVI_BINARY_DIR "/tavi"), arguments);
 }

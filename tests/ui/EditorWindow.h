@@ -58,6 +58,8 @@ public:
     void expectChanges(const std::vector<Change>& expected);
     void expectNoChange();
 
+    /// Starts the program once more, with the same take.
+    void openFromOutside();
     /// What the command line prints.
     std::string tavi(const QStringList& arguments);
     /// "codec,tag,width,height,rate,frames" of a film in the library.

@@ -305,6 +305,34 @@ TEST_F(EditorWindowTest, exportsAndCancels) {
     m_window.expectNoChange();
 }
 
+TEST_F(EditorWindowTest, aRunningExportIsNotLostWithoutAQuestion) {
+    m_window.click("Export", {}, 1);
+    m_window.click("4K"); // it takes a while
+    m_window.click("60 fps");
+    m_window.click("Export");
+    m_window.chooseFile("film.mp4");
+    m_window.find("Exporting");
+    m_window.click("Library");
+    m_window.click("Keep Exporting");
+    m_window.find("Exporting");
+    EXPECT_TRUE(m_window.eventually([&] { return !m_window.shows("Keep Exporting"); }));
+
+    m_window.openFromOutside();
+    m_window.click("OK");
+    EXPECT_TRUE(m_window.eventually([&] { return !m_window.shows("OK"); }));
+    m_window.find("Exporting");
+
+    m_window.press("alt+F4");
+    m_window.click("Keep Exporting");
+    EXPECT_TRUE(m_window.eventually([&] { return !m_window.shows("Keep Exporting"); }));
+    m_window.find("Exporting");
+
+    m_window.press("ctrl+q");
+    m_window.click("Stop and Leave");
+    EXPECT_TRUE(m_window.hasEnded());
+    EXPECT_FALSE(exists("film.mp4"));
+}
+
 TEST_F(EditorWindowTest, keysAreTheEditorsUnlessTextIsTyped) {
     goTo(1);
     for (int i = 0; i < 20 && !m_window.find("Keyframe").isFocused(); ++i) {
