@@ -42,19 +42,22 @@ MouseArea {
 
     onPressed: mouse => {
         if (mouse.button === Qt.RightButton) {
-            openMenu(mouse)
+            if (!(mouse.buttons & Qt.LeftButton)) // else something is being dragged
+                openMenu(mouse)
         } else if (mouse.y >= lanesTop) {
             lane = laneAt(mouse.y)
             timeline.press(lane, mouse.x - padding, mouse.y - laneTop(lane))
         }
     }
     onPositionChanged: mouse => {
-        if (pressed)
+        if (pressedButtons & Qt.LeftButton)
             timeline.move(mouse.x - padding, mouse.y - laneTop(lane))
         else
             showPointer(mouse)
     }
     onReleased: mouse => {
+        if (mouse.button !== Qt.LeftButton)
+            return
         timeline.release(mouse.x - padding, mouse.y - laneTop(lane))
         showPointer(mouse)
     }
