@@ -4,6 +4,8 @@
 
 #include <algorithm>
 #include <cassert>
+#include <filesystem>
+#include <system_error>
 #include <utility>
 
 namespace tavi {
@@ -154,7 +156,14 @@ Result<void, MediaError> FfmpegAssetWriter::completeFile() {
     if (m_sessionStart && m_sessionEnd) {
         end = (*m_sessionEnd - *m_sessionStart).rescaled(m_timescale).value;
     }
-    return m_file.finish(end);
+    auto finished = m_file.finish(end);
+    std::error_code error;
+    if (finished && !std::filesystem::exists(m_path, error)) {
+        // It was deleted or moved meanwhile, which nothing that is open hears of.
+        const auto gone = std::make_error_code(std::errc::no_such_file_or_directory);
+        return fail(MediaError{MediaError::Kind::cannotWrite, m_path.string(), gone.message()});
+    }
+    return finished;
 }
 
 void FfmpegAssetWriter::cancelWriting() {

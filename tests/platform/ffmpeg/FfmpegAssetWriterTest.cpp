@@ -422,6 +422,19 @@ TEST(FfmpegAssetWriter, cancelLeavesNothing) {
     }
 }
 
+TEST(FfmpegAssetWriter, aMovieWhoseFolderWasDeletedMeanwhileIsTold) {
+    const fs::path folder = freshFolder("deleted");
+    const fs::path file = folder / "video.mov";
+    const Writing writing(file, FileType::quickTimeMovie);
+    EXPECT_TRUE(writing.append(numbered(0), {0, 600}));
+    fs::remove_all(folder);
+    const auto finished = writing.writer->finishWriting();
+    ASSERT_FALSE(finished);
+    EXPECT_EQ(finished.error().kind, Kind::cannotWrite);
+    EXPECT_NE(finished.error().description().find(file.string()), std::string::npos);
+    EXPECT_EQ(writing.writer->status(), Status::failed);
+}
+
 TEST(FfmpegAssetWriter, aWriterThatGoesAwayLeavesNothing) {
     const fs::path folder = freshFolder("dropped");
     { const Writing writing(folder / "video.mp4", FileType::mp4); }
