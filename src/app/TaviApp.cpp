@@ -86,13 +86,20 @@ void TaviApp::openRecordingScreen() {
             m_appViewModel.openFinishedTake(pathOf(folder));
         }
     });
+    connect(model, &RecordingViewModel::isRecordingChanged, this,
+            [this, model] { tellFailureOf(*model); });
     connect(model, &RecordingViewModel::recordingEnded, this, &TaviApp::takeEndedByItself);
     emit recordingViewModelChanged();
 }
 
+/// What became of a take that ended: its file may have failed at the last moment only.
+void TaviApp::tellFailureOf(const RecordingViewModel& model) {
+    if (!model.isRecording() && !model.failureString().isEmpty()) {
+        m_appViewModel.setNoticeText(model.failureString());
+    }
+}
+
 void TaviApp::takeEndedByItself(const QString& folder) {
-    m_appViewModel.setNotice(
-        m_recordingViewModel ? m_recordingViewModel->failureString().toStdString() : std::string());
     m_appViewModel.finishRecording(folder.isEmpty() ? std::nullopt : std::optional(pathOf(folder)));
 }
 

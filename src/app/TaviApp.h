@@ -90,6 +90,7 @@ private:
     void closeEditor();
     void openRecordingScreen();
     void closeRecordingScreen();
+    void tellFailureOf(const RecordingViewModel& model);
     void takeEndedByItself(const QString& folder);
 
     std::function<std::unique_ptr<RecordingViewModel>()> m_makeRecording;

@@ -77,6 +77,17 @@ protected:
         program->appViewModel()->newRecording();
     }
 
+    /// Records a moment of the first display.
+    RecordingViewModel& startTakeOfProgram() {
+        openRecordingScreen();
+        RecordingViewModel& recording = *program->recordingViewModel();
+        run(recording.loadSources());
+        run(recording.startRecording());
+        EXPECT_TRUE(recording.isRecording()) << messages.str();
+        sendFirstFrame();
+        return recording;
+    }
+
     test::TemporaryFolder lockFolder;
     CallLog playing;
     FakePlayers players{playing};
@@ -176,6 +187,19 @@ TEST_F(TaviAppTest, withoutAPlaceForTheLockTheCountdownEndsAndTheUserIsTold) {
     recording->startCountdown([] {});
     EXPECT_TRUE(test::runLoopUntil([&] { return !recording->isCountingDown(); }));
     EXPECT_NE(program->appViewModel()->notice(), "");
+}
+
+TEST_F(TaviAppTest, aFileThatFailsAtTheStopIsTold) {
+    RecordingViewModel& recording = startTakeOfProgram();
+    media.finishError = MediaError{MediaError::Kind::diskFull, "video.mov", ""};
+    run(recording.stopRecording());
+    EXPECT_THAT(program->appViewModel()->notice(), HasSubstr("The disk is full"));
+}
+
+TEST_F(TaviAppTest, aTakeThatEndsWellIsToldByItsEditorAlone) {
+    RecordingViewModel& recording = startTakeOfProgram();
+    run(recording.stopRecording());
+    EXPECT_EQ(program->appViewModel()->notice(), "");
 }
 
 } // namespace
