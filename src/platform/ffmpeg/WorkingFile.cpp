@@ -1,5 +1,6 @@
 #include "platform/ffmpeg/WorkingFile.h"
 
+#include <atomic>
 #include <cerrno>
 #include <cstdio>
 #include <fcntl.h>
@@ -34,8 +35,9 @@ int writeAll(int file, std::span<const std::uint8_t> bytes) {
 } // namespace
 
 std::filesystem::path workingPath(const std::filesystem::path& target) {
-    return target.parent_path() /
-           ("." + target.filename().string() + ".partial-" + std::to_string(::getpid()));
+    static std::atomic<unsigned> calls = 0;
+    return target.parent_path() / ("." + target.filename().string() + ".partial-" +
+                                   std::to_string(::getpid()) + "-" + std::to_string(++calls));
 }
 
 int putInPlace(const std::filesystem::path& working, const std::filesystem::path& target) {

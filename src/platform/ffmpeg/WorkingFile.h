@@ -7,7 +7,8 @@
 namespace tavi {
 
 /// Where a file is made before it takes its place: a hidden name beside
-/// `target`, this process's own.
+/// `target`, another one at each call, since one that is being given up may meet the next.
+/// Thread: any.
 std::filesystem::path workingPath(const std::filesystem::path& target);
 
 /// Makes the finished file `working` durable and puts it in the place of

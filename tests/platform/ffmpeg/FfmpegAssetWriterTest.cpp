@@ -468,6 +468,22 @@ TEST(FfmpegAssetWriter, whatStandsAtTheTargetStaysUntilTheMp4IsWhole) {
     EXPECT_EQ(namesIn(folder).size(), 1U);
 }
 
+TEST(FfmpegAssetWriter, aCancelledOneLeavesAnotherOfTheSameTargetAlone) {
+    const fs::path folder = freshFolder("twice");
+    const fs::path file = folder / "video.mp4";
+    const Writing cancelled(file, FileType::mp4);
+    EXPECT_TRUE(cancelled.append(numbered(0), {0, 1}));
+    const Writing next(file, FileType::mp4);
+    EXPECT_TRUE(next.append(numbered(1), {0, 1}));
+    cancelled.writer->cancelWriting();
+    const auto finished = next.writer->finishWriting();
+    EXPECT_TRUE(finished) << finished.error().description();
+    const auto shown = readNumbers(file);
+    ASSERT_EQ(shown.size(), 1U);
+    EXPECT_EQ(shown[0].number, 1);
+    EXPECT_EQ(namesIn(folder).size(), 1U);
+}
+
 TEST(FfmpegAssetWriter, tellsWhyAFileCanNotBeMade) {
     for (const FileType type : {FileType::quickTimeMovie, FileType::mp4}) {
         const fs::path missing = mediaFolder() / "no such folder" / "video.mov";
