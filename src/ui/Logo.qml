@@ -4,6 +4,7 @@ import QtQuick
 Image {
     source: "qrc:/tavi/logo.svg"
     sourceSize: Qt.size(width, height)
+    cache: false // It is shown once.
     Accessible.role: Accessible.Graphic
     Accessible.name: "Tavlin"
 }

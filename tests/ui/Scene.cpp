@@ -94,7 +94,12 @@ Scene::Scene(const QString& file) : m_view(std::make_unique<QQuickView>()) {
     settle();
 }
 
-Scene::~Scene() = default;
+/// The items go before their window draws once more: Qt leaks the textures of images that a
+/// window without a graphics card shows to its end.
+Scene::~Scene() {
+    m_view->setSource(QUrl());
+    m_view->grabWindow();
+}
 
 void Scene::settle() {
     QElapsedTimer all;
