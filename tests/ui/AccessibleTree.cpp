@@ -154,6 +154,7 @@ std::vector<AccessibleTree::Path> AccessibleTree::childrenOf(const Path& path) c
         list.endStructure();
         children.emplace_back(program, object.path());
     }
+    list.endArray();
     return children;
 }
 

@@ -33,13 +33,15 @@ std::optional<Stream> firstStream(const QVariant& streams) {
     if (list.currentType() != QDBusArgument::ArrayType) {
         return std::nullopt;
     }
+    std::optional<Stream> stream;
     list.beginArray();
-    if (list.atEnd()) {
-        return std::nullopt;
+    if (!list.atEnd()) {
+        stream.emplace();
+        list.beginStructure();
+        list >> stream->node >> stream->facts;
+        list.endStructure();
     }
-    Stream stream;
-    list.beginStructure();
-    list >> stream.node >> stream.facts;
+    list.endArray(); // What is begun and not ended, Qt never frees.
     return stream;
 }
 
@@ -56,6 +58,7 @@ std::optional<std::pair<int, int>> pairIn(const QVariantMap& facts, const QStrin
     std::pair<int, int> numbers;
     argument.beginStructure();
     argument >> numbers.first >> numbers.second;
+    argument.endStructure();
     return numbers;
 }
 

@@ -136,9 +136,10 @@ FakePortal::FakePortal(Script script)
     qDBusRegisterMetaType<Pair>();
     qDBusRegisterMetaType<Stream>();
     qDBusRegisterMetaType<QList<Stream>>();
+    // The library's part of an object is made on the object's thread, or never freed.
+    EXPECT_TRUE(m_bus.registerVirtualObject(kPath, this, QDBusConnection::SubPath));
     moveToThread(&m_thread);
     m_thread.start();
-    EXPECT_TRUE(m_bus.registerVirtualObject(kPath, this, QDBusConnection::SubPath));
     EXPECT_TRUE(m_bus.registerService(kService)) << m_bus.lastError().message().toStdString();
 }
 
