@@ -2,6 +2,7 @@
 
 #include "cli/Output.h"
 #include "cli/ProgressBar.h"
+#include "platform/qt/QtExecutor.h"
 #include "render/ExportViewModel.h"
 
 #include <QEventLoop>
@@ -57,7 +58,8 @@ bool ExportRunner::run(const OpenTake& take, const std::filesystem::path& output
         service->isDraft = m_isDraft;
         return service;
     };
-    ExportViewModel model({makeService, clock, panel, viewer});
+    QtExecutor main;
+    ExportViewModel model({makeService, clock, panel, viewer, main});
     QEventLoop loop;
     {
         ProgressBar bar(label);

@@ -1,6 +1,5 @@
 #include "render/ExportViewModel.h"
 
-#include <QCoreApplication>
 #include <QPointer>
 
 #include <algorithm>
@@ -21,10 +20,6 @@ std::string proposedName(Date date) {
     char text[64];
     std::strftime(text, sizeof text, "Tavlin_%Y-%m-%d_%H-%M-%S.mp4", &local);
     return text;
-}
-
-void onMainThread(std::function<void()> block) {
-    QMetaObject::invokeMethod(QCoreApplication::instance(), std::move(block), Qt::QueuedConnection);
 }
 
 } // namespace
@@ -80,22 +75,22 @@ void ExportViewModel::start(const std::shared_ptr<const EditProject>& project,
     m_exportStartTime = m_ports.clock.now();
     const QPointer self(this);
     VideoExportService* service = m_exportService.get();
-    // The loop's blocks look at `self` on the main thread only.
-    m_tasks.push_back({m_exportService, std::thread([self, service, project, output] {
-                           Outcome outcome =
-                               service->exportProject(*project, output, [&](double value) {
-                                   onMainThread([self, service, value] {
-                                       if (self) {
-                                           self->showProgress(service, value);
-                                       }
-                                   });
-                               });
-                           onMainThread([self, service, output, outcome = std::move(outcome)] {
-                               if (self) {
-                                   self->finish(service, output, outcome);
-                               }
-                           });
-                       })});
+    // What is posted looks at `self` on the main thread only.
+    m_tasks.push_back(
+        {m_exportService, std::thread([&main = m_ports.main, self, service, project, output] {
+             Outcome outcome = service->exportProject(*project, output, [&](double value) {
+                 main.post([self, service, value] {
+                     if (self) {
+                         self->showProgress(service, value);
+                     }
+                 });
+             });
+             main.post([self, service, output, outcome = std::move(outcome)] {
+                 if (self) {
+                     self->finish(service, output, outcome);
+                 }
+             });
+         })});
 }
 
 void ExportViewModel::showProgress(const VideoExportService* service, double value) {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "base/Clock.h"
+#include "base/Executor.h"
 #include "render/SavePanel.h"
 #include "render/VideoExportService.h"
 
@@ -23,7 +24,7 @@ namespace tavi {
 ///         back to choosing by exportProject(), from choosing back to idle when
 ///         the panel is dismissed.
 /// Thread: main. Each engine runs on a thread of its own, and its calls come back
-///         through the main loop; the destructor cancels and waits for them.
+///         through the port; the destructor cancels and waits for them.
 class ExportViewModel : public QObject {
     Q_OBJECT
 
@@ -36,6 +37,7 @@ public:
         const Clock& clock;
         SavePanel& savePanel;
         FileViewer& fileViewer;
+        Executor& main; ///< The thread of the model.
     };
 
     explicit ExportViewModel(Ports ports, QObject* parent = nullptr);

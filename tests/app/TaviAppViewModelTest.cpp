@@ -70,7 +70,7 @@ protected:
             EditorPorts{players, assets, [](const auto&) { return nullptr; }, clock, appMain,
                         background, timers, library.path()},
             std::make_unique<ExportViewModel>(
-                ExportViewModel::Ports{nullptr, clock, panel, viewer}));
+                ExportViewModel::Ports{nullptr, clock, panel, viewer, appMain}));
     }
     void openRecordingScreen() {
         launchHome();

@@ -1,5 +1,6 @@
 #include "render/ExportViewModel.h"
 
+#include "platform/qt/QtExecutor.h"
 #include "render/ExportOfATake.h"
 #include "support/RunLoop.h"
 
@@ -75,6 +76,7 @@ protected:
         return runLoopUntil([this] { return !model->isExporting(); });
     }
 
+    QtExecutor main;
     std::counting_semaphore<> gate{0};
     ScriptedPanel panel;
     ListedViewer viewer;
@@ -82,7 +84,7 @@ protected:
     std::vector<std::string> changes;
     std::optional<ExportViewModel> model{
         std::in_place,
-        ExportViewModel::Ports{[this] { return makeEngine(); }, clock, panel, viewer}};
+        ExportViewModel::Ports{[this] { return makeEngine(); }, clock, panel, viewer, main}};
 };
 
 TEST_F(ExportScreen, isIdleAtFirst) {

@@ -94,7 +94,8 @@ QObject* TestEditor::screen() {
         m_library.path(),
         EditorPorts{m_players, m_media, [](const auto&) { return nullptr; }, m_clock, m_main,
                     *m_background, m_timers, m_library.path()},
-        std::make_unique<ExportViewModel>(ExportViewModel::Ports{nullptr, m_clock, panel, viewer}));
+        std::make_unique<ExportViewModel>(
+            ExportViewModel::Ports{nullptr, m_clock, panel, viewer, m_main}));
     for (const auto& [name, player] : m_players.made) {
         player->picture = videoPicture();
     }

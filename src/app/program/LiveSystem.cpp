@@ -152,7 +152,7 @@ std::unique_ptr<EditorScreenViewModel> LiveSystem::makeEditor(const std::filesys
         EditorPorts{m_players, m_media, readImage, m_clock, m_main, m_editing, m_timers,
                     recordingsDirectory()},
         std::make_unique<ExportViewModel>(
-            ExportViewModel::Ports{makeExport, m_clock, m_savePanel, *m_fileViewer}));
+            ExportViewModel::Ports{makeExport, m_clock, m_savePanel, *m_fileViewer, m_main}));
 }
 
 } // namespace tavi
