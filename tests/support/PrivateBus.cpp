@@ -73,6 +73,8 @@ void ensureApplication() {
 
 PrivateBus::PrivateBus() {
     ensureApplication();
+    // Makes Qt fork: the thread sanitizer watches nothing any more after a vfork.
+    m_daemon.setChildProcessModifier([] {});
     m_daemon.start(QStringLiteral("dbus-daemon"),
                    {QStringLiteral("--session"), QStringLiteral("--nofork"),
                     QStringLiteral("--nopidfile"), QStringLiteral("--address=") + address()});
