@@ -110,7 +110,7 @@ Film exported(const EditProject& project) {
     });
     if (report) {
         film.report = *report;
-        EXPECT_TRUE(report->hasFile()) << problemOf(*report, film.path).value_or("");
+        EXPECT_TRUE(report->hasFile()) << problemOf(*report, film.path).value_or("").english();
     } else {
         ADD_FAILURE() << description(report.error());
     }
