@@ -71,6 +71,18 @@ void ensureApplication() {
 
 } // namespace
 
+QDBusConnection connectPatiently(const QString& address, const QString& name) {
+    auto connection = QDBusConnection::connectToBus(address, name);
+    EXPECT_TRUE(waitPatiently([&] {
+        if (!connection.isConnected()) {
+            QDBusConnection::disconnectFromBus(name);
+            connection = QDBusConnection::connectToBus(address, name);
+        }
+        return connection.isConnected();
+    }));
+    return connection;
+}
+
 PrivateBus::PrivateBus() {
     ensureApplication();
     // Makes Qt fork: the thread sanitizer watches nothing any more after a vfork.
@@ -97,15 +109,7 @@ QString PrivateBus::address() const {
 QDBusConnection PrivateBus::connect() {
     const QString name = QStringLiteral("%1#%2").arg(address()).arg(m_connections.size());
     m_connections << name;
-    auto connection = QDBusConnection::connectToBus(address(), name);
-    EXPECT_TRUE(waitPatiently([&] { // the socket is there a moment before anyone listens
-        if (!connection.isConnected()) {
-            QDBusConnection::disconnectFromBus(name);
-            connection = QDBusConnection::connectToBus(address(), name);
-        }
-        return connection.isConnected();
-    }));
-    return connection;
+    return connectPatiently(address(), name);
 }
 
 } // namespace tavi::test

@@ -14,6 +14,10 @@ namespace tavi::test {
 /// Runs the main loop until `condition` holds; false after a minute without.
 bool waitPatiently(const std::function<bool()>& condition);
 
+/// A connection to the bus at `address`, which may just be starting: its socket is there a moment
+/// before anyone listens.
+QDBusConnection connectPatiently(const QString& address, const QString& name);
+
 /// A message bus of its own, ended with the object.
 class PrivateBus {
 public:

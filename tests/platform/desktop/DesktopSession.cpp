@@ -34,8 +34,7 @@ DesktopSession::DesktopSession() {
           {"--session", "--nofork", "--nopidfile", "--address=" + address});
     start(m_windowManager, "openbox", {"--sm-disable"});
     waitPatiently([&] { return std::filesystem::exists(m_folder / "bus"); });
-    m_bus = QDBusConnection::connectToBus(address, address);
-    EXPECT_TRUE(m_bus.isConnected());
+    m_bus = connectPatiently(address, address);
 }
 
 DesktopSession::~DesktopSession() {
