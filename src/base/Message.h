@@ -1,5 +1,6 @@
 #pragma once
 
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -22,7 +23,12 @@ struct Message {
         : text(std::move(words)),
           arguments(std::move(others)) {}
 
-    /// The text with its arguments, in English.
+    /// Gives a text in another language, placeholders included.
+    using Translate = std::function<std::string(const std::string&)>;
+
+    /// The text with its arguments; all of them go through `translate`.
+    std::string in(const Translate& translate) const;
+
     std::string english() const;
 
     bool operator==(const Message& other) const {

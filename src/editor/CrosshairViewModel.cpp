@@ -1,5 +1,7 @@
 #include "editor/CrosshairViewModel.h"
 
+#include "editor/KeyframeEdits.h"
+
 #include <algorithm>
 #include <cmath>
 #include <utility>
@@ -31,12 +33,9 @@ CrosshairViewModel::CrosshairViewModel(EditorViewModel& editor, std::function<vo
 }
 
 bool CrosshairViewModel::canPoint() const {
-    const auto& keyframes = m_editor.project().keyframes;
-    const auto found = std::ranges::find_if(keyframes, [this](const ZoomKeyframe& keyframe) {
-        return keyframe.id == m_editor.selectedKeyframeID();
-    });
-    const double now = m_editor.currentTime();
-    return found != keyframes.end() && found->timestamp <= now && now <= found->endTime;
+    const auto& selected = m_editor.selectedKeyframeID();
+    return selected && KeyframeEdits::takesWaypoint(m_editor.project().keyframes, *selected,
+                                                    m_editor.currentTime());
 }
 
 QString CrosshairViewModel::hint() const {

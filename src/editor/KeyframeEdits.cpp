@@ -109,11 +109,16 @@ bool updateKeyframe(std::vector<ZoomKeyframe>& keyframes, ZoomKeyframe keyframe)
     return true;
 }
 
+bool takesWaypoint(const std::vector<ZoomKeyframe>& keyframes, Uuid id, double time) {
+    const auto found = std::ranges::find(keyframes, id, &ZoomKeyframe::id);
+    return found != keyframes.end() && found->timestamp <= time && time <= found->endTime;
+}
+
 bool addWaypoint(std::vector<ZoomKeyframe>& keyframes, Uuid id, ZoomWaypoint waypoint) {
-    ZoomKeyframe* keyframe = find(keyframes, id);
-    if (!keyframe || waypoint.time < keyframe->timestamp || waypoint.time > keyframe->endTime) {
+    if (!takesWaypoint(keyframes, id, waypoint.time)) {
         return false;
     }
+    ZoomKeyframe* keyframe = find(keyframes, id);
     keyframe->waypoints.push_back(waypoint);
     std::ranges::stable_sort(keyframe->waypoints, {}, &ZoomWaypoint::time);
     return true;

@@ -26,6 +26,9 @@ bool addKeyframe(std::vector<ZoomKeyframe>& keyframes, double time, double durat
 /// Curve points outside of what is left are gone for good.
 bool updateKeyframe(std::vector<ZoomKeyframe>& keyframes, ZoomKeyframe keyframe);
 
+/// Whether addWaypoint() would take a point at `time`, touching nothing.
+bool takesWaypoint(const std::vector<ZoomKeyframe>& keyframes, Uuid keyframe, double time);
+
 /// Adds a point of the pan at `time`, which has to lie in the keyframe, both ends inclusive.
 bool addWaypoint(std::vector<ZoomKeyframe>& keyframes, Uuid keyframe, ZoomWaypoint waypoint);
 

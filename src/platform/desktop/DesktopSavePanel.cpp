@@ -1,5 +1,7 @@
 #include "platform/desktop/DesktopSavePanel.h"
 
+#include "app/PathText.h"
+
 #include <QDBusArgument>
 #include <QDBusConnection>
 #include <QDBusMessage>
@@ -66,10 +68,6 @@ namespace {
 
 constexpr auto kPortal = "org.freedesktop.portal.Desktop";
 constexpr auto kRequest = "org.freedesktop.portal.Request";
-
-std::filesystem::path pathOf(const QString& text) {
-    return QFile::encodeName(text).toStdString();
-}
 
 QString videosFolder() {
     return QStandardPaths::writableLocation(QStandardPaths::MoviesLocation);
