@@ -77,10 +77,9 @@ void configureX265(AVCodecContext& context, Options& options, const VideoSetting
         context.rc_max_rate = settings.bitRate;
         options.set("crf", kLiveQuality);
         options.set("forced-idr", std::int64_t{1});
-        // qcomp: the same quality in every picture, also right after a key frame.
-        parameters +=
-            ":qcomp=1.0:bframes=0:early-skip=1:fast-intra=1:frame-threads=1:ref=1:rc-lookahead=0"
-            ":tu-intra-depth=3";
+        // qcomp, ipratio: the same quality in every picture, also in and right after a key frame.
+        parameters += ":qcomp=1.0:ipratio=1.0:bframes=0:early-skip=1:fast-intra=1:frame-threads=1:"
+                      "ref=1:rc-lookahead=0:tu-intra-depth=3";
         if (std::min(settings.width, settings.height) >= kLargestBlock) {
             parameters += fmt::format(":ctu={}", kLargestBlock);
         }
