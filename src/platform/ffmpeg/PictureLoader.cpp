@@ -189,7 +189,8 @@ void PictureLoader::decode(std::unique_lock<std::mutex>& lock, MediaTime time) {
 /// Whether due() may tell something else since a picture was added.
 bool PictureLoader::isWorthTelling(MediaTime now) const {
     const std::size_t ahead = m_run.countAfter(wanted(now));
-    return ahead == 1 || m_run.isTrackEnd() || isLenient(now) || (ahead == 0 && m_hasArrived);
+    const bool isShowable = m_hasArrived || m_run.inForce(wanted(now)) != nullptr;
+    return ahead == 1 || m_run.isTrackEnd() || isLenient(now) || (ahead == 0 && isShowable);
 }
 
 void PictureLoader::endTrack(std::unique_lock<std::mutex>& lock) {
@@ -215,7 +216,7 @@ void PictureLoader::take(AVFrame& picture, MediaTime wantedTime) {
     }
     AVFrame* kept = av_frame_alloc();
     av_frame_move_ref(kept, &picture);
-    m_latest = {time, std::shared_ptr<AVFrame>(kept, FreeFrame())};
+    m_latest = {time, std::shared_ptr<AVFrame>(kept, FreeFrame()), m_decoder->timeOfNext()};
     m_run.append(m_latest, wantedTime);
 }
 

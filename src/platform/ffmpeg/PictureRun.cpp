@@ -42,9 +42,15 @@ PictureRun::Pictures::const_iterator PictureRun::firstAfter(MediaTime time) cons
                             [](MediaTime t, const DecodedPicture& p) { return t < p.time; });
 }
 
+/// Whether the picture appended last is in force at `time`, which is not before it.
+bool PictureRun::isBackInForce(MediaTime time) const {
+    const auto end = m_pictures.back().end;
+    return m_isTrackEnd || (end && time < *end);
+}
+
 const DecodedPicture* PictureRun::inForce(MediaTime time) const {
     const auto next = firstAfter(time);
-    if (m_pictures.empty() || (next == m_pictures.end() && !m_isTrackEnd)) {
+    if (m_pictures.empty() || (next == m_pictures.end() && !isBackInForce(time))) {
         return nullptr;
     }
     if (next == m_pictures.begin()) {

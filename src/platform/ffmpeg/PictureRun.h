@@ -6,6 +6,7 @@
 #include <cstddef>
 #include <deque>
 #include <memory>
+#include <optional>
 
 namespace tavi {
 
@@ -13,6 +14,7 @@ namespace tavi {
 struct DecodedPicture {
     MediaTime time;
     std::shared_ptr<const AVFrame> frame;
+    std::optional<MediaTime> end; ///< The time of the next one, where it is known before that.
 };
 
 /// Decoded pictures of a track that follow each other without a gap; the earliest ones are
@@ -55,6 +57,7 @@ private:
     using Pictures = std::deque<DecodedPicture>;
 
     Pictures::const_iterator firstAfter(MediaTime time) const;
+    bool isBackInForce(MediaTime time) const;
 
     Pictures m_pictures;
     std::size_t m_bytes = 0;

@@ -41,6 +41,9 @@ public:
     /// The time of the latest picture since the last jump() that was left out for the hurry.
     std::optional<std::int64_t> lastHurriedOver() const { return m_lastHurriedOver; }
 
+    /// Whether frames may come in another order than their packets.
+    bool isReordered() const { return m_codec->has_b_frames > 0; }
+
     /// Where the packet read last ends, in ticks; absent where it doesn't say.
     std::optional<std::int64_t> packetEnd() const { return m_packetEnd; }
 

@@ -86,6 +86,20 @@ std::optional<MediaTime> VideoDecoder::keyFrameBefore(MediaTime time) const {
     return entry ? std::optional(streamTime(entry->timestamp, stream().time_base)) : std::nullopt;
 }
 
+std::optional<MediaTime> VideoDecoder::timeOfNext() const {
+    auto& track = const_cast<AVStream&>(stream());
+    const int count = avformat_index_get_entries_count(&track);
+    if (m_track.isReordered() || count != track.nb_frames) {
+        return std::nullopt;
+    }
+    const std::int64_t ticks = ticksOf(m_time);
+    const int at = av_index_search_timestamp(&track, ticks, AVSEEK_FLAG_ANY | AVSEEK_FLAG_BACKWARD);
+    const AVIndexEntry* entry = avformat_index_get_entry(&track, at);
+    const AVIndexEntry* next = avformat_index_get_entry(&track, at + 1);
+    const bool isKnown = entry != nullptr && entry->timestamp == ticks && next != nullptr;
+    return isKnown ? std::optional(streamTime(next->timestamp, track.time_base)) : std::nullopt;
+}
+
 AVFrame* VideoDecoder::next() {
     if (std::exchange(m_isPeeked, false)) {
         return m_frame.get();

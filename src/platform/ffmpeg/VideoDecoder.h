@@ -50,6 +50,10 @@ public:
     /// Of the picture that next() gave last, on the movie's timeline.
     MediaTime time() const { return m_time; }
 
+    /// The time of the picture after that one, where the file's index has every picture and none
+    /// is reordered; else absent.
+    std::optional<MediaTime> timeOfNext() const;
+
     /// Why nothing could be read to the end; absent after a whole reading.
     const std::optional<MediaError>& error() const { return m_track.error(); }
 
