@@ -146,6 +146,7 @@ void TrackDecoder::feed() {
 void TrackDecoder::notePacket() {
     m_readErrors = 0;
     m_hasPackets = true;
+    m_isReordered = m_isReordered || m_packet->pts != m_packet->dts;
     m_packetEnd.reset();
     if (m_packet->pts != AV_NOPTS_VALUE && m_packet->duration > 0) {
         m_packetEnd = av_sat_add64(m_packet->pts, m_packet->duration);

@@ -41,8 +41,9 @@ public:
     /// The time of the latest picture since the last jump() that was left out for the hurry.
     std::optional<std::int64_t> lastHurriedOver() const { return m_lastHurriedOver; }
 
-    /// Whether frames may come in another order than their packets.
-    bool isReordered() const { return m_codec->has_b_frames > 0; }
+    /// Whether frames may come in another order than their packets, or at other times than those
+    /// are decoded at, which are the times of the file's index.
+    bool isReordered() const { return m_isReordered || m_codec->has_b_frames > 0; }
 
     /// Where the packet read last ends, in ticks; absent where it doesn't say.
     std::optional<std::int64_t> packetEnd() const { return m_packetEnd; }
@@ -72,6 +73,7 @@ private:
     std::optional<std::int64_t> m_hurry;
     std::optional<std::int64_t> m_latestInHurry; ///< Among the packets up to there.
     std::optional<std::int64_t> m_lastHurriedOver;
+    bool m_isReordered = false; ///< By the packets so far.
     bool m_isDraining = false;
     bool m_hasPackets = false;
     bool m_hasDecoded = false;

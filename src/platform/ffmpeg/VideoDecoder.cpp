@@ -25,6 +25,19 @@ int threadCount() {
     return static_cast<int>(std::clamp(std::thread::hardware_concurrency(), 1U, kMostThreads));
 }
 
+/// Whether the index leads forward only, as it does unless an edit list joins several parts.
+bool leadsForward(const AVStream& stream) {
+    auto& track = const_cast<AVStream&>(stream); // Which the library only looks at.
+    const int count = avformat_index_get_entries_count(&track);
+    for (int i = 1; i < count; ++i) {
+        const std::int64_t before = avformat_index_get_entry(&track, i - 1)->timestamp;
+        if (avformat_index_get_entry(&track, i)->timestamp <= before) {
+            return false;
+        }
+    }
+    return true;
+}
+
 } // namespace
 
 VideoDecoder::VideoDecoder() = default;
@@ -37,6 +50,7 @@ VideoDecoder::open(const std::filesystem::path& path, int track, DecoderUse use)
         !opened) {
         return fail(std::move(opened.error()));
     }
+    decoder->m_isIndexInOrder = leadsForward(decoder->stream());
     const auto alpha = alphaTrackOf(decoder->input());
     if (alpha && firstPictureTrack(decoder->input()) == track) {
         decoder->m_alpha = AlphaFollower::open(path, *alpha);
@@ -88,8 +102,8 @@ std::optional<MediaTime> VideoDecoder::keyFrameBefore(MediaTime time) const {
 
 std::optional<MediaTime> VideoDecoder::timeOfNext() const {
     auto& track = const_cast<AVStream&>(stream());
-    const int count = avformat_index_get_entries_count(&track);
-    if (m_track.isReordered() || count != track.nb_frames) {
+    const bool isWhole = avformat_index_get_entries_count(&track) == track.nb_frames;
+    if (m_track.isReordered() || !m_isIndexInOrder || !isWhole) {
         return std::nullopt;
     }
     const std::int64_t ticks = ticksOf(m_time);

@@ -50,8 +50,9 @@ public:
     /// Of the picture that next() gave last, on the movie's timeline.
     MediaTime time() const { return m_time; }
 
-    /// The time of the picture after that one, where the file's index has every picture and none
-    /// is reordered; else absent.
+    /// The time of the picture after that one, or of one that is left out before it (a damaged
+    /// one, say), where the file's index has every picture once, in order and at its time; else
+    /// absent.
     std::optional<MediaTime> timeOfNext() const;
 
     /// Why nothing could be read to the end; absent after a whole reading.
@@ -71,6 +72,7 @@ private:
     std::unique_ptr<AlphaFollower> m_alpha; ///< Null without.
     FrameHandle m_frame{av_frame_alloc()};
     MediaTime m_time;
+    bool m_isIndexInOrder = false;
     bool m_isPeeked = false; ///< m_frame was decoded by seek() and not yet given.
 };
 

@@ -2,6 +2,7 @@
 
 #include "platform/ffmpeg/PictureRun.h"
 #include "platform/ffmpeg/TestMedia.h"
+#include "support/Eventually.h"
 
 #include <gtest/gtest.h>
 
@@ -24,8 +25,9 @@ std::unique_ptr<VideoDecoder> opened(const std::filesystem::path& film) {
     return decoder ? std::move(*decoder) : nullptr;
 }
 
-TEST(VideoDecoder, tellsTheTimeOfThePictureThatFollows) {
-    const auto decoder = opened(irregular("live.mov", "libx264 -bf 0"));
+/// Fails the test unless each of a film's pictures tells the time of the next, the last nothing.
+void expectAllTold(const std::filesystem::path& film, int pictures) {
+    const auto decoder = opened(film);
     ASSERT_TRUE(decoder);
     ASSERT_TRUE(decoder->next());
     int count = 1;
@@ -34,9 +36,41 @@ TEST(VideoDecoder, tellsTheTimeOfThePictureThatFollows) {
         ASSERT_EQ(decoder->time(), *told);
         ++count;
     }
-    EXPECT_EQ(count, 2 * kRate - 5);
+    EXPECT_EQ(count, pictures);
     EXPECT_FALSE(decoder->next()) << "nothing was told of the last one";
 }
+
+TEST(VideoDecoder, tellsTheTimeOfThePictureThatFollows) {
+    expectAllTold(irregular("live.mov", "libx264 -bf 0"), 2 * kRate - 5);
+}
+
+class RecordedFilm : public ::testing::TestWithParam<bool> {};
+
+TEST_P(RecordedFilm, tellsTheTimesOfItsPictures) {
+    const auto film = freshPath("recorded.mov");
+    const auto writer = mediaLibrary().makeWriter(film, FileType::quickTimeMovie).value();
+    VideoWriterInput* input = writer
+                                  ->addVideoInput({.width = kPictureWidth,
+                                                   .height = kPictureHeight,
+                                                   .bitRate = 1'000'000,
+                                                   .expectedFrameRate = 60,
+                                                   .realTime = true,
+                                                   .hasAlpha = GetParam()})
+                                  .value();
+    ASSERT_TRUE(writer->startWriting());
+    writer->startSession({7, 1});
+    constexpr int kPictures = 40;
+    for (int n = 0; n < kPictures; ++n) {
+        const MediaTime time = MediaTime{7, 1} + MediaTime{n * n, 600};
+        ASSERT_TRUE(test::eventually([&] { return input->isReadyForMoreMediaData(); }));
+        ASSERT_TRUE(n % 4 == 3 ? input->appendRepeat(time) : input->append(numbered(n), time));
+    }
+    writer->endSession({12, 1});
+    ASSERT_TRUE(writer->finishWriting());
+    expectAllTold(film, kPictures);
+}
+
+INSTANTIATE_TEST_SUITE_P(Alpha, RecordedFilm, ::testing::Bool());
 
 TEST(VideoDecoder, tellsNoTimesWhereTheIndexDoesNot) {
     const std::string live = "libx264 -bf 0";
