@@ -5,6 +5,10 @@
 #include <QElapsedTimer>
 #include <gtest/gtest.h>
 
+#include <csignal>
+#include <sys/prctl.h>
+#include <sys/wait.h>
+#include <unistd.h>
 #include <utility>
 
 namespace tavi::test {
@@ -69,6 +73,19 @@ void ensureApplication() {
     }
 }
 
+/// Forked here, since QProcess makes a child of the kind after which the thread sanitizer lets this
+/// process start no more threads.
+pid_t startDaemon(const std::string& place) {
+    const pid_t pid = fork();
+    if (pid == 0) {
+        prctl(PR_SET_PDEATHSIG, SIGKILL);
+        execlp("dbus-daemon", "dbus-daemon", "--session", "--nofork", "--nopidfile", place.c_str(),
+               nullptr);
+        _exit(127);
+    }
+    return pid;
+}
+
 } // namespace
 
 QDBusConnection connectPatiently(const QString& address, const QString& name) {
@@ -85,21 +102,19 @@ QDBusConnection connectPatiently(const QString& address, const QString& name) {
 
 PrivateBus::PrivateBus() {
     ensureApplication();
-    // Makes Qt fork: the thread sanitizer watches nothing any more after a vfork.
-    m_daemon.setChildProcessModifier([] {});
-    m_daemon.start(QStringLiteral("dbus-daemon"),
-                   {QStringLiteral("--session"), QStringLiteral("--nofork"),
-                    QStringLiteral("--nopidfile"), QStringLiteral("--address=") + address()});
-    EXPECT_TRUE(m_daemon.waitForStarted(30'000)) << "dbus-daemon does not start";
-    EXPECT_TRUE(waitPatiently([this] { return std::filesystem::exists(m_folder / "bus"); }));
+    m_daemon = startDaemon("--address=" + address().toStdString());
+    EXPECT_TRUE(waitPatiently([this] { return std::filesystem::exists(m_folder / "bus"); }))
+        << "dbus-daemon does not start";
 }
 
 PrivateBus::~PrivateBus() {
     for (const QString& name : m_connections) {
         QDBusConnection::disconnectFromBus(name);
     }
-    m_daemon.kill();
-    m_daemon.waitForFinished();
+    if (m_daemon > 0) {
+        kill(m_daemon, SIGKILL);
+        waitpid(m_daemon, nullptr, 0);
+    }
 }
 
 QString PrivateBus::address() const {

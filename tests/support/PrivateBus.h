@@ -4,9 +4,9 @@
 
 #include <QDBusConnection>
 #include <QDBusVirtualObject>
-#include <QProcess>
 
 #include <functional>
+#include <sys/types.h>
 #include <vector>
 
 namespace tavi::test {
@@ -33,7 +33,7 @@ public:
 
 private:
     TemporaryFolder m_folder;
-    QProcess m_daemon;
+    pid_t m_daemon = -1;
     QStringList m_connections;
 };
 
