@@ -17,28 +17,6 @@ using test::Painter;
 using test::RecorderProcess;
 using test::XTestServer;
 
-/// A desktop on which somebody presses the button at one place after the other, and something
-/// moves with each press.
-class BusyDesktop {
-public:
-    BusyDesktop() {
-        EXPECT_TRUE(server.run("xset m 1/1 0"));
-        EXPECT_TRUE(server.run("xdotool mousemove 10 100"));
-    }
-
-    /// Presses the button `count` times, each time two points further to the right.
-    void press(int count) {
-        for (; count > 0; --count, ++presses) {
-            painter.fill(2 * presses, 10, 20, 20, 0x335577U * static_cast<unsigned>(presses + 1));
-            EXPECT_TRUE(server.run("xdotool mousemove_relative 2 0 click 1"));
-        }
-    }
-
-    const XTestServer server{"320x240x24"};
-    Painter painter{server};
-    int presses = 0;
-};
-
 /// Where the button was pressed, in order.
 std::vector<double> pressesOf(const RecordingMetadata& metadata) {
     std::vector<double> places;
@@ -50,10 +28,39 @@ std::vector<double> pressesOf(const RecordingMetadata& metadata) {
     return places;
 }
 
-std::size_t pressesInJournal(const RecorderProcess& recorder) {
+int pressesInJournal(const RecorderProcess& recorder) {
     const auto take = decodeTakeJournal(recorder.journal());
-    return take ? pressesOf(take->metadata).size() : 0;
+    return take ? static_cast<int>(pressesOf(take->metadata).size()) : 0;
 }
+
+/// A desktop on which somebody presses the button at one place after the other, and something
+/// moves with each press.
+class BusyDesktop {
+public:
+    BusyDesktop() {
+        EXPECT_TRUE(server.run("xset m 1/1 0"));
+        EXPECT_TRUE(server.run("xdotool mousemove 10 100"));
+    }
+
+    /// Presses the button `count` times, each time two points further to the right. All but the
+    /// last are in the log then: where the pointer is, a recorder asks when it hears of the press.
+    void press(const RecorderProcess& recorder, int count) {
+        for (; count > 0; --count, ++presses) {
+            EXPECT_TRUE(isLogged(recorder));
+            painter.fill(2 * presses, 10, 20, 20, 0x335577U * static_cast<unsigned>(presses + 1));
+            EXPECT_TRUE(server.run("xdotool mousemove_relative 2 0 click 1"));
+        }
+    }
+
+    /// Waits until every press is on the disk, while the take runs.
+    bool isLogged(const RecorderProcess& recorder) const {
+        return test::waitFor([&] { return pressesInJournal(recorder) == presses; });
+    }
+
+    const XTestServer server{"320x240x24"};
+    Painter painter{server};
+    int presses = 0;
+};
 
 /// A killed recorder leaves the video up to half a second before; wait until that is something.
 bool waitForVideo(const RecorderProcess& recorder) {
@@ -68,9 +75,9 @@ RecordingMetadata sidecarOf(const std::filesystem::path& take) {
 }
 
 /// The places of the presses, without a gap, at least `least` of them.
-void expectPresses(const RecordingMetadata& metadata, std::size_t least) {
+void expectPresses(const RecordingMetadata& metadata, int least) {
     const auto places = pressesOf(metadata);
-    EXPECT_GE(places.size(), least);
+    EXPECT_GE(std::ssize(places), least);
     for (std::size_t i = 1; i < places.size(); ++i) {
         EXPECT_EQ(places[i], places[0] + 2 * static_cast<double>(i));
     }
@@ -96,24 +103,23 @@ TEST(KilledRecorder, leavesATakeWithVideoLogAndImages) {
     std::mt19937 random(static_cast<unsigned>(getpid()));
     RecorderProcess recorder(desktop.server.name());
     ASSERT_TRUE(recorder.waitForFirstFrame()) << recorder.errors();
-    desktop.press(5);
-    ASSERT_TRUE(test::waitFor([&] { return pressesInJournal(recorder) == 5; }))
-        << "they are on the disk while the take runs";
+    desktop.press(recorder, 5);
+    ASSERT_TRUE(desktop.isLogged(recorder));
     ASSERT_TRUE(waitForVideo(recorder));
-    desktop.press(1 + static_cast<int>(random() % 8));
+    desktop.press(recorder, 1 + static_cast<int>(random() % 8));
     const unsigned pause = random() % 200'000;
     usleep(pause); // any moment is a moment to be killed at
     recorder.signal(SIGKILL);
     recorder.wait();
     const auto take = recorder.take();
-    const std::size_t written = pressesInJournal(recorder);
+    const int written = pressesInJournal(recorder);
     EXPECT_FALSE(std::filesystem::exists(take / "metadata.json"));
 
     expectUsable(recorder, take);
     const RecordingMetadata metadata = sidecarOf(take);
     SCOPED_TRACE(pause);
     expectPresses(metadata, written);
-    EXPECT_GE(written, 5U);
+    EXPECT_GE(written, 5);
     EXPECT_EQ(metadata.screenWidth, 320);
     EXPECT_GT(metadata.duration, 0);
     EXPECT_TRUE(std::filesystem::exists(take / "cursor_0.png"));
@@ -127,8 +133,8 @@ TEST_P(KilledWhileItStops, losesNothing) {
     BusyDesktop desktop;
     RecorderProcess recorder(desktop.server.name());
     ASSERT_TRUE(recorder.waitForFirstFrame()) << recorder.errors();
-    desktop.press(3);
-    ASSERT_TRUE(test::waitFor([&] { return pressesInJournal(recorder) == 3; }));
+    desktop.press(recorder, 3);
+    ASSERT_TRUE(desktop.isLogged(recorder));
     ASSERT_TRUE(waitForVideo(recorder));
     recorder.signal(SIGINT);
     usleep(GetParam());
@@ -151,14 +157,14 @@ TEST(RunningRecorder, isLeftAloneByThoseWhoLookAtTheLibrary) {
     BusyDesktop desktop;
     RecorderProcess recorder(desktop.server.name());
     ASSERT_TRUE(recorder.waitForFirstFrame()) << recorder.errors();
-    desktop.press(2);
+    desktop.press(recorder, 2);
     int status = -1;
     const std::string listed = recorder.run("library", status);
     EXPECT_THAT(listed, testing::HasSubstr(recorder.take().filename().string()));
     EXPECT_FALSE(std::filesystem::exists(recorder.take() / "metadata.json"));
     EXPECT_FALSE(recorder.journal().empty());
-    desktop.press(2);
-    ASSERT_TRUE(test::waitFor([&] { return pressesInJournal(recorder) == 4; }));
+    desktop.press(recorder, 2);
+    ASSERT_TRUE(desktop.isLogged(recorder));
     recorder.signal(SIGINT);
     EXPECT_EQ(recorder.wait(), 0) << recorder.errors();
     expectPresses(sidecarOf(recorder.take()), 4);

@@ -155,9 +155,10 @@ TEST_F(MovedDisplay, takeGoesOnWithThePointerInItsPlace) {
         const auto samples = test::readAll(recorder.take() / "video.mov");
         return !samples.empty() && (colourAt(*samples.back().image, 400, 300) & 0xFF) > 0x90;
     }));
-    // Where the display was, and where it is.
-    ASSERT_TRUE(server.run("xdotool mousemove 500 100 mousemove_relative -- 10 10 click 3"));
+    // Where the display is, and on the other one.
     ASSERT_TRUE(server.run("xdotool mousemove 290 1058 mousemove_relative -- 10 10 click 1"));
+    ASSERT_TRUE(recorder.waitForClick()) << recorder.errors();
+    ASSERT_TRUE(server.run("xdotool mousemove 500 100 mousemove_relative -- 10 10 click 3"));
     ASSERT_TRUE(recorder.stopAfterClick()) << recorder.errors();
     const auto metadata =
         decodeRecordingMetadata(test::readFile(recorder.take() / "metadata.json")).value();

@@ -69,8 +69,9 @@ TEST_P(RecordMonitor, takeShowsItAloneAndPlacesThePointerOnIt) {
     TwoMonitors desktop;
     RecorderProcess recorder(desktop.server.name(), {"--display", std::to_string(monitor.number)});
     ASSERT_TRUE(recorder.waitForFirstFrame()) << recorder.errors();
-    desktop.pressAt(static_cast<int>(monitor.outside.x), static_cast<int>(monitor.outside.y));
     desktop.pressAt(static_cast<int>(monitor.inside.x), static_cast<int>(monitor.inside.y));
+    ASSERT_TRUE(recorder.waitForClick()) << recorder.errors();
+    desktop.pressAt(static_cast<int>(monitor.outside.x), static_cast<int>(monitor.outside.y));
     ASSERT_TRUE(recorder.stopAfterClick()) << recorder.errors();
 
     const auto samples = test::readAll(recorder.take() / "video.mov");

@@ -11,15 +11,6 @@
 
 namespace tavi::test {
 
-namespace {
-
-/// On a loaded machine the choice of an encoder alone may take many seconds.
-bool eventuallyOf(const std::function<bool()>& condition) {
-    return eventually(condition) || eventually(condition) || eventually(condition);
-}
-
-} // namespace
-
 RecorderProcess::RecorderProcess(const std::string& server, std::vector<std::string> arguments,
                                  int messages, std::string program)
     : m_program(std::move(program)),
@@ -58,9 +49,8 @@ void RecorderProcess::becomeRecorder(const std::string& server, std::vector<std:
 
 bool RecorderProcess::waitForFirstFrame() {
     // From then on the time counts.
-    return eventuallyOf(
-               [this] { return journal().find("\"duration\":0,") != std::string::npos; }) &&
-           eventuallyOf([this] {
+    return eventually([this] { return journal().find("\"duration\":0,") != std::string::npos; }) &&
+           eventually([this] {
                const std::string text = journal();
                return std::count(text.begin(), text.end(), '\n') > 1;
            });
@@ -81,8 +71,12 @@ void RecorderProcess::signal(int number) const {
     kill(m_pid, number);
 }
 
+bool RecorderProcess::waitForClick() const {
+    return eventually([this] { return journal().find("leftMouseUp") != std::string::npos; });
+}
+
 bool RecorderProcess::stopAfterClick() {
-    if (!eventuallyOf([this] { return journal().find("leftMouseUp") != std::string::npos; })) {
+    if (!waitForClick()) {
         return false;
     }
     signal(SIGINT);

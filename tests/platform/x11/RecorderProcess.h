@@ -33,7 +33,11 @@ public:
 
     void signal(int number) const;
 
-    /// Ends the take once it has logged that a button was let go; false where that fails.
+    /// Waits until it has logged that a button was let go. Where the pointer is, it asks when it
+    /// hears of an event: whoever moves the pointer on waits for this.
+    bool waitForClick() const;
+
+    /// Ends the take after that; false where that fails.
     bool stopAfterClick();
 
     /// Waits for its end; the exit status, -1 after a signal.
