@@ -65,6 +65,17 @@ void end(pid_t pid) {
     }
 }
 
+/// Removes what a server left that could not do so itself. The lock tells whose the number is:
+/// once a server has given it back, another program's may have it.
+void removeRemainsOf(pid_t server, const std::string& number) {
+    const std::string lock = "/tmp/.X" + number + "-lock";
+    pid_t owner = 0;
+    if (std::ifstream(lock) >> owner && owner == server) {
+        std::remove(("/tmp/.X11-unix/X" + number).c_str());
+        std::remove(lock.c_str());
+    }
+}
+
 } // namespace
 
 XTestServer::XTestServer(const std::string& screen, const std::vector<std::string>& extraArguments)
@@ -124,8 +135,7 @@ XTestServer::~XTestServer() {
 void XTestServer::die() {
     if (m_pid > 0) {
         end(m_pid);
-        std::remove(("/tmp/.X11-unix/X" + m_name.substr(1)).c_str());
-        std::remove(("/tmp/.X" + m_name.substr(1) + "-lock").c_str());
+        removeRemainsOf(m_pid, m_name.substr(1));
     }
     m_pid = 0;
 }
@@ -255,11 +265,12 @@ void ensureQtApplication() {
 }
 
 bool waitFor(const std::function<bool()>& condition) {
+    constexpr int kPatience = 60'000; // milliseconds
     ensureQtApplication();
     QElapsedTimer timer;
     timer.start();
     while (!condition()) {
-        if (timer.elapsed() > 10'000) {
+        if (timer.elapsed() > kPatience) {
             return false;
         }
         QCoreApplication::processEvents(QEventLoop::AllEvents, 5);
