@@ -1,5 +1,7 @@
 #include "support/PrivateBus.h"
 
+#include "support/Sockets.h"
+
 #include <QCoreApplication>
 #include <QDBusMessage>
 #include <QElapsedTimer>
@@ -103,7 +105,7 @@ QDBusConnection connectPatiently(const QString& address, const QString& name) {
 PrivateBus::PrivateBus() {
     ensureApplication();
     m_daemon = startDaemon("--address=" + address().toStdString());
-    EXPECT_TRUE(waitPatiently([this] { return std::filesystem::exists(m_folder / "bus"); }))
+    EXPECT_TRUE(waitPatiently([this] { return isListenedTo(m_folder / "bus"); }))
         << "dbus-daemon does not start";
 }
 

@@ -1,5 +1,7 @@
 #include "platform/desktop/DesktopSession.h"
 
+#include "support/Sockets.h"
+
 #include <QCoreApplication>
 #include <gtest/gtest.h>
 
@@ -33,7 +35,7 @@ DesktopSession::DesktopSession() {
     start(m_busDaemon, "dbus-daemon",
           {"--session", "--nofork", "--nopidfile", "--address=" + address});
     start(m_windowManager, "openbox", {"--sm-disable"});
-    waitPatiently([&] { return std::filesystem::exists(m_folder / "bus"); });
+    EXPECT_TRUE(waitPatiently([&] { return isListenedTo(m_folder / "bus"); }));
     m_bus = connectPatiently(address, address);
 }
 

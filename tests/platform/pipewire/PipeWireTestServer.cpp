@@ -1,5 +1,7 @@
 #include "platform/pipewire/PipeWireTestServer.h"
 
+#include "support/Sockets.h"
+
 #include <gtest/gtest.h>
 
 #include <chrono>
@@ -67,10 +69,10 @@ PipeWireTestServer::~PipeWireTestServer() {
 void PipeWireTestServer::start() {
     m_bus = launch("dbus-daemon", {"--session", "--nofork", "--nopidfile",
                                    "--address=unix:path=" + (m_folder / "bus").string()});
-    EXPECT_TRUE(waitFor([this] { return std::filesystem::exists(m_folder / "bus"); }))
+    EXPECT_TRUE(waitFor([this] { return isListenedTo(m_folder / "bus"); }))
         << "dbus-daemon does not start";
     m_daemon = launch("pipewire");
-    EXPECT_TRUE(waitFor([this] { return std::filesystem::exists(m_folder / "pipewire-0"); }))
+    EXPECT_TRUE(waitFor([this] { return isListenedTo(m_folder / "pipewire-0"); }))
         << "pipewire does not start";
     startManager();
 }
