@@ -1,5 +1,7 @@
 #include "platform/portal/SwayDesktop.h"
 
+#include "support/Sockets.h"
+
 #include <fmt/format.h>
 #include <gtest/gtest.h>
 
@@ -43,8 +45,7 @@ SwayDesktop::SwayDesktop() : PrivateDesktop("sway", "") {
            User::nobody);
     const std::string display = own + "/wayland-1";
     m_control = own + "/control";
-    EXPECT_TRUE(waitFor(
-        [&] { return std::filesystem::exists(display) && std::filesystem::exists(m_control); }, 60))
+    EXPECT_TRUE(waitFor([&] { return isListenedTo(display) && isListenedTo(m_control); }, 60))
         << "sway does not start: " << log("sway");
     setenv("WAYLAND_DISPLAY", display.c_str(), 1); // the surroundings take it back
     writeFile(m_folder / "home/.config/xdg-desktop-portal-wlr/config",
@@ -56,6 +57,15 @@ SwayDesktop::SwayDesktop() : PrivateDesktop("sway", "") {
     EXPECT_TRUE(waitForPortal()) << "the portal does not start: " << log("xdg-desktop-portal");
     launch({"foot", "-o", fmt::format("colors.background={:06x}", kColour), "sh", "-c",
             "while :; do date +%N; sleep .1; done"});
+    EXPECT_TRUE(waitFor([this] { return hasTerminal(); }, 60)) << log("foot");
+}
+
+/// A window is in the tree from its first picture on.
+bool SwayDesktop::hasTerminal() const {
+    const std::string command = fmt::format(
+        "test -n \"$(swaymsg -s '{}' -t get_tree 2>&1 | grep '\"app_id\": *\"foot\"')\"",
+        m_control);
+    return std::system(command.c_str()) == 0;
 }
 
 void SwayDesktop::turnMonitor(const std::string& transform) {

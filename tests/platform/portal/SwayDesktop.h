@@ -18,6 +18,8 @@ public:
     void turnMonitor(const std::string& transform);
 
 private:
+    bool hasTerminal() const;
+
     std::string m_control; ///< The socket that takes commands.
 };
 
