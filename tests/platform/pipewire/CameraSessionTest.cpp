@@ -81,9 +81,7 @@ TEST(CameraSession, pictureTimesAreThoseOfTheCamera) {
         EXPECT_GT(all[i].presentationTime, all[i - 1].presentationTime);
     }
     // A machine that can't keep up leaves pictures out; it adds none.
-    const double length = (all.back().presentationTime - all.front().presentationTime).seconds();
-    EXPECT_GT(length, static_cast<double>(all.size() - 1) / 30 - 0.1);
-    EXPECT_LT(length, 8);
+    EXPECT_LE(static_cast<int>(all.size()), fake.pictures());
 }
 
 TEST(CameraSession, takesTheModeNearestToTheMediumSize) {

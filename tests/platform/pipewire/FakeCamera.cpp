@@ -124,6 +124,7 @@ void FakeCamera::process(void* data) {
         header->pts = now;
     }
     camera.m_lastPicture = now;
+    ++camera.m_pictures;
     pw_stream_queue_buffer(camera.m_stream, buffer);
 }
 

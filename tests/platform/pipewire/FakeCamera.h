@@ -36,6 +36,8 @@ public:
     void freeze(bool isFrozen) { m_isFrozen = isFrozen; }
     /// The time of the picture that was taken last, host nanoseconds.
     std::int64_t lastPicture() const { return m_lastPicture; }
+    /// How many it took so far.
+    int pictures() const { return m_pictures; }
 
 private:
     static void state(void* data, pw_stream_state, pw_stream_state now, const char*);
@@ -51,6 +53,7 @@ private:
     std::atomic<bool> m_isFrozen = false;
     std::atomic<bool> m_isSweeping = false;
     std::atomic<std::int64_t> m_lastPicture = 0;
+    std::atomic<int> m_pictures = 0;
 };
 
 } // namespace tavi::test

@@ -36,7 +36,9 @@ FakeSpeaker::FakeSpeaker(const std::string& name) : m_name(name) {
         "pw-cli create-node adapter '{ factory.name=support.null-audio-sink node.name=" + name +
         " media.class=Audio/Sink audio.rate=48000 audio.position=[FL FR] "
         "object.linger=true priority.session=2000 }'"));
-    EXPECT_TRUE(waitFor([&] { return runs("pw-link -i | grep -q " + name); })) << "no speaker";
+    // The client that lists has to come to its end: all it tells is read.
+    EXPECT_TRUE(waitFor([&] { return runs("test -n \"$(pw-link -i | grep " + name + ")\""); }))
+        << "no speaker";
     pw_init(nullptr, nullptr);
     m_loop = pw_thread_loop_new("fake-speaker", nullptr);
     m_stream = pw_stream_new_simple(

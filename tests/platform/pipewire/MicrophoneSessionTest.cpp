@@ -122,7 +122,7 @@ TEST(MicrophoneSession, deliversTheToneWithoutGapOrOverlap) {
     ASSERT_TRUE(rig.waitForCount(1));
     const MediaTime first = rig.samples().front().presentationTime;
     EXPECT_GT(first.value, before);
-    EXPECT_LT(first.value, before + 1'000'000'000);
+    EXPECT_LT(first.value, hostNanoseconds());
     EXPECT_TRUE(isHeard(rig, 2, [](const auto& samples) {
         return isSeamless(samples) &&
                std::abs(steadyPitch(channelOf(samples, 0, kStart), 48000) - 700) < 0.05;
@@ -241,6 +241,7 @@ TEST(MicrophoneSession, unpluggedMicrophoneIsQuietAndContinuesWhenItIsBack) {
     EXPECT_FALSE(test::waitFor([&] { return rig.count() > 1; }, 1)) << "sound of no microphone";
     EXPECT_TRUE(rig.session().isRunning());
     rig.clear();
+    const std::int64_t back = hostNanoseconds();
     fake = std::make_unique<FakeMicrophone>("mic", "Fake",
                                             FakeSound{SPA_AUDIO_FORMAT_S32, 48000, 1, 600});
     ASSERT_TRUE(test::waitFor([&] { return secondsOf(rig.samples()) > 1; }));
@@ -253,7 +254,8 @@ TEST(MicrophoneSession, unpluggedMicrophoneIsQuietAndContinuesWhenItIsBack) {
     const double pause =
         (after.front().presentationTime - before.back().presentationTime).seconds();
     EXPECT_GT(pause, 0.9);
-    EXPECT_LT(pause, 5);
+    EXPECT_GT(after.front().presentationTime.value, back);
+    EXPECT_LT(after.front().presentationTime.value, hostNanoseconds());
 }
 
 /// A microphone whose sound comes, and the server that it may lose.
@@ -307,10 +309,11 @@ TEST(MicrophoneSession, keepsItsMicrophoneWhenAnotherBecomesTheDefault) {
     ASSERT_TRUE(rig.waitForCount(5));
     for (const char* name : {"other", "mic", "other"}) {
         ASSERT_TRUE(PipeWireTestServer::chooseDefaultSource(name));
-        rig.clear();
-        ASSERT_TRUE(test::waitFor([&] { return secondsOf(rig.samples()) > 0.5; }));
-        EXPECT_NEAR(steadyPitch(channelOf(rig.samples(), 0, 0), 48000), 700, 0.5);
-        EXPECT_TRUE(isSeamless(rig.samples()));
+        EXPECT_TRUE(isHeard(rig, 0.5, [](const auto& samples) {
+            const double pitch = steadyPitch(channelOf(samples, 0, 0), 48000);
+            EXPECT_TRUE(pitch == 0 || std::abs(pitch - 700) < 0.5) << pitch;
+            return pitch > 0 && isSeamless(samples);
+        }));
     }
 }
 
