@@ -149,32 +149,35 @@ void EditorWindow::enter(const QString& field, const std::string& text) {
     press("Return");
 }
 
-bool EditorWindow::dialogStandsBeforeTheWindow() {
+QString EditorWindow::dialog() {
     const std::string found = output(QStringLiteral("xdotool"),
                                      {QStringLiteral("search"), QStringLiteral("--onlyvisible"),
                                       QStringLiteral("--name"), QStringLiteral("^Export$")});
+    return QString::fromStdString(found).section(u'\n', 0, 0);
+}
+
+bool EditorWindow::dialogStandsBeforeTheWindow() {
     const std::string parent =
         output(QStringLiteral("xprop"),
-               {QStringLiteral("-id"), QString::fromStdString(found).section(u'\n', 0, 0),
-                QStringLiteral("WM_TRANSIENT_FOR")});
+               {QStringLiteral("-id"), dialog(), QStringLiteral("WM_TRANSIENT_FOR")});
     return QString::fromStdString(parent).contains(
         QStringLiteral("# 0x%1").arg(std::stoul(id()), 0, 16));
 }
 
+bool EditorWindow::dialogHasTheKeyboard() {
+    const std::string focused =
+        output(QStringLiteral("xdotool"), {QStringLiteral("getwindowfocus")});
+    return QString::fromStdString(focused).trimmed() == dialog();
+}
+
 void EditorWindow::chooseFile(const std::string& name) {
-    const auto isOpen = [this] {
-        return !output(QStringLiteral("xdotool"),
-                       {QStringLiteral("search"), QStringLiteral("--onlyvisible"),
-                        QStringLiteral("--name"), QStringLiteral("^Export$")})
-                    .empty();
-    };
-    ASSERT_TRUE(eventually(isOpen)) << "no dialog";
+    ASSERT_TRUE(eventually([this] { return !dialog().isEmpty(); })) << "no dialog";
     EXPECT_TRUE(eventually([this] { return dialogStandsBeforeTheWindow(); }));
-    pass(0.3); // until it has the keyboard
+    EXPECT_TRUE(eventually([this] { return dialogHasTheKeyboard(); }));
     press("ctrl+a");
     type((library() / name).string());
     press("Return");
-    ASSERT_TRUE(eventually([&] { return !isOpen(); }));
+    ASSERT_TRUE(eventually([this] { return dialog().isEmpty(); }));
 }
 
 void EditorWindow::openFromOutside() {

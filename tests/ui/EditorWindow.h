@@ -74,7 +74,10 @@ private:
         double width = 0;
     };
     Track track();
+    /// The file dialog's window; empty where there is none.
+    QString dialog();
     bool dialogStandsBeforeTheWindow();
+    bool dialogHasTheKeyboard();
     void makeTake();
     void makeFilm(const char* name, const char* source);
 

@@ -5,6 +5,7 @@
 #include <QTest>
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <fstream>
 #include <iterator>
 #include <sstream>
@@ -194,7 +195,7 @@ void TavlinWindow::waitUntilStill() {
     QImage before;
     EXPECT_TRUE(eventually([&] {
         const QImage now = picture();
-        const bool still = now == before;
+        const bool still = now == before && isAsleep();
         before = now;
         pass(0.2);
         return still;
@@ -219,6 +220,15 @@ void TavlinWindow::pass(double seconds) {
 
 bool TavlinWindow::hasEnded() {
     return m_program.state() == QProcess::NotRunning || m_program.waitForFinished(kPatience);
+}
+
+bool TavlinWindow::isAsleep() {
+    const std::filesystem::directory_iterator tasks(
+        "/proc/" + std::to_string(m_program.processId()) + "/task");
+    return std::all_of(begin(tasks), end(tasks), [](const auto& task) {
+        const std::string status = readFile(task.path() / "stat");
+        return status.find(") R ") == std::string::npos;
+    });
 }
 
 std::size_t TavlinWindow::processEntries(const std::string& folder) {

@@ -52,7 +52,8 @@ public:
     }
     void type(const std::string& text);
 
-    /// Waits until two pictures, taken a moment apart, are the same.
+    /// Waits until two pictures, taken a moment apart, are the same, and the program is not about
+    /// to draw another.
     void waitUntilStill();
     /// Waits until a condition holds; false when it doesn't for a long time.
     bool eventually(const std::function<bool()>& condition);
@@ -77,6 +78,8 @@ protected:
 private:
     QStringList moveTo(QPoint place) const;
     void pressKey(const std::string& key);
+    /// Whether all threads of the program wait for something.
+    bool isAsleep();
     /// How many entries a folder of the program in /proc has.
     std::size_t processEntries(const std::string& folder);
 

@@ -67,6 +67,13 @@ protected:
         return {place.x() - 28, kHeader / 2};
     }
 
+    /// Does what opens a dialog, and waits until it stands there.
+    void openDialog(const std::string& key) {
+        m_window.press(key);
+        EXPECT_TRUE(hasNot(newRecording(), kAccent)); // under the dialog's layer
+        m_window.waitUntilStill();
+    }
+
     bool gone(const std::string& name) {
         return m_window.eventually([&] { return !exists(m_window.library() / name); });
     }
@@ -112,9 +119,8 @@ TEST_F(TavlinWindowTest, renamesATakeByItsMenu) {
 }
 
 TEST_F(TavlinWindowTest, refusesABadNameAndAsksAgain) {
-    m_window.press("Right", "Left", "F2");
-    ASSERT_TRUE(hasNot(newRecording(), kAccent));
-    m_window.waitUntilStill();
+    m_window.press("Right", "Left");
+    openDialog("F2");
     m_window.type(".hidden");
     m_window.press("Return"); // the alert says why
     m_window.waitUntilStill();
@@ -131,8 +137,7 @@ TEST_F(TavlinWindowTest, deletesSelectedTakesByPointer) {
     ASSERT_TRUE(has(badge(0), kAccent));
     m_window.click(cardMiddle(2)); // a selection turns clicks into selection clicks
     ASSERT_TRUE(has(badge(2), kAccent));
-    m_window.press("Delete");
-    m_window.waitUntilStill();
+    openDialog("Delete");
     m_window.press("Return");
     EXPECT_TRUE(gone("Newest"));
     EXPECT_TRUE(gone("Oldest"));
@@ -144,8 +149,7 @@ TEST_F(TavlinWindowTest, keepsTakesWhenTheDeleteIsCancelled) {
     m_window.press("ctrl+a");
     ASSERT_TRUE(has(badge(0), kAccent));
     ASSERT_TRUE(has(badge(2), kAccent));
-    m_window.press("Delete");
-    m_window.waitUntilStill();
+    openDialog("Delete");
     m_window.press("Escape");
     m_window.waitUntilStill();
     m_window.press("Escape");
@@ -159,8 +163,7 @@ TEST_F(TavlinWindowTest, keepsTakesWhenTheDeleteIsCancelled) {
 TEST_F(TavlinWindowTest, isUsedByTheKeyboardAlone) {
     m_window.press("Right", "space"); // selects the second take
     ASSERT_TRUE(has(badge(1), kAccent));
-    m_window.press("Delete");
-    m_window.waitUntilStill();
+    openDialog("Delete");
     m_window.press("Return");
     ASSERT_TRUE(gone("Middle"));
     ASSERT_TRUE(isHome());
