@@ -94,7 +94,8 @@ TEST_F(ExportCommand, interruptLeavesNoFile) {
     const Outcome outcome = exportTakes(
         "--set outputSettings.resolution=3840x2160 --set outputSettings.fps=240 --out-dir " +
         quoted(films) + " " + quoted(folder / "one") + " " + quoted(folder / "two") +
-        " & export=$!; sleep 1; kill -INT $export; wait $export");
+        " & export=$!; while kill -0 $export && [ -z \"$(ls -A " + quoted(films) +
+        " 2>/dev/null)\" ]; do sleep 0.05; done; kill -INT $export; wait $export");
     EXPECT_EQ(outcome.status, 1);
     EXPECT_EQ(outcome.err, "tavi: Export was cancelled.\n");
     EXPECT_TRUE(fs::is_empty(films));

@@ -116,7 +116,7 @@ TEST_F(TaviKeysOfAMouse, clicksOfAnotherConsoleGiveNoLine) {
     helper = std::make_unique<RunningKeys>(environment, kWithPointer);
     ASSERT_TRUE(helper->isReady());
     seat.turnWheel(kMouse, 120);
-    std::this_thread::sleep_for(std::chrono::milliseconds(300));
+    ASSERT_TRUE(helper->rests()); // it has heard of that
     seat.showConsole("tty2");
     seat.press(kMouse, BTN_RIGHT);
     ASSERT_TRUE(helper->hasClicks(1));

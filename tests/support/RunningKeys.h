@@ -7,6 +7,7 @@
 
 #include <gtest/gtest.h>
 
+#include <chrono>
 #include <csignal>
 #include <cstdlib>
 #include <fstream>
@@ -15,6 +16,7 @@
 #include <optional>
 #include <sstream>
 #include <string>
+#include <thread>
 #include <vector>
 
 namespace tavi::test {
@@ -112,19 +114,28 @@ public:
     pid_t pid() const { return m_process->pid(); }
     bool isAlive() const { return kill(m_process->pid(), 0) == 0; }
 
-    /// How often it went to sleep so far of its own accord.
-    long sleeps() const {
-        std::ifstream status("/proc/" + std::to_string(m_process->pid()) + "/status");
-        const std::string name = "voluntary_ctxt_switches:";
-        for (std::string one; std::getline(status, one);) {
-            if (one.rfind(name, 0) == 0) {
-                return std::stol(one.substr(name.size()));
-            }
-        }
-        return -1;
+    /// Waits until it has nothing to do: until it neither runs nor was woken for so long.
+    bool rests(std::chrono::milliseconds time = std::chrono::milliseconds(200)) const {
+        return eventually([this, time] {
+            const std::string before = status("voluntary_ctxt_switches:");
+            std::this_thread::sleep_for(time);
+            return status("State:").find('S') != std::string::npos &&
+                   status("voluntary_ctxt_switches:") == before;
+        });
     }
 
 private:
+    /// What the kernel tells of it under a name.
+    std::string status(const std::string& name) const {
+        std::ifstream file("/proc/" + std::to_string(m_process->pid()) + "/status");
+        for (std::string one; std::getline(file, one);) {
+            if (one.rfind(name, 0) == 0) {
+                return one.substr(name.size());
+            }
+        }
+        return "";
+    }
+
     mutable std::mutex m_mutex;
     std::string m_text;
     PosixHelperLauncher m_launcher;

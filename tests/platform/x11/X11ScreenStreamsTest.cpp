@@ -149,10 +149,12 @@ long sleepsOfThisProcess() {
 TEST_F(X11ScreenStreamsTest, sleepsWhileNothingMoves) {
     const Watched watched(server, display);
     ASSERT_TRUE(watched.shows(0, 0, 0x204060));
-    std::this_thread::sleep_for(std::chrono::milliseconds(200));
-    const long before = sleepsOfThisProcess();
-    std::this_thread::sleep_for(std::chrono::seconds(1));
-    EXPECT_LE(sleepsOfThisProcess() - before, 2); // this thread's own
+    // A busy machine is done with the first picture somewhat later.
+    EXPECT_TRUE(test::waitFor([] {
+        const long before = sleepsOfThisProcess();
+        std::this_thread::sleep_for(std::chrono::seconds(1));
+        return sleepsOfThisProcess() - before <= 2; // this thread's own
+    }));
 }
 
 TEST_F(X11ScreenStreamsTest, timesAreOfTheMomentThePictureWasTaken) {
