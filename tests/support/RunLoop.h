@@ -7,9 +7,9 @@
 
 namespace tavi::test {
 
-/// Runs the main loop until `condition` holds; false after ten seconds without.
+/// Runs the main loop until `condition` holds; false after a minute without.
 inline bool runLoopUntil(const std::function<bool()>& condition) {
-    constexpr int kPatience = 10'000; // milliseconds
+    constexpr int kPatience = 60'000; // milliseconds
     QElapsedTimer timer;
     timer.start();
     while (!condition()) {
