@@ -9,6 +9,8 @@
 
 #include <gmock/gmock.h>
 
+#include <memory>
+
 namespace tavi {
 namespace {
 
@@ -22,12 +24,17 @@ public:
     explicit RealTake(const std::string& server)
         : m_adapters(server),
           m_display(X11ShareableContent(server).content().value().displays.at(0)),
-          m_recorder(m_adapters.ports(&m_permission)) {}
+          m_recorder(std::make_unique<TakeRecorder>(m_adapters.ports(&m_permission))) {}
+    /// What the take left to the main thread asks for the permission.
+    ~RealTake() {
+        m_recorder.reset();
+        test::runLoopFor(0);
+    }
 
     Result<void, CaptureError> start(const std::filesystem::path& library) {
-        return m_recorder.start(m_display, library);
+        return m_recorder->start(m_display, library);
     }
-    TakeRecorder& recorder() { return m_recorder; }
+    TakeRecorder& recorder() { return *m_recorder; }
 
     /// Whether its key helper listens: what is typed before is lost.
     bool hearsKeys() const { return m_permission.grants > 0; }
@@ -36,7 +43,7 @@ private:
     FakeKeyPermission m_permission;
     test::RealAdapters m_adapters;
     Display m_display;
-    TakeRecorder m_recorder;
+    std::unique_ptr<TakeRecorder> m_recorder;
 };
 
 /// Largest difference of a colour channel between a pixel and 0xRRGGBB.

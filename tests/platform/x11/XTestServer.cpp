@@ -283,10 +283,10 @@ void runLoopFor(double seconds) {
     ensureQtApplication();
     QElapsedTimer timer;
     timer.start();
-    while (static_cast<double>(timer.elapsed()) < seconds * 1000) {
+    do {
         QCoreApplication::processEvents(QEventLoop::AllEvents, 5);
         usleep(500);
-    }
+    } while (static_cast<double>(timer.elapsed()) < seconds * 1000);
 }
 
 } // namespace tavi::test

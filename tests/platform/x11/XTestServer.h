@@ -98,10 +98,10 @@ private:
 /// The one Qt application of the process.
 void ensureQtApplication();
 
-/// Runs the Qt loop until `condition` holds; false when it doesn't within ten seconds.
+/// Runs the Qt loop until `condition` holds; false when it doesn't within a minute.
 bool waitFor(const std::function<bool()>& condition);
 
-/// Runs the Qt loop for a while.
+/// Runs the Qt loop for a while, and at least until all that waits for it is done.
 void runLoopFor(double seconds);
 
 } // namespace tavi::test
