@@ -100,13 +100,7 @@ protected:
         painter.fill(0, 0, 640, 360, 0x404040);
         ASSERT_TRUE(rig.screen().run("xdotool mousemove 120 120"));
         auto recording = rig.record("--mic 'Test Microphone' --camera 'Test Camera' --duration 6");
-        const auto isWriting = [this] {
-            std::error_code none;
-            const std::filesystem::directory_iterator takes(rig.home() / "Tavlin", none);
-            return takes != std::filesystem::directory_iterator() &&
-                   std::filesystem::exists(takes->path() / "camera.mov");
-        };
-        ASSERT_TRUE(waitFor(isWriting, 20));
+        ASSERT_TRUE(rig.isWriting("camera.mov"));
         sleepUntil(hostSeconds() + 1);
         const double marked = mark();
         PointerWatch watch(rig.screen());

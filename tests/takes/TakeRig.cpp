@@ -1,5 +1,7 @@
 #include "takes/TakeRig.h"
 
+#include "support/Eventually.h"
+
 #include <gtest/gtest.h>
 
 namespace tavi::test {
@@ -16,9 +18,16 @@ std::future<Outcome> TakeRig::record(const std::string& arguments) const {
 }
 
 bool TakeRig::isListed(const std::string& device) const {
-    constexpr double kPatience = 20; // seconds
-    return waitFor([&] { return tavi("sources").out.find(device) != std::string::npos; },
-                   kPatience);
+    return eventually([&] { return tavi("sources").out.find(device) != std::string::npos; });
+}
+
+bool TakeRig::isWriting(const std::string& file) const {
+    return eventually([&] {
+        std::error_code none;
+        const std::filesystem::directory_iterator takes(home() / "Tavlin", none);
+        return takes != std::filesystem::directory_iterator() &&
+               std::filesystem::exists(takes->path() / file);
+    });
 }
 
 std::filesystem::path takeOf(const Outcome& recorded) {

@@ -27,6 +27,9 @@ public:
     /// Waits until `tavi sources` lists it.
     bool isListed(const std::string& device) const;
 
+    /// Waits until a take has a file of that name.
+    bool isWriting(const std::string& file) const;
+
     std::filesystem::path home() const { return m_home.path(); }
     PipeWireTestServer& media() { return m_media; }
     const XTestServer& screen() const { return m_screen; }
