@@ -5,6 +5,7 @@ import Tavi.Ui
 
 /// A question or a message that must be answered. Any button closes it; Escape
 /// is its first button. What is put inside stands between text and buttons.
+/// Return is what has the keyboard; nothing is destroyed by a Return that comes too soon.
 T.Popup {
     id: alert
 
@@ -14,8 +15,8 @@ T.Popup {
     property string cancelText: ""
     required property string confirmText
     property bool destructive: false
-    /// What has the keyboard when it opens; the confirming button by default.
-    property Item firstFocus: confirmButton
+    /// What has the keyboard when it opens; by default the button that destroys nothing.
+    property Item firstFocus: destructive && cancelText !== "" ? cancelButton : confirmButton
     default property alias extra: extras.data
 
     signal confirmed
@@ -80,6 +81,7 @@ T.Popup {
             spacing: 8
 
             PlainButton {
+                id: cancelButton
                 visible: alert.cancelText !== ""
                 text: alert.cancelText
                 leftPadding: 16

@@ -138,7 +138,7 @@ TEST_F(TavlinWindowTest, deletesSelectedTakesByPointer) {
     m_window.click(cardMiddle(2)); // a selection turns clicks into selection clicks
     ASSERT_TRUE(has(badge(2), kAccent));
     openDialog("Delete");
-    m_window.press("Return");
+    m_window.press("Tab", "Return"); // past the answer that keeps them
     EXPECT_TRUE(gone("Newest"));
     EXPECT_TRUE(gone("Oldest"));
     EXPECT_TRUE(exists(m_window.library() / "Middle" / "video.mov"));
@@ -149,9 +149,12 @@ TEST_F(TavlinWindowTest, keepsTakesWhenTheDeleteIsCancelled) {
     m_window.press("ctrl+a");
     ASSERT_TRUE(has(badge(0), kAccent));
     ASSERT_TRUE(has(badge(2), kAccent));
-    openDialog("Delete");
-    m_window.press("Escape");
-    m_window.waitUntilStill();
+    for (const char* refusal : {"Escape", "Return"}) {
+        openDialog("Delete");
+        m_window.press(refusal);
+        m_window.waitUntilStill();
+        EXPECT_TRUE(has(badge(0), kAccent)) << refusal;
+    }
     m_window.press("Escape");
     EXPECT_TRUE(hasNot(badge(0), kAccent));
     EXPECT_TRUE(isHome());
@@ -164,7 +167,7 @@ TEST_F(TavlinWindowTest, isUsedByTheKeyboardAlone) {
     m_window.press("Right", "space"); // selects the second take
     ASSERT_TRUE(has(badge(1), kAccent));
     openDialog("Delete");
-    m_window.press("Return");
+    m_window.press("Tab", "Return");
     ASSERT_TRUE(gone("Middle"));
     ASSERT_TRUE(isHome());
     m_window.press("Home", "Return"); // opens the first take

@@ -40,6 +40,12 @@ Item {
         destructive: true
     }
     AlertDialog {
+        id: question
+        title: "Rename Recording"
+        cancelText: "Cancel"
+        confirmText: "Rename"
+    }
+    AlertDialog {
         id: message
         title: "Error"
         text: "Name cannot be empty."
@@ -52,16 +58,17 @@ Item {
 
         SignalSpy { id: confirmed; target: alert; signalName: "confirmed" }
         SignalSpy { id: cancelled; target: alert; signalName: "cancelled" }
+        SignalSpy { id: answered; target: question; signalName: "confirmed" }
         SignalSpy { id: told; target: message; signalName: "confirmed" }
         SignalSpy { id: renamed; target: rename; signalName: "triggered" }
         SignalSpy { id: removed; target: remove; signalName: "triggered" }
 
         function init() {
-            for (const spy of [confirmed, cancelled, told, renamed, removed])
+            for (const spy of [confirmed, cancelled, answered, told, renamed, removed])
                 spy.clear()
         }
         function cleanup() {
-            for (const popup of [popover, menu, alert, message]) {
+            for (const popup of [popover, menu, alert, question, message]) {
                 popup.close()
                 tryVerify(() => !popup.visible)
             }
@@ -111,10 +118,20 @@ Item {
             tryVerify(() => !menu.visible)
         }
         function test_returnConfirmsAnAlert() {
-            show(alert)
+            show(question)
             keyClick(Qt.Key_Return)
-            compare(confirmed.count, 1)
-            compare(cancelled.count, 0)
+            compare(answered.count, 1)
+            tryVerify(() => !question.visible)
+        }
+        function test_noKeyDestroysAtOnce_data() {
+            return [{ tag: "return", key: Qt.Key_Return }, { tag: "enter", key: Qt.Key_Enter },
+                    { tag: "space", key: Qt.Key_Space }]
+        }
+        function test_noKeyDestroysAtOnce(data) {
+            show(alert)
+            keyClick(data.key)
+            compare(confirmed.count, 0)
+            compare(cancelled.count, 1)
             tryVerify(() => !alert.visible)
         }
         function test_escapeCancelsAnAlert() {
@@ -128,7 +145,8 @@ Item {
             show(alert)
             keyClick(Qt.Key_Tab)
             keyClick(Qt.Key_Space)
-            compare(cancelled.count, 1)
+            compare(confirmed.count, 1)
+            compare(cancelled.count, 0)
         }
         function test_aClickBesideAnAlertDoesNothing() {
             show(alert)
