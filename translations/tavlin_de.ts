@@ -401,6 +401,118 @@
         <source>Nothing was exported, no kept part of the take holds a picture</source>
         <translation>Nichts wurde exportiert, kein behaltener Teil der Aufnahme enthält ein Bild</translation>
     </message>
+    <message>
+        <source>&quot;%1&quot; can&apos;t be opened: there is no video in it.</source>
+        <translation>„%1“ lässt sich nicht öffnen: Es ist kein Video darin.</translation>
+    </message>
+    <message>
+        <source>Permission denied</source>
+        <translation>Keine Berechtigung</translation>
+    </message>
+    <message>
+        <source>Operation not permitted</source>
+        <translation>Die Operation ist nicht erlaubt</translation>
+    </message>
+    <message>
+        <source>No such file or directory</source>
+        <translation>Datei oder Verzeichnis nicht gefunden</translation>
+    </message>
+    <message>
+        <source>No space left on device</source>
+        <translation>Auf dem Gerät ist kein Speicherplatz mehr verfügbar</translation>
+    </message>
+    <message>
+        <source>Disk quota exceeded</source>
+        <translation>Der zugewiesene Speicherplatz ist aufgebraucht</translation>
+    </message>
+    <message>
+        <source>Read-only file system</source>
+        <translation>Das Dateisystem ist nur lesbar</translation>
+    </message>
+    <message>
+        <source>Input/output error</source>
+        <translation>Eingabe-/Ausgabefehler</translation>
+    </message>
+    <message>
+        <source>File exists</source>
+        <translation>Die Datei existiert bereits</translation>
+    </message>
+    <message>
+        <source>Not a directory</source>
+        <translation>Ist kein Verzeichnis</translation>
+    </message>
+    <message>
+        <source>Is a directory</source>
+        <translation>Ist ein Verzeichnis</translation>
+    </message>
+    <message>
+        <source>Directory not empty</source>
+        <translation>Das Verzeichnis ist nicht leer</translation>
+    </message>
+    <message>
+        <source>Device or resource busy</source>
+        <translation>Das Gerät oder die Ressource ist belegt</translation>
+    </message>
+    <message>
+        <source>File too large</source>
+        <translation>Die Datei ist zu groß</translation>
+    </message>
+    <message>
+        <source>File name too long</source>
+        <translation>Der Dateiname ist zu lang</translation>
+    </message>
+    <message>
+        <source>Too many open files</source>
+        <translation>Zu viele offene Dateien</translation>
+    </message>
+    <message>
+        <source>Cannot allocate memory</source>
+        <translation>Nicht genügend Hauptspeicher verfügbar</translation>
+    </message>
+    <message>
+        <source>The recording can&apos;t be saved, since no folder can be made in %1 (%2). Make it a folder that you may write to, and try again.</source>
+        <translation>Die Aufnahme lässt sich nicht speichern, denn in %1 lässt sich kein Ordner anlegen (%2). Bitte dort Schreibrechte einrichten oder einen beschreibbaren Ordner daraus machen und noch einmal versuchen.</translation>
+    </message>
+    <message>
+        <source>The update can&apos;t be saved: %1.</source>
+        <translation>Die Aktualisierung lässt sich nicht speichern: %1.</translation>
+    </message>
+    <message>
+        <source>Updates are fetched over https only.</source>
+        <translation>Aktualisierungen werden nur über https geholt.</translation>
+    </message>
+    <message>
+        <source>The server of the updates doesn&apos;t answer in time.</source>
+        <translation>Der Server der Aktualisierungen antwortet nicht rechtzeitig.</translation>
+    </message>
+    <message>
+        <source>The server of the updates sends more than it said or may.</source>
+        <translation>Der Server der Aktualisierungen sendet mehr, als er angekündigt hat oder darf.</translation>
+    </message>
+    <message>
+        <source>The update can&apos;t be saved.</source>
+        <translation>Die Aktualisierung lässt sich nicht speichern.</translation>
+    </message>
+    <message>
+        <source>The updates can&apos;t be reached: %1.</source>
+        <translation>Die Aktualisierungen sind nicht erreichbar: %1.</translation>
+    </message>
+    <message>
+        <source>The update&apos;s file is shorter than it should be.</source>
+        <translation>Die Datei der Aktualisierung ist kürzer, als sie sein sollte.</translation>
+    </message>
+    <message>
+        <source>Invalid data found when processing input</source>
+        <translation>Die Daten sind ungültig</translation>
+    </message>
+    <message>
+        <source>The list of updates can&apos;t be read: %1 (line %2).</source>
+        <translation>Die Liste der Aktualisierungen lässt sich nicht lesen: %1 (Zeile %2).</translation>
+    </message>
+    <message>
+        <source>width and height must be even and at least 16 pixels</source>
+        <translation>Breite und Höhe müssen gerade und mindestens 16 Pixel groß sein</translation>
+    </message>
 </context>
 <context>
     <name>ExportOverlayView</name>

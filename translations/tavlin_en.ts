@@ -401,6 +401,118 @@
         <source>Nothing was exported, no kept part of the take holds a picture</source>
         <translation type="unfinished"></translation>
     </message>
+    <message>
+        <source>The list of updates can&apos;t be read: %1 (line %2).</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>&quot;%1&quot; can&apos;t be opened: there is no video in it.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Permission denied</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Operation not permitted</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>No such file or directory</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>No space left on device</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Disk quota exceeded</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Read-only file system</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Input/output error</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>File exists</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Not a directory</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Is a directory</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Directory not empty</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Device or resource busy</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>File too large</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>File name too long</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Too many open files</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Cannot allocate memory</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>The recording can&apos;t be saved, since no folder can be made in %1 (%2). Make it a folder that you may write to, and try again.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>The update can&apos;t be saved: %1.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Updates are fetched over https only.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>The server of the updates doesn&apos;t answer in time.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>The server of the updates sends more than it said or may.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>The update can&apos;t be saved.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>The updates can&apos;t be reached: %1.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>The update&apos;s file is shorter than it should be.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Invalid data found when processing input</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>width and height must be even and at least 16 pixels</source>
+        <translation type="unfinished"></translation>
+    </message>
 </context>
 <context>
     <name>ExportOverlayView</name>

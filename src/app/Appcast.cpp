@@ -98,8 +98,9 @@ bool isOlder(const AppcastItem& a, const AppcastItem& b) {
 
 } // namespace
 
-std::string AppcastError::description() const {
-    return "The list of updates can't be read: " + detail + ".";
+Message AppcastError::message() const {
+    return {TAVI_TEXT("Errors", "The list of updates can't be read: %1 (line %2)."),
+            {detail, std::to_string(line)}};
 }
 
 Result<std::vector<AppcastItem>, AppcastError> parseAppcast(std::string_view xml) {
@@ -108,8 +109,7 @@ Result<std::vector<AppcastItem>, AppcastError> parseAppcast(std::string_view xml
     readRoot(reader);
     auto items = readItems(reader);
     if (reader.hasError()) {
-        return fail(AppcastError{reader.errorString().toStdString() + " in line " +
-                                 std::to_string(reader.lineNumber())});
+        return fail(AppcastError{reader.errorString().toStdString(), reader.lineNumber()});
     }
     return items;
 }

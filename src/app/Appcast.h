@@ -1,5 +1,6 @@
 #pragma once
 
+#include "base/Message.h"
 #include "base/Result.h"
 
 #include <cstdint>
@@ -23,9 +24,11 @@ struct AppcastItem {
 
 /// Why a text is no appcast.
 struct AppcastError {
-    std::string detail; ///< What is wrong and where, for who keeps the feed.
+    std::string detail;    ///< What is wrong, for who keeps the feed.
+    std::int64_t line = 0; ///< Where, from 1.
 
-    std::string description() const;
+    Message message() const;
+    std::string description() const { return message().english(); }
 };
 
 /// Reads an RSS 2.0 feed with the customary extension for versions and signatures.

@@ -1,6 +1,7 @@
 #include "app/RecordingFiles.h"
 
 #include "app/PathText.h"
+#include "base/SystemReason.h"
 
 #include <cerrno>
 #include <cstdio>
@@ -55,7 +56,7 @@ Result<void, RecordingFileError> removeRecording(const fs::path& folder) {
     std::error_code error;
     fs::remove_all(folder, error);
     if (error) {
-        return fail(RecordingFileError{Kind::failed, folder, error.message()});
+        return fail(RecordingFileError{Kind::failed, folder, systemReason(error)});
     }
     return {};
 }
@@ -70,7 +71,7 @@ Result<void, RecordingFileError> moveRecording(const fs::path& folder,
         return fail(RecordingFileError{Kind::nameTaken, destination, {}});
     }
     if (error) {
-        return fail(RecordingFileError{Kind::failed, folder, error.message()});
+        return fail(RecordingFileError{Kind::failed, folder, systemReason(error)});
     }
     return {};
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "base/Message.h"
 #include "base/Result.h"
 
 #include <cstdint>
@@ -11,9 +12,10 @@ namespace tavi {
 
 /// Why a file of the network could not be had.
 struct DownloadError {
-    std::string detail; ///< A sentence for the user.
+    Message detail; ///< A sentence for the user.
 
-    std::string description() const { return detail; }
+    Message message() const { return detail; }
+    std::string description() const { return message().english(); }
 };
 
 /// Fetches from the network. Thread: main.

@@ -1,6 +1,7 @@
 #include "app/UpdaterController.h"
 
 #include "app/PathText.h"
+#include "base/MessageText.h"
 
 #include <QUrl>
 
@@ -68,12 +69,12 @@ void UpdaterController::check() {
 
 void UpdaterController::readFeed(const Result<std::string, DownloadError>& feed) {
     if (!feed) {
-        finish(QString::fromStdString(feed.error().description()));
+        finish(translated(feed.error().message()));
         return;
     }
     const auto items = parseAppcast(*feed);
     if (!items) {
-        finish(QString::fromStdString(items.error().description()));
+        finish(translated(items.error().message()));
         return;
     }
     const auto update = newestUpdate(*items, m_runningVersion);
@@ -103,8 +104,7 @@ void UpdaterController::fetch(const AppcastItem& item) {
                                     if (fetched) {
                                         verify(item, path);
                                     } else {
-                                        finish(
-                                            QString::fromStdString(fetched.error().description()));
+                                        finish(translated(fetched.error().message()));
                                     }
                                 });
 }

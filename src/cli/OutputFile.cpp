@@ -1,11 +1,11 @@
 #include "cli/OutputFile.h"
 
+#include "base/SystemReason.h"
 #include "project/RecordingFolder.h"
 
 #include <algorithm>
 #include <array>
 #include <cerrno>
-#include <cstring>
 #include <unistd.h>
 
 namespace tavi::cli {
@@ -47,7 +47,7 @@ Result<void, std::string> checkOutputFile(const fs::path& file, const fs::path& 
         return fail("The output can't be written, there is no such folder: " + folder.string());
     }
     if (access(folder.c_str(), W_OK | X_OK) != 0) {
-        return fail("The output can't be written: " + name + " (" + std::strerror(errno) + ")");
+        return fail("The output can't be written: " + name + " (" + systemReason(errno) + ")");
     }
     return {};
 }

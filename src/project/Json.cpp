@@ -1,7 +1,8 @@
 #include "project/Json.h"
 
+#include "base/SystemReason.h"
+
 #include <cerrno>
-#include <cstring>
 #include <fcntl.h>
 #include <fstream>
 #include <sys/stat.h>
@@ -74,7 +75,7 @@ Result<std::string, JsonError> readTextFile(const std::filesystem::path& path) {
     const Descriptor file{open(path.c_str(), O_RDONLY | O_CLOEXEC)};
     struct stat info {};
     if (file.fd < 0 || fstat(file.fd, &info) != 0) {
-        return fail(JsonError{JsonError::Kind::unreadable, std::strerror(errno)});
+        return fail(JsonError{JsonError::Kind::unreadable, systemReason(errno)});
     }
     if (!S_ISREG(info.st_mode)) {
         return fail(JsonError{JsonError::Kind::unreadable, "not a regular file"});
@@ -87,7 +88,7 @@ Result<std::string, JsonError> readTextFile(const std::filesystem::path& path) {
             continue;
         }
         if (n < 0) {
-            return fail(JsonError{JsonError::Kind::unreadable, std::strerror(errno)});
+            return fail(JsonError{JsonError::Kind::unreadable, systemReason(errno)});
         }
         if (n == 0) {
             break; // shortened while it was read

@@ -1,11 +1,15 @@
 #include "base/MessageText.h"
 
 #include "app/program/Translations.h"
+#include "base/SystemReason.h"
 #include "capture/CaptureDeviceError.h"
 #include "capture/CaptureError.h"
 #include "media/MediaError.h"
 
 #include <gtest/gtest.h>
+
+#include <cerrno>
+#include <cstring>
 
 namespace tavi {
 namespace {
@@ -19,12 +23,22 @@ TEST(MessageText, errorsAreToldInTheUsersLanguage) {
     const MediaError full{MediaError::Kind::diskFull, "/films/a.mp4", "No space left on device"};
     EXPECT_EQ(german(full.message()),
               "Der Datenträger ist voll; bitte Platz schaffen und noch einmal versuchen: "
-              "/films/a.mp4 (No space left on device)");
+              "/films/a.mp4 (Auf dem Gerät ist kein Speicherplatz mehr verfügbar)");
     const CaptureError take{CaptureError::Kind::writer, {}, full.message()};
     EXPECT_EQ(german(take.message()), german(full.message())) << "also as another's cause";
     const CaptureDeviceError gone{CaptureDeviceError::Kind::gone, ""};
     EXPECT_EQ(german(gone.message()),
               "Das Gerät ist nicht da; bitte anschließen oder ein anderes Gerät wählen.");
+}
+
+/// The ones that a disk gives for its reasons.
+TEST(MessageText, theSystemsReasonsAreToldInTheUsersLanguage) {
+    for (const int code : {EACCES, EPERM, ENOENT, ENOSPC, EDQUOT, EROFS, EIO, EEXIST, ENOTDIR,
+                           EISDIR, ENOTEMPTY, EBUSY, EFBIG, ENAMETOOLONG, EMFILE, ENOMEM}) {
+        const std::string reason = systemReason(code);
+        EXPECT_NE(german(reason), reason);
+    }
+    EXPECT_EQ(german(systemReason(ESRCH)), std::strerror(ESRCH)) << "rarer ones in its own words";
 }
 
 TEST(MessageText, withoutATranslationTheyAreEnglish) {

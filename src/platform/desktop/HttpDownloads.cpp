@@ -27,7 +27,7 @@ struct HttpDownloads::Fetch {
     bool isProgressEnough = false; ///< The clock starts anew whenever something comes.
     std::chrono::duration<double> patience{};
     std::function<bool(const QByteArray&)> take; ///< False when it can't be written.
-    std::function<void(std::optional<std::string> problem)> done;
+    std::function<void(std::optional<Message> problem)> done;
 
     std::int64_t bytes = 0;
     QTimer* timer = new QTimer;
@@ -50,7 +50,7 @@ void HttpDownloads::fetchText(const std::string& url, std::int64_t limit, double
         text->append(bytes.constData(), static_cast<std::size_t>(bytes.size()));
         return true;
     };
-    fetch->done = [text, done = std::move(done)](const std::optional<std::string>& problem) {
+    fetch->done = [text, done = std::move(done)](const std::optional<Message>& problem) {
         problem ? done(fail(DownloadError{*problem})) : done(std::move(*text));
     };
     start(url, std::move(fetch));
@@ -69,9 +69,10 @@ void HttpDownloads::fetchFile(const std::string& url, const std::filesystem::pat
         const bool isOpen = file->isOpen() || file->open(QIODevice::WriteOnly);
         return isOpen && file->write(bytes) == bytes.size();
     };
-    fetch->done = [file, done = std::move(done)](std::optional<std::string> problem) {
+    fetch->done = [file, done = std::move(done)](std::optional<Message> problem) {
         if (!problem && (!file->flush() || file->error() != QFileDevice::NoError)) {
-            problem = "The update can't be saved: " + file->errorString().toStdString() + ".";
+            problem = Message(TAVI_TEXT("Errors", "The update can't be saved: %1."),
+                              {file->errorString().toStdString()});
         }
         file->close();
         if (problem) {
@@ -91,8 +92,9 @@ void HttpDownloads::start(const std::string& url, std::unique_ptr<Fetch> fetch) 
         address.scheme() == QLatin1String("https") ||
         (m_transport == Transport::any && address.scheme() == QLatin1String("http"));
     if (!isAllowed) {
-        QObject::connect(m_fetch->timer, &QTimer::timeout,
-                         [this] { refuse("Updates are fetched over https only."); });
+        QObject::connect(m_fetch->timer, &QTimer::timeout, [this] {
+            refuse(TAVI_TEXT("Errors", "Updates are fetched over https only."));
+        });
         m_fetch->timer->start(0);
         return;
     }
@@ -105,8 +107,9 @@ void HttpDownloads::start(const std::string& url, std::unique_ptr<Fetch> fetch) 
     m_fetch->reply->setReadBufferSize(1 << 18);
     QObject::connect(m_fetch->reply, &QNetworkReply::readyRead, [this] { read(); });
     QObject::connect(m_fetch->reply, &QNetworkReply::finished, [this] { finish(); });
-    QObject::connect(m_fetch->timer, &QTimer::timeout,
-                     [this] { refuse("The server of the updates doesn't answer in time."); });
+    QObject::connect(m_fetch->timer, &QTimer::timeout, [this] {
+        refuse(TAVI_TEXT("Errors", "The server of the updates doesn't answer in time."));
+    });
     m_fetch->timer->start(std::chrono::duration_cast<std::chrono::milliseconds>(m_fetch->patience));
 }
 
@@ -114,9 +117,9 @@ void HttpDownloads::read() {
     const QByteArray bytes = m_fetch->reply->readAll();
     m_fetch->bytes += bytes.size();
     if (m_fetch->bytes > m_fetch->limit) {
-        refuse("The server of the updates sends more than it said or may.");
+        refuse(TAVI_TEXT("Errors", "The server of the updates sends more than it said or may."));
     } else if (!m_fetch->take(bytes)) {
-        refuse("The update can't be saved.");
+        refuse(TAVI_TEXT("Errors", "The update can't be saved."));
     } else if (m_fetch->isProgressEnough && !bytes.isEmpty()) {
         m_fetch->timer->start();
     }
@@ -124,8 +127,8 @@ void HttpDownloads::read() {
 
 void HttpDownloads::finish() {
     if (m_fetch->reply->error() != QNetworkReply::NoError) {
-        refuse("The updates can't be reached: " + m_fetch->reply->errorString().toStdString() +
-               ".");
+        refuse({TAVI_TEXT("Errors", "The updates can't be reached: %1."),
+                {m_fetch->reply->errorString().toStdString()}});
         return;
     }
     QNetworkReply* reply = m_fetch->reply;
@@ -134,7 +137,7 @@ void HttpDownloads::finish() {
         return; // that was too much
     }
     if (m_fetch->isLimitExact && m_fetch->bytes != m_fetch->limit) {
-        refuse("The update's file is shorter than it should be.");
+        refuse(TAVI_TEXT("Errors", "The update's file is shorter than it should be."));
         return;
     }
     const auto done = m_fetch->done;
@@ -142,7 +145,7 @@ void HttpDownloads::finish() {
     done(std::nullopt);
 }
 
-void HttpDownloads::refuse(const std::string& problem) {
+void HttpDownloads::refuse(const Message& problem) {
     const auto done = m_fetch->done;
     cancel();
     done(problem);

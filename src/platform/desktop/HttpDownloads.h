@@ -32,7 +32,7 @@ private:
     void start(const std::string& url, std::unique_ptr<Fetch> fetch);
     void read();
     void finish();
-    void refuse(const std::string& problem);
+    void refuse(const Message& problem);
 
     Transport m_transport;
     QNetworkAccessManager m_network;

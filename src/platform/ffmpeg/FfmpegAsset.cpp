@@ -1,5 +1,6 @@
 #include "platform/ffmpeg/FfmpegAsset.h"
 
+#include "base/SystemReason.h"
 #include "platform/ffmpeg/AlphaPlane.h"
 #include "platform/ffmpeg/FfmpegErrors.h"
 #include "platform/ffmpeg/MovieHeader.h"
@@ -10,7 +11,6 @@ extern "C" {
 
 #include <algorithm>
 #include <cerrno>
-#include <cstring>
 #include <unistd.h>
 #include <utility>
 
@@ -32,14 +32,13 @@ std::optional<MediaError> plainFileError(const fs::path& path) {
     std::error_code failure;
     const fs::file_status status = fs::status(path, failure);
     if (status.type() == fs::file_type::not_found || status.type() == fs::file_type::none) {
-        return mediaError(Kind::notFound, path,
-                          failure ? failure.message() : std::strerror(ENOENT));
+        return mediaError(Kind::notFound, path, systemReason(failure ? failure.value() : ENOENT));
     }
     if (fs::is_directory(status)) {
         return mediaError(Kind::notMedia, path, TAVI_TEXT("Errors", "it is a folder"));
     }
     if (::access(path.c_str(), R_OK) != 0) {
-        return mediaError(Kind::notFound, path, std::strerror(errno));
+        return mediaError(Kind::notFound, path, systemReason(errno));
     }
     if (fs::is_regular_file(status) && fs::file_size(path, failure) == 0) {
         return mediaError(Kind::notMedia, path, TAVI_TEXT("Errors", "it is empty"));

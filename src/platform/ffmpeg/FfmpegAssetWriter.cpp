@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cassert>
+#include <cerrno>
 #include <filesystem>
 #include <system_error>
 #include <utility>
@@ -160,8 +161,7 @@ Result<void, MediaError> FfmpegAssetWriter::completeFile() {
     std::error_code error;
     if (finished && !std::filesystem::exists(m_path, error)) {
         // It was deleted or moved meanwhile, which nothing that is open hears of.
-        const auto gone = std::make_error_code(std::errc::no_such_file_or_directory);
-        return fail(MediaError{MediaError::Kind::cannotWrite, m_path.string(), gone.message()});
+        return fail(writeError(m_path, AVERROR(ENOENT)));
     }
     return finished;
 }

@@ -1,5 +1,7 @@
 #include "platform/ffmpeg/FfmpegErrors.h"
 
+#include "base/SystemReason.h"
+
 #include <cerrno>
 #include <mutex>
 #include <utility>
@@ -11,6 +13,13 @@ extern "C" {
 
 namespace tavi {
 
+namespace {
+
+/// The library's own codes are made of four letters and lie far above.
+constexpr int kLargestErrno = 4095;
+
+} // namespace
+
 void silenceFfmpegLog() {
     static std::once_flag once;
     std::call_once(once, [] {
@@ -20,6 +29,12 @@ void silenceFfmpegLog() {
 }
 
 std::string ffmpegReason(int code) {
+    if (code == AVERROR_INVALIDDATA) {
+        return TAVI_TEXT("Errors", "Invalid data found when processing input");
+    }
+    if (const int system = AVUNERROR(code); system > 0 && system <= kLargestErrno) {
+        return systemReason(system);
+    }
     char text[AV_ERROR_MAX_STRING_SIZE] = {};
     av_strerror(code, text, sizeof text);
     return text;

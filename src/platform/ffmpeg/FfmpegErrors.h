@@ -11,7 +11,8 @@ namespace tavi {
 /// the first call decides, later ones cost nothing.
 void silenceFfmpegLog();
 
-/// The library's words for one of its (negative) error codes.
+/// The words for one of the library's (negative) error codes, the system's among them; windows
+/// translate the common ones.
 std::string ffmpegReason(int code);
 
 MediaError mediaError(MediaError::Kind kind, const std::filesystem::path& file, std::string reason);

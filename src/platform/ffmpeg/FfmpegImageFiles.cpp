@@ -1,5 +1,6 @@
 #include "platform/ffmpeg/FfmpegImageFiles.h"
 
+#include "base/SystemReason.h"
 #include "platform/ffmpeg/FfmpegErrors.h"
 #include "platform/ffmpeg/FfmpegHandles.h"
 #include "platform/ffmpeg/StraightAlpha.h"
@@ -42,7 +43,7 @@ Result<std::vector<std::uint8_t>, MediaError> readFile(const fs::path& path) {
     }
     std::ifstream file(path, std::ios::binary);
     if (!file) {
-        return fail(mediaError(Kind::notFound, path, std::strerror(errno)));
+        return fail(mediaError(Kind::notFound, path, systemReason(errno)));
     }
     const std::uintmax_t size = fs::file_size(path, failure);
     if (failure || size > kLargestFile) {
