@@ -1,12 +1,15 @@
 #include "capture/TakeRecorder.h"
 
+#include "base/SystemReason.h"
 #include "capture/CursorImageFiles.h"
+#include "media/MediaError.h"
 #include "project/RecordingFolder.h"
 #include "project/RecordingMetadata.h"
 #include "project/RecordingMetadataJson.h"
 
 #include <algorithm>
 #include <cassert>
+#include <cerrno>
 #include <cmath>
 #include <limits>
 
@@ -17,6 +20,18 @@ namespace {
 bool isReady(const TakeDevices& devices) {
     return devices.audioWarmUpService &&
            devices.audioWarmUpService->state() == AudioCaptureService::State::ready;
+}
+
+/// Why a library takes no new folder, and what to do.
+Message refusalOf(const std::filesystem::path& library, const std::error_code& error) {
+    const std::string reason = systemReason(error);
+    if (error == std::errc::no_space_on_device || error.value() == EDQUOT) {
+        return MediaError{MediaError::Kind::diskFull, library.string(), reason}.message();
+    }
+    return {TAVI_TEXT("Errors",
+                      "The recording can't be saved, since no folder can be made in %1 (%2). Make "
+                      "it a folder that you may write to, and try again."),
+            {library.string(), reason}};
 }
 
 } // namespace
@@ -47,7 +62,7 @@ Result<void, CaptureError> TakeRecorder::start(const TakeSource& source,
 }
 
 void TakeRecorder::makeFolder(const std::filesystem::path& library) {
-    m_folder = makeRecordingFolder(library, m_ports.tracking.clock.now());
+    m_folder = makeRecordingFolder(library, m_ports.tracking.clock.now(), m_folderError);
 }
 
 Result<void, CaptureError> TakeRecorder::startMedia(const TakeSource& source,
@@ -57,13 +72,21 @@ Result<void, CaptureError> TakeRecorder::startMedia(const TakeSource& source,
         audioSettings = devices.audioWarmUpService->audioDataOutput()->recommendedAudioSettings();
     }
     if (auto started = startScreen(source, audioSettings); !started) {
-        return started;
+        return fail(toldRight(started.error()));
     }
     if (devices.camera) {
         return startCamera(devices);
     }
     startMicrophone(devices);
     return {};
+}
+
+/// A video that can't be written for want of its folder is no news: the library is.
+CaptureError TakeRecorder::toldRight(CaptureError error) const {
+    if (m_folderError && error.kind == CaptureError::Kind::writer) {
+        error.cause = refusalOf(m_folder.parent_path(), m_folderError);
+    }
+    return error;
 }
 
 void TakeRecorder::startTracking() {

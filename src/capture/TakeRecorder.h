@@ -68,7 +68,8 @@ public:
     TakeRecorder(const TakeRecorder&) = delete;
     TakeRecorder& operator=(const TakeRecorder&) = delete;
 
-    /// Makes the take's folder in `library`.
+    /// Makes the take's folder in `library`. Where none can be made, startMedia() fails and says
+    /// why.
     void makeFolder(const std::filesystem::path& library);
 
     /// Starts recording the source and the devices into the folder. Blocks while the
@@ -130,6 +131,7 @@ private:
         double cameraStartDelay = 0; ///< Seconds.
     };
 
+    CaptureError toldRight(CaptureError error) const;
     Result<void, CaptureError> startScreen(const TakeSource& source,
                                            const std::optional<AudioSettings>& audioSettings);
     Result<void, CaptureError> startCamera(TakeDevices& devices);
@@ -152,6 +154,7 @@ private:
     std::unique_ptr<CameraCaptureService> m_cameraCaptureService;
     std::unique_ptr<LogJournal> m_journal; ///< Null where none can be kept.
     std::filesystem::path m_folder;
+    std::error_code m_folderError; ///< Why there is no folder.
     bool m_isRecording = false;
     double m_elapsedTime = 0;
     int m_capturedWidth = 0;

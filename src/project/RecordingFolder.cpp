@@ -101,13 +101,11 @@ std::string recordingFolderName(Date date) {
 }
 
 std::filesystem::path makeRecordingFolder(const std::filesystem::path& recordingsDirectory,
-                                          Date date) {
-    std::error_code ignored;
-    std::filesystem::create_directories(recordingsDirectory, ignored);
+                                          Date date, std::error_code& error) {
+    std::filesystem::create_directories(recordingsDirectory, error);
     const std::string name = recordingFolderName(date);
     std::filesystem::path folder = recordingsDirectory / name;
-    for (int n = 2; n < kMostFoldersOfOneSecond; ++n) {
-        std::error_code error;
+    for (int n = 2; !error && n < kMostFoldersOfOneSecond; ++n) {
         if (std::filesystem::create_directory(folder, error) || error) {
             break;
         }

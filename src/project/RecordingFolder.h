@@ -4,6 +4,7 @@
 
 #include <filesystem>
 #include <string>
+#include <system_error>
 
 namespace tavi {
 
@@ -20,9 +21,10 @@ std::string recordingFolderName(Date date);
 
 /// Makes the folder of a new take, parents included, and returns its path. A
 /// name that is taken gets a counter appended ("..._2"), so that no take is ever
-/// written over. A failure shows up later, as a file that can't be written.
+/// written over. A failure still gives the path, and its reason in `error`, which is
+/// cleared else.
 std::filesystem::path makeRecordingFolder(const std::filesystem::path& recordingsDirectory,
-                                          Date date);
+                                          Date date, std::error_code& error);
 
 /// Names of the files of a take.
 namespace take {

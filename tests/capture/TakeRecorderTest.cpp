@@ -156,6 +156,23 @@ TEST_F(TakeRecorderTest, failedStartLeavesTheEmptyFolderAndNoTake) {
     EXPECT_TRUE(std::filesystem::is_empty(folders->path()));
 }
 
+TEST_F(TakeRecorderTest, aLibraryThatTakesNoFolderIsWhatFailed) {
+    test::writeFile(library / "file", "");
+    media.startError = MediaError{MediaError::Kind::cannotWrite, "video.mov", "No such file"};
+    const auto started = recorder.start(display, library / "file");
+    ASSERT_FALSE(started);
+    EXPECT_EQ(started.error().description(),
+              "The recording can't be saved, since no folder can be made in " +
+                  (library / "file").string() +
+                  " (Not a directory). Make it a folder that you may write to, and try again.");
+}
+
+TEST_F(TakeRecorderTest, aScreenThatFailsIsToldAlsoWithoutAFolder) {
+    test::writeFile(library / "file", "");
+    screen.startError = CaptureError{CaptureError::Kind::sourceGone, "", {}};
+    EXPECT_EQ(recorder.start(display, library / "file").error(), *screen.startError);
+}
+
 TEST_F(TakeRecorderTest, elapsedTimeCountsFromTheFirstFrame) {
     ASSERT_TRUE(start());
     clock.advance(3);

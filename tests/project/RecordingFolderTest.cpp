@@ -65,19 +65,24 @@ TEST(RecordingFolder, isNamedByTheLocalDateAndTime) {
 TEST(RecordingFolder, isMadeWithItsParentsAndNeverTwice) {
     const TemporaryFolder documents;
     const auto library = documents / "deep/Tavlin";
-    const auto first = makeRecordingFolder(library, Date{0});
-    const auto second = makeRecordingFolder(library, Date{0});
+    std::error_code error = std::make_error_code(std::errc::io_error);
+    const auto first = makeRecordingFolder(library, Date{0}, error);
+    EXPECT_FALSE(error) << "of something before";
+    const auto second = makeRecordingFolder(library, Date{0}, error);
+    EXPECT_FALSE(error);
     EXPECT_TRUE(std::filesystem::is_directory(first));
     EXPECT_TRUE(std::filesystem::is_directory(second));
     EXPECT_EQ(first.filename(), recordingFolderName(Date{0}));
     EXPECT_EQ(second.filename(), recordingFolderName(Date{0}) + "_2");
 }
 
-TEST(RecordingFolder, aFailureStillGivesThePath) {
+TEST(RecordingFolder, aFailureStillGivesThePathAndItsReason) {
     const TemporaryFolder documents;
     writeFile(documents / "Tavlin", "in the way");
-    EXPECT_EQ(makeRecordingFolder(documents / "Tavlin", Date{0}),
+    std::error_code error;
+    EXPECT_EQ(makeRecordingFolder(documents / "Tavlin", Date{0}, error),
               documents / "Tavlin" / recordingFolderName(Date{0}));
+    EXPECT_EQ(error, std::errc::not_a_directory);
 }
 
 TEST(RecordingFolder, imagesAreNumberedWithoutPadding) {

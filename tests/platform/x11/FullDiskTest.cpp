@@ -26,6 +26,15 @@ std::string amongItsOwnMounts(const std::string& script) {
     return unshare + " sh -ec '" + script + "'";
 }
 
+/// The same with `disk` of `folder` for documents; its messages go to `errors` there.
+std::string recordingTo(const test::TemporaryFolder& folder, const XTestServer& server,
+                        const std::string& script) {
+    std::filesystem::create_directories(folder / "disk");
+    return "DISPLAY=" + server.name() + " TAVI_DOCUMENTS_DIR=" + (folder / "disk").string() +
+           " XDG_RUNTIME_DIR=" + folder.path().string() + " " + amongItsOwnMounts(script) +
+           " >/dev/null 2>" + (folder / "errors").string();
+}
+
 /// Who makes the disk full.
 enum class Filler { theTake, anotherProgram };
 
@@ -34,12 +43,7 @@ enum class Filler { theTake, anotherProgram };
 class TakeOnASmallDisk {
 public:
     TakeOnASmallDisk(const XTestServer& server, Filler filler) {
-        std::filesystem::create_directories(m_folder / "disk");
-        const std::string disk = (m_folder / "disk").string();
-        const std::string command = "DISPLAY=" + server.name() + " TAVI_DOCUMENTS_DIR=" + disk +
-                                    " XDG_RUNTIME_DIR=" + m_folder.path().string() + " " +
-                                    amongItsOwnMounts(script(filler)) + " >/dev/null 2>" +
-                                    errorsPath();
+        const std::string command = recordingTo(m_folder, server, script(filler));
         m_status = std::async(std::launch::async, [command] {
             const int raw = std::system(command.c_str());
             return WIFEXITED(raw) ? WEXITSTATUS(raw) : -1;
@@ -51,7 +55,7 @@ public:
     }
 
     int status() { return m_status.get(); }
-    std::string errors() const { return test::readFile(errorsPath()); }
+    std::string errors() const { return test::readFile(m_folder / "errors"); }
 
     /// The take as it was left; empty without one.
     std::filesystem::path take() const {
@@ -73,8 +77,6 @@ private:
                (filler == Filler::anotherProgram ? fill : "") + "wait $! || status=$?; cp -a " +
                disk + " " + (m_folder / "kept").string() + "; exit $status";
     }
-
-    std::string errorsPath() const { return (m_folder / "errors").string(); }
 
     const test::TemporaryFolder m_folder;
     std::future<int> m_status;
@@ -125,6 +127,21 @@ TEST_P(FullDisk, endsATakeThatIsWholeUpToThere) {
 
 INSTANTIATE_TEST_SUITE_P(Fillers, FullDisk,
                          testing::Values(Filler::theTake, Filler::anotherProgram));
+
+TEST(ReadOnlyDisk, isToldWithTheFolderThatItRefuses) {
+    const XTestServer server("320x240x24");
+    const test::TemporaryFolder folder;
+    const std::string disk = (folder / "disk").string();
+    const std::string command =
+        recordingTo(folder, server,
+                    "mount -t tmpfs -o ro tmpfs " + disk +
+                        "; exec " TAVI_BINARY_DIR "/tavi record --duration 1");
+    const int raw = std::system(command.c_str());
+    EXPECT_TRUE(WIFEXITED(raw) && WEXITSTATUS(raw) == 1);
+    EXPECT_THAT(
+        test::readFile(folder / "errors"),
+        testing::HasSubstr("no folder can be made in " + disk + "/Tavlin (Read-only file system)"));
+}
 
 } // namespace
 } // namespace tavi

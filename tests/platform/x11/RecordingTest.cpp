@@ -158,7 +158,8 @@ TEST(Recording, intoAFolderThatCannotBeMadeFailsWithASentence) {
     const auto started = take.start("/proc/nowhere");
     ASSERT_FALSE(started);
     EXPECT_EQ(started.error().kind, CaptureError::Kind::writer);
-    EXPECT_FALSE(started.error().description().empty());
+    EXPECT_THAT(started.error().description(),
+                testing::HasSubstr("no folder can be made in /proc/nowhere"));
 }
 
 } // namespace
