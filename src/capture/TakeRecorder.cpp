@@ -3,6 +3,7 @@
 #include "base/SystemReason.h"
 #include "capture/CursorImageFiles.h"
 #include "media/MediaError.h"
+#include "media/VideoLimits.h"
 #include "project/RecordingFolder.h"
 #include "project/RecordingMetadata.h"
 #include "project/RecordingMetadataJson.h"
@@ -20,6 +21,14 @@ namespace {
 bool isReady(const TakeDevices& devices) {
     return devices.audioWarmUpService &&
            devices.audioWarmUpService->state() == AudioCaptureService::State::ready;
+}
+
+/// What is recorded of a source: one that is too small for a video is continued to the right and
+/// below, where its place in the picture and the pointer's stay the same.
+Rect recordedFrame(Rect frame) {
+    const double width = std::max<double>(frame.width, kSmallestVideoSide);
+    const double height = std::max<double>(frame.height, kSmallestVideoSide);
+    return {frame.x, frame.y + frame.height - height, width, height};
 }
 
 /// Why a library takes no new folder, and what to do.
@@ -98,11 +107,11 @@ Result<void, CaptureError>
 TakeRecorder::startScreen(const TakeSource& source,
                           const std::optional<AudioSettings>& audioSettings) {
     const Clock& clock = m_ports.tracking.clock;
-    m_capturedWidth = static_cast<int>(source.frame.width);
-    m_capturedHeight = static_cast<int>(source.frame.height);
+    const Rect frame = recordedFrame(source.frame);
+    m_capturedWidth = static_cast<int>(frame.width);
+    m_capturedHeight = static_cast<int>(frame.height);
     m_journal = LogJournal::create(m_folder / take::kJournal, metadata({}));
-    m_cursorTrackingService =
-        std::make_unique<CursorTrackingService>(source.frame, m_ports.tracking);
+    m_cursorTrackingService = std::make_unique<CursorTrackingService>(frame, m_ports.tracking);
     m_screenCaptureService =
         std::make_unique<ScreenCaptureService>(m_ports.streams, m_ports.media, clock);
     // Time zero of everything: the video, the log and the elapsed time.
@@ -111,8 +120,8 @@ TakeRecorder::startScreen(const TakeSource& source,
         m_cursorTrackingService->setStartDate(now);
         m_recordingStartDate = now.sinceReference;
     };
-    m_screenCaptureService->onSourceMoved = [this](const Rect& frame) {
-        m_cursorTrackingService->moveCaptureFrame(frame);
+    m_screenCaptureService->onSourceMoved = [this](const Rect& now) {
+        m_cursorTrackingService->moveCaptureFrame(recordedFrame(now));
     };
     auto started = m_screenCaptureService->startCapture(
         source.filter, m_capturedWidth, m_capturedHeight, m_folder / take::kVideo,

@@ -130,6 +130,22 @@ TEST_F(TakeRecorderTest, windowIsRecordedInItsOwnSizeAndSpace) {
     EXPECT_DOUBLE_EQ(metadata.cursorEvents[0].y, 190);
 }
 
+TEST_F(TakeRecorderTest, aSourceThatIsTooSmallForAVideoIsContinuedToTheRightAndBelow) {
+    const Window flat{9, "notes", "Editor", "editor", {100, 50, 30, 10}, true};
+    ASSERT_TRUE(recorder.start(flat, library.path()));
+    EXPECT_EQ(screen.lastConfiguration.width, 30);
+    EXPECT_EQ(screen.lastConfiguration.height, 16);
+    sendFirstFrame();
+    pointer.location = {104, 58}; // four to the right of its upper left corner, two below
+    pointer.fire(PointerEventKind::leftMouseDown);
+    const RecordingMetadata metadata = metadataOf(*recorder.stop());
+    EXPECT_EQ(metadata.screenWidth, 30);
+    EXPECT_EQ(metadata.screenHeight, 16);
+    ASSERT_THAT(metadata.cursorEvents, SizeIs(1));
+    EXPECT_DOUBLE_EQ(metadata.cursorEvents[0].x, 4);
+    EXPECT_DOUBLE_EQ(metadata.cursorEvents[0].y, 2);
+}
+
 TEST_F(TakeRecorderTest, pointerStopsBeforeTheVideo) {
     ASSERT_TRUE(start());
     sendFirstFrame();

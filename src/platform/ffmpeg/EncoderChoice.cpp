@@ -1,5 +1,6 @@
 #include "platform/ffmpeg/EncoderChoice.h"
 
+#include "media/VideoLimits.h"
 #include "platform/ffmpeg/FfmpegErrors.h"
 
 #include <algorithm>
@@ -24,6 +25,11 @@ int sizeClass(const VideoSettings& settings) {
         return 0;
     }
     return longest <= 2048 ? 1 : longest <= 4096 ? 2 : longest <= 8192 ? 3 : 4;
+}
+
+bool isEncodable(const VideoSettings& settings) {
+    return std::min(settings.width, settings.height) >= kSmallestVideoSide &&
+           settings.width % 2 == 0 && settings.height % 2 == 0;
 }
 
 void drawTrial(PixelBuffer& picture, int number) {
@@ -86,6 +92,11 @@ const EncoderTrial& EncoderChoice::trial(const EncoderKind& kind, const VideoSet
 Result<std::unique_ptr<VideoEncoder>, MediaError>
 EncoderChoice::open(const VideoSettings& settings, int timescale,
                     const std::shared_ptr<const ColorConverter>& colours, PictureContent content) {
+    if (!isEncodable(settings)) {
+        const std::string reason =
+            TAVI_TEXT("Errors", "width and height must be even and at least 16 pixels");
+        return fail(MediaError{MediaError::Kind::cannotEncode, {}, reason});
+    }
     std::string reason = "none is known";
     for (const EncoderKind& kind : encoderKinds(settings.codec)) {
         const EncoderTrial& tried = trial(kind, settings);

@@ -33,7 +33,8 @@ public:
     static EncoderChoice& shared();
 
     /// Opens the first encoder that works for `settings`. `colours`: see PictureEncoding.
-    /// Errors: noEncoder, with the reason of the last one tried.
+    /// Errors: noEncoder, with the reason of the last one tried; cannotEncode for odd sides, and
+    /// for those below kSmallestVideoSide.
     Result<std::unique_ptr<VideoEncoder>, MediaError>
     open(const VideoSettings& settings, int timescale,
          const std::shared_ptr<const ColorConverter>& colours,

@@ -9,6 +9,7 @@ extern "C" {
 }
 
 #include <algorithm>
+#include <cassert>
 #include <cerrno>
 #include <filesystem>
 #include <utility>
@@ -57,11 +58,8 @@ VideoEncoder::VideoEncoder(const EncoderKind& kind, std::shared_ptr<const ColorC
 Result<std::unique_ptr<VideoEncoder>, std::string>
 VideoEncoder::open(const EncoderKind& kind, const VideoSettings& settings, int timescale,
                    std::shared_ptr<const ColorConverter> colours, PictureContent content) {
+    assert(settings.width % 2 == 0 && settings.height % 2 == 0);
     silenceFfmpegLog();
-    if (settings.width <= 0 || settings.height <= 0 || settings.width % 2 != 0 ||
-        settings.height % 2 != 0) {
-        return fail(std::string("width and height must be even and positive"));
-    }
     if (!avcodec_find_encoder_by_name(kind.name)) {
         return fail(std::string("not in this build of the media libraries"));
     }

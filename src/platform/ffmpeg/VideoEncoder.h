@@ -31,7 +31,7 @@ public:
     using Sink = std::function<int(AVPacket&)>;
 
     /// Opens the encoder; `timescale` is its clock, ticks per second. `colours`: see
-    /// PictureEncoding.
+    /// PictureEncoding. Width and height are even.
     static Result<std::unique_ptr<VideoEncoder>, std::string>
     open(const EncoderKind& kind, const VideoSettings& settings, int timescale,
          std::shared_ptr<const ColorConverter> colours,

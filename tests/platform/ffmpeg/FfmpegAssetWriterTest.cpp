@@ -1,3 +1,4 @@
+#include "media/VideoLimits.h"
 #include "platform/ffmpeg/FfmpegMediaLibrary.h"
 #include "platform/ffmpeg/TestMedia.h"
 
@@ -509,13 +510,42 @@ TEST(FfmpegAssetWriter, tellsWhyAFileCanNotBeMade) {
 
 TEST(FfmpegAssetWriter, refusesSizesThatNoEncoderTakes) {
     auto writer = mediaLibrary().makeWriter(freshPath("x.mp4"), FileType::mp4).value();
-    VideoSettings video = settings(FileType::mp4);
-    video.width = 161;
-    const auto added = writer->addVideoInput(video);
-    ASSERT_FALSE(added);
-    EXPECT_EQ(added.error().kind, Kind::noEncoder);
-    EXPECT_NE(added.error().reason.find("even"), std::string::npos);
+    for (const auto& [width, height] : {std::pair(161, 120), {14, 120}, {160, 0}}) {
+        VideoSettings video = settings(FileType::mp4);
+        video.width = width;
+        video.height = height;
+        const auto added = writer->addVideoInput(video);
+        ASSERT_FALSE(added);
+        EXPECT_EQ(added.error().kind, Kind::cannotEncode);
+        EXPECT_NE(added.error().reason.find("even and at least 16"), std::string::npos);
+    }
 }
+
+/// Pictures of one size, of a film or of a take.
+class SmallestVideo : public ::testing::TestWithParam<std::tuple<FileType, int, int>> {};
+
+TEST_P(SmallestVideo, isWritten) {
+    const auto [type, width, height] = GetParam();
+    const fs::path file = freshPath("small.mov");
+    VideoSettings video = settings(type);
+    video.width = width;
+    video.height = height;
+    video.realTime = video.hasAlpha = type == FileType::quickTimeMovie;
+    const Writing writing(file, type, video);
+    for (int n = 0; n < 3; ++n) {
+        EXPECT_TRUE(writing.append(std::make_shared<PixelBuffer>(width, height), {n, 30}));
+    }
+    const auto finished = writing.writer->finishWriting();
+    EXPECT_TRUE(finished) << finished.error().description();
+    EXPECT_EQ(probe(file, "stream=width"), std::to_string(width));
+    EXPECT_EQ(probe(file, "stream=height"), std::to_string(height));
+}
+
+INSTANTIATE_TEST_SUITE_P(Sizes, SmallestVideo,
+                         ::testing::Combine(::testing::Values(FileType::quickTimeMovie,
+                                                              FileType::mp4),
+                                            ::testing::Values(kSmallestVideoSide, 30, 64),
+                                            ::testing::Values(kSmallestVideoSide, 30, 64)));
 
 TEST(FfmpegAssetWriter, aFullDeviceIsToldWhileWriting) {
     const fs::path link = freshPath("full-device.mov");

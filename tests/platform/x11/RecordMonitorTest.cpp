@@ -99,6 +99,25 @@ INSTANTIATE_TEST_SUITE_P(
     testing::Values(MonitorCase{0, 500, 400, kLeft, {40, 30}, {40, 30}, {520, 130}},
                     MonitorCase{1, 300, 500, kRight, {790, 590}, {290, 490}, {40, 30}}));
 
+/// Smaller than any video can be: the picture goes on with the monitor's last column and row.
+TEST(Monitors, aTinyOneIsRecorded) {
+    const XTestServer server("320x240x24");
+    ASSERT_TRUE(server.run("xrandr --setmonitor TINY 9/1x30/1+40+20 screen"));
+    Painter painter(server);
+    painter.fill(0, 0, 320, 240, kRight);
+    painter.fill(40, 20, 9, 30, kLeft);
+    RecorderProcess recorder(server.name(), {"--display", "0"});
+    ASSERT_TRUE(recorder.waitForFirstFrame()) << recorder.errors();
+    ASSERT_TRUE(server.run("xdotool mousemove 42 25 click 1"));
+    ASSERT_TRUE(recorder.stopAfterClick()) << recorder.errors();
+
+    const auto samples = test::readAll(recorder.take() / "video.mov");
+    ASSERT_FALSE(samples.empty());
+    EXPECT_EQ(samples.front().image->width(), 16);
+    EXPECT_EQ(samples.front().image->height(), 30);
+    EXPECT_TRUE(isAll(*samples.front().image, kLeft));
+}
+
 TEST(Monitors, sourcesTellSizesAndPlaces) {
     const TwoMonitors desktop;
     const RecorderProcess recorder(desktop.server.name());
