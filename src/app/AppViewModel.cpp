@@ -1,6 +1,7 @@
 #include "app/AppViewModel.h"
 
 #include "app/PathText.h"
+#include "base/MessageText.h"
 
 #include <QCoro/QCoroTask>
 
@@ -51,7 +52,7 @@ void AppViewModel::route(bool isPermitted) {
     }
     goHome();
     if (const auto take = std::exchange(m_takeToOpen, std::nullopt)) {
-        setCurrentMode(AppMode::editing(*take));
+        edit(*take);
     }
 }
 
@@ -116,7 +117,20 @@ void AppViewModel::leaveRecording() {
 }
 
 void AppViewModel::openRecording(const QUrl& url) {
-    setCurrentMode(AppMode::editing(pathOf(url.toLocalFile())));
+    edit(pathOf(url.toLocalFile()));
+}
+
+/// Opens a take, or tells why not.
+void AppViewModel::edit(const std::filesystem::path& folder) {
+    const auto found = findRecording(folder);
+    if (found) {
+        setCurrentMode(AppMode::editing(folder));
+        return;
+    }
+    setNotice(translated(found.error().message()).toStdString());
+    if (m_currentMode == AppMode::home()) {
+        loadRecordings();
+    }
 }
 
 void AppViewModel::leaveEditor() {
@@ -133,7 +147,7 @@ void AppViewModel::openTake(const std::filesystem::path& folder) {
         return;
     case AppMode::Screen::home:
     case AppMode::Screen::editing:
-        setCurrentMode(AppMode::editing(folder));
+        edit(folder);
     }
 }
 

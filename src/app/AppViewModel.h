@@ -120,12 +120,13 @@ public:
     /// Ends a countdown of the recording screen; a take that runs is saved first.
     Q_INVOKABLE void leaveRecording();
 
-    /// From `home` to a take of the library.
+    /// From `home` to a take of the library. One that is not there any more is told, and goes from
+    /// the library.
     Q_INVOKABLE void openRecording(const QUrl& url);
     Q_INVOKABLE void leaveEditor();
 
     /// Opens a take from outside: at once, or after the splash or the permission screen. Nothing
-    /// while the recording screen shows.
+    /// while the recording screen shows. A folder without a take is told.
     void openTake(const std::filesystem::path& folder);
 
     /// The recording screen's view model; the screen shows it while the mode is `recording`.
@@ -157,6 +158,7 @@ private:
     void route(bool isPermitted);
     void setCurrentMode(AppMode mode);
     void goHome();
+    void edit(const std::filesystem::path& folder);
     ApplicationWindow* windowToMiniaturize();
     void miniaturizeWindow();
     void bringWindowBack();

@@ -2,6 +2,7 @@
 
 #include "app/PathText.h"
 #include "base/SystemReason.h"
+#include "project/RecordingFolder.h"
 
 #include <cerrno>
 #include <cstdio>
@@ -37,16 +38,26 @@ std::error_code renameToFreeName(const fs::path& from, const fs::path& to) {
 } // namespace
 
 Message RecordingFileError::message() const {
-    const std::string name = path.filename().string();
+    const std::string name = nameOf(path);
     switch (kind) {
     case Kind::notFound:
         return {TAVI_TEXT("Errors", "\"%1\" is not there any more."), {name}};
+    case Kind::noVideo:
+        return {TAVI_TEXT("Errors", "\"%1\" can't be opened: there is no video in it."), {name}};
     case Kind::nameTaken:
         return {TAVI_TEXT("Errors", "\"%1\" exists already."), {name}};
     case Kind::failed:
         break;
     }
     return {"\"%1\": %2.", {name, detail}};
+}
+
+Result<void, RecordingFileError> findRecording(const fs::path& folder) {
+    if (isThere(folder / take::kVideo)) {
+        return {};
+    }
+    const Kind kind = isThere(folder) ? Kind::noVideo : Kind::notFound;
+    return fail(RecordingFileError{kind, folder, {}});
 }
 
 Result<void, RecordingFileError> removeRecording(const fs::path& folder) {

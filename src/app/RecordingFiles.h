@@ -12,6 +12,7 @@ namespace tavi {
 struct RecordingFileError {
     enum class Kind {
         notFound,  ///< It is not there any more.
+        noVideo,   ///< It is there, without a video.
         nameTaken, ///< Something of the new name is there.
         failed,    ///< The system says no.
     };
@@ -23,6 +24,9 @@ struct RecordingFileError {
     Message message() const;
     std::string description() const { return message().english(); }
 };
+
+/// Looks whether there is a take to open. Thread: any.
+Result<void, RecordingFileError> findRecording(const std::filesystem::path& folder);
 
 /// Removes a take's folder with everything in it. What was removed before a failure stays removed.
 /// Thread: any.

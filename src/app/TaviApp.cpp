@@ -36,6 +36,7 @@ TaviApp::TaviApp(TaviAppPorts ports, const PackageConfiguration& package,
             &UpdaterController::checkForUpdates);
     connect(&m_updaterController, &UpdaterController::told, &m_appViewModel,
             &AppViewModel::setNoticeText);
+    connect(&m_appViewModel, &AppViewModel::noticeChanged, this, &TaviApp::noticeChanged);
     m_updaterController.startUpdater();
 }
 
@@ -96,6 +97,15 @@ void TaviApp::openRecordingScreen() {
 void TaviApp::tellFailureOf(const RecordingViewModel& model) {
     if (!model.isRecording() && !model.failureString().isEmpty()) {
         m_appViewModel.setNoticeText(model.failureString());
+        m_tellsOfTake = true;
+    }
+}
+
+/// A take that failed may have left nothing to edit: who has read why is back in the library.
+void TaviApp::noticeChanged() {
+    const bool isRead = std::exchange(m_tellsOfTake, false) && m_appViewModel.notice().empty();
+    if (isRead && m_editorScreen && m_editorScreen->editor()->isVideoUnreadable()) {
+        m_appViewModel.leaveEditor();
     }
 }
 

@@ -91,6 +91,7 @@ private:
     void openRecordingScreen();
     void closeRecordingScreen();
     void tellFailureOf(const RecordingViewModel& model);
+    void noticeChanged();
     void takeEndedByItself(const QString& folder);
 
     std::function<std::unique_ptr<RecordingViewModel>()> m_makeRecording;
@@ -106,6 +107,7 @@ private:
     SettingsViewModel m_settingsViewModel;
     TakeThumbnails m_thumbnails;
     std::unique_ptr<EditorScreenViewModel> m_editorScreen;
+    bool m_tellsOfTake = false; ///< The notice says why a take failed.
     std::unique_ptr<RecordingViewModel> m_recordingViewModel; ///< Goes first, and saves its take.
 };
 

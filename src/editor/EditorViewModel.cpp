@@ -51,33 +51,34 @@ EditorPlayback::Observers EditorViewModel::playbackObservers() {
             [this] { emit isCameraReadyChanged(); }};
 }
 
-void EditorViewModel::openAsset(const char* file, std::function<void(const Asset&)> whenOpen) {
+/// Calls `then` later, with null for a file that can't be opened.
+void EditorViewModel::openAsset(const char* file, std::function<void(const Asset*)> then) {
     // `self` is looked at on the main thread only.
     m_ports.background.post([self = QPointer(this), path = m_folder / file, &media = m_ports.media,
-                             &main = m_ports.main, whenOpen = std::move(whenOpen)] {
-        const auto asset = media.openAsset(path);
-        if (!asset) {
-            return;
-        }
-        main.post([self, whenOpen, asset = *asset] {
+                             &main = m_ports.main, then = std::move(then)] {
+        main.post([self, then, asset = media.openAsset(path)] {
             if (self) {
-                whenOpen(asset);
+                then(asset ? &*asset : nullptr);
             }
         });
     });
 }
 
 void EditorViewModel::loadVideoAsset() {
-    openAsset(take::kVideo, [this](const Asset& asset) {
-        m_duration = asset.duration.seconds();
+    openAsset(take::kVideo, [this](const Asset* asset) {
+        if (asset == nullptr) {
+            m_isVideoUnreadable = true;
+            return;
+        }
+        m_duration = asset->duration.seconds();
         m_playback.setDuration(m_duration);
         emit durationChanged();
         emit keptDurationChanged();
         // Kept on purpose: zooms of older versions are completed for the width above, before
         // the video's own is known.
         normalizeKeyframes();
-        if (!asset.videoTracks.empty()) {
-            m_videoSize = asset.videoTracks.front().naturalSize;
+        if (!asset->videoTracks.empty()) {
+            m_videoSize = asset->videoTracks.front().naturalSize;
             emit videoSizeChanged();
             emit outputSizeChanged();
         }
@@ -86,10 +87,10 @@ void EditorViewModel::loadVideoAsset() {
 
 void EditorViewModel::prepareCameraOffset() {
     const MediaTime start = MediaTime::fromSeconds(m_project.cameraStartDelay);
-    openAsset(take::kCamera, [this, start](const Asset& asset) {
-        if (!asset.videoTracks.empty()) {
+    openAsset(take::kCamera, [this, start](const Asset* asset) {
+        if (asset != nullptr && !asset->videoTracks.empty()) {
             m_playback.cameraIsReady(
-                {asset.path, DelayedTrack{asset.videoTracks.front(), asset.duration, start}});
+                {asset->path, DelayedTrack{asset->videoTracks.front(), asset->duration, start}});
         }
     });
 }

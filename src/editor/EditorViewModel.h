@@ -61,6 +61,9 @@ public:
     CanvasMode canvasMode() const { return m_canvasMode; }
     const std::optional<Uuid>& selectedKeyframeID() const { return m_selectedKeyframeID; }
     Size videoSize() const { return m_videoSize; } ///< 1920x1080 until it is known.
+
+    /// True once the video turned out to be none that can be opened, which nobody is told.
+    bool isVideoUnreadable() const { return m_isVideoUnreadable; }
     AutoZoomViewModel& autoZoomViewModel() { return m_autoZoomViewModel; }
     const AutoZoomViewModel& autoZoomViewModel() const { return m_autoZoomViewModel; }
     const AutoZoomSettings& autoZoomSettings() const { return m_autoZoomSettings; }
@@ -154,7 +157,7 @@ signals:
 
 private:
     EditorPlayback::Observers playbackObservers();
-    void openAsset(const char* file, std::function<void(const Asset&)> whenOpen);
+    void openAsset(const char* file, std::function<void(const Asset*)> then);
     void loadVideoAsset();
     void prepareCameraOffset();
     void normalizeKeyframes();
@@ -175,6 +178,7 @@ private:
     CanvasMode m_canvasMode = CanvasMode::preview;
     std::optional<Uuid> m_selectedKeyframeID;
     Size m_videoSize{1920, 1080};
+    bool m_isVideoUnreadable = false;
     AutoZoomViewModel m_autoZoomViewModel;
     AutoZoomSettings m_autoZoomSettings;
     std::optional<double> m_cutStartMarker;

@@ -154,6 +154,35 @@ TEST_F(AppViewModelTest, modesFollowTheScreensControls) {
     EXPECT_THAT(names(), ElementsAre("take")) << "the library is read anew";
 }
 
+TEST_F(AppViewModelTest, aTakeThatIsGoneIsToldAndGoesFromTheLibrary) {
+    makeTake(library / "gone", 2);
+    makeTake(library / "there", 1);
+    launchHome();
+    std::filesystem::remove_all(library / "gone");
+    app->openRecording(QUrl::fromLocalFile(QString::fromStdString((library / "gone").string())));
+    EXPECT_EQ(mode(), "home");
+    EXPECT_EQ(app->notice(), "\"gone\" is not there any more.");
+    EXPECT_THAT(names(), ElementsAre("there"));
+}
+
+TEST_F(AppViewModelTest, aFolderWithoutAVideoIsNoTakeToOpen) {
+    std::filesystem::create_directories(library / "photos");
+    launch();
+    app->openTake(library / "photos");
+    endSplash();
+    EXPECT_EQ(mode(), "home");
+    EXPECT_EQ(app->notice(), "\"photos\" can't be opened: there is no video in it.");
+}
+
+TEST_F(AppViewModelTest, aTakeThatIsGoneLeavesTheOpenOneAlone) {
+    makeTake(library / "take");
+    launchHome();
+    app->openTake(library / "take");
+    app->openTake(library / "gone/");
+    EXPECT_EQ(app->currentMode(), AppMode::editing(library / "take"));
+    EXPECT_EQ(app->notice(), "\"gone\" is not there any more.");
+}
+
 TEST(AppModeTest, twoEditingsAreEqualWhenTheirFoldersAre) {
     EXPECT_EQ(AppMode::editing("/a"), AppMode::editing("/a"));
     EXPECT_NE(AppMode::editing("/a"), AppMode::editing("/b"));

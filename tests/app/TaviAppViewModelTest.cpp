@@ -77,6 +77,21 @@ protected:
         program->appViewModel()->newRecording();
     }
 
+    void openTake(const char* name) {
+        test::makeTake(library / name);
+        program->appViewModel()->openTake(library / name);
+    }
+
+    /// Records a moment of the first display, whose video then can't be completed.
+    void failAtTheStop() {
+        RecordingViewModel& recording = startTakeOfProgram();
+        media.finishError = MediaError{MediaError::Kind::cannotWrite, "video.mov", ""};
+        recording.stop();
+        ASSERT_TRUE(test::runLoopUntil([&] { return program->editorScreen() != nullptr; }));
+        settle();
+        EXPECT_NE(program->appViewModel()->notice(), "");
+    }
+
     /// Records a moment of the first display.
     RecordingViewModel& startTakeOfProgram() {
         openRecordingScreen();
@@ -134,16 +149,16 @@ TEST_F(TaviAppTest, aTakeIsOpenBeforeTheModeChanges) {
     bool wasThere = false;
     QObject::connect(program->appViewModel(), &AppViewModel::currentModeChanged, program.get(),
                      [&] { wasThere = program->editorScreen() != nullptr; });
-    program->appViewModel()->openTake(library / "one");
+    openTake("one");
     EXPECT_TRUE(wasThere);
     EXPECT_THAT(openedTakes, testing::ElementsAre(library / "one"));
 }
 
 TEST_F(TaviAppTest, anotherTakeReplacesTheOpenOne) {
     launchHome();
-    program->appViewModel()->openTake(library / "one");
+    openTake("one");
     const QPointer first(program->editorScreen());
-    program->appViewModel()->openTake(library / "two");
+    openTake("two");
     EXPECT_NE(program->editorScreen(), first.data());
     QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
     EXPECT_TRUE(first.isNull());
@@ -152,7 +167,7 @@ TEST_F(TaviAppTest, anotherTakeReplacesTheOpenOne) {
 
 TEST_F(TaviAppTest, aTakeIsClosedWithItsScreen) {
     launchHome();
-    program->appViewModel()->openTake(library / "one");
+    openTake("one");
     const QPointer first(program->editorScreen());
     program->appViewModel()->leaveEditor();
     EXPECT_EQ(program->editorScreen(), nullptr);
@@ -194,6 +209,20 @@ TEST_F(TaviAppTest, aFileThatFailsAtTheStopIsTold) {
     media.finishError = MediaError{MediaError::Kind::diskFull, "video.mov", ""};
     run(recording.stopRecording());
     EXPECT_THAT(program->appViewModel()->notice(), HasSubstr("The disk is full"));
+}
+
+TEST_F(TaviAppTest, aTakeWithoutAVideoIsLeftWhenItsMessageIsRead) {
+    failAtTheStop();
+    EXPECT_EQ(program->appViewModel()->currentModeName(), "editing");
+    program->appViewModel()->setNoticeText({});
+    EXPECT_EQ(program->appViewModel()->currentModeName(), "home");
+}
+
+TEST_F(TaviAppTest, whatIsLeftOfATakeIsEditedWhenItsMessageIsRead) {
+    assets.known["video.mov"] = FakeAssets::asset(2, Size{640, 480});
+    failAtTheStop();
+    program->appViewModel()->setNoticeText({});
+    EXPECT_EQ(program->appViewModel()->currentModeName(), "editing");
 }
 
 TEST_F(TaviAppTest, aTakeThatEndsWellIsToldByItsEditorAlone) {

@@ -86,6 +86,7 @@ TEST_F(EditorViewModelTest, videoTellsLengthAndSizeAMomentLater) {
     EXPECT_EQ(editor->duration(), 60);
     EXPECT_EQ(editor->videoSize(), (Size{1280, 720}));
     EXPECT_EQ(editor->keptDuration(), 60);
+    EXPECT_FALSE(editor->isVideoUnreadable());
 }
 
 TEST_F(EditorViewModelTest, videoThatCanNotBeReadLeavesTheFirstValues) {
@@ -97,6 +98,7 @@ TEST_F(EditorViewModelTest, videoThatCanNotBeReadLeavesTheFirstValues) {
     EXPECT_EQ(editor->duration(), 0);
     EXPECT_EQ(editor->videoSize(), (Size{1920, 1080}));
     EXPECT_EQ(editor->project().keyframes[0].endTime, -1) << "its end isn't known";
+    EXPECT_TRUE(editor->isVideoUnreadable());
 }
 
 TEST_F(EditorViewModelTest, videoWithoutPicturesHasALengthOnly) {

@@ -185,6 +185,17 @@ TEST_F(TavlinWindowTest, opensATakeByAClickAndComesBack) {
     EXPECT_TRUE(isHome());
 }
 
+TEST_F(TavlinWindowTest, tellsOfATakeThatIsGoneFromTheDiskAndStaysInTheLibrary) {
+    std::filesystem::remove_all(m_window.library() / "Middle");
+    m_window.click(cardMiddle(1));
+    ASSERT_TRUE(hasNot(newRecording(), kAccent)); // under the message
+    m_window.waitUntilStill();
+    m_window.press("Return");
+    EXPECT_TRUE(isHome());
+    EXPECT_TRUE(hasNot(cardMiddle(2), kFilm)) << "two are left";
+    EXPECT_TRUE(has(cardMiddle(1), kFilm));
+}
+
 TEST_F(TavlinWindowTest, leavesTakesWithoutThreadsAndFilesOfTheirs) {
     const auto visit = [this](int card) {
         m_window.click(cardMiddle(card));
