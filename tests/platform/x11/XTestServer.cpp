@@ -11,6 +11,7 @@
 #include <cstdlib>
 #include <fcntl.h>
 #include <fstream>
+#include <sys/prctl.h>
 #include <sys/wait.h>
 #include <unistd.h>
 #include <utility>
@@ -109,6 +110,7 @@ XTestServer::XTestServer(std::vector<std::string> command, std::unique_ptr<Tempo
     raw.push_back(nullptr);
     m_pid = fork();
     if (m_pid == 0) {
+        prctl(PR_SET_PDEATHSIG, SIGTERM); // which has it remove its socket and lock
         if (!parent.empty()) {
             setenv("DISPLAY", parent.c_str(), 1);
         }
